@@ -1,0 +1,24 @@
+# The processor level of this build: which instructions the library may execute.
+#
+#   base  AVX and nothing newer
+#   v3    x86-64-v3 (AVX2, FMA, BMI)
+#   v4    x86-64-v4 (AVX-512 F, BW, CD, DQ, VL)
+#
+# The flags reach the library alone; tests, benchmarks and examples stay portable.
+
+set(LUMCV_LEVEL base CACHE STRING "Processor level: base, v3 or v4")
+set_property(CACHE LUMCV_LEVEL PROPERTY STRINGS base v3 v4)
+
+if(LUMCV_LEVEL STREQUAL base)
+  # haswell tuning only keeps unaligned 32-byte loads and stores in one piece; it enables no instruction
+  set(LUMCV_LEVEL_FLAGS -march=x86-64-v2 -mavx -mtune=haswell)
+  set(LUMCV_LEVEL_LIBDIR "")
+elseif(LUMCV_LEVEL STREQUAL v3)
+  set(LUMCV_LEVEL_FLAGS -march=x86-64-v3 -mtune=haswell)
+  set(LUMCV_LEVEL_LIBDIR "/glibc-hwcaps/x86-64-v3")
+elseif(LUMCV_LEVEL STREQUAL v4)
+  set(LUMCV_LEVEL_FLAGS -march=x86-64-v4 -mprefer-vector-width=512)
+  set(LUMCV_LEVEL_LIBDIR "/glibc-hwcaps/x86-64-v4")
+else()
+  message(FATAL_ERROR "LUMCV_LEVEL is '${LUMCV_LEVEL}'; it must be base, v3 or v4")
+endif()

@@ -1,0 +1,8 @@
+/**
+ * @file
+ * @brief placeholder
+ */
+#ifndef LUMCV_FRAME_H
+#define LUMCV_FRAME_H
+#include "types.h"
+#endif

@@ -1,0 +1,14 @@
+/**
+ * @file
+ * @brief lumcv: image processing and computer vision on regions of interest in the caller's memory.
+ *
+ * Includes the header of every family.
+ */
+#ifndef LUMCV_H
+#define LUMCV_H
+
+#include "filter.h"
+#include "frame.h"
+#include "types.h"
+
+#endif

@@ -1,0 +1,58 @@
+/* The size of the largest cache, from the processor's own description of its caches. */
+#include "lumcore.h"
+
+#include <cpuid.h>
+#include <limits.h>
+
+enum
+{
+    statusOk = 0,
+    statusGeneric = -2,
+    statusNullPointer = -8
+};
+
+/* Both leaves describe one cache a subleaf in the same words; the second is the one of processors that leave leaf 4 empty. */
+static const unsigned cacheLeaves[] = {0x00000004u, 0x8000001Du};
+
+static unsigned long long largestCacheOfLeaf(unsigned leaf)
+{
+    enum
+    {
+        noMoreCaches = 0,
+        instructionCache = 2,
+        mostSubleaves = 32
+    };
+    unsigned long long largest = 0;
+    for (unsigned subleaf = 0; subleaf < mostSubleaves; ++subleaf)
+    {
+        unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;
+        if (!__get_cpuid_count(leaf, subleaf, &eax, &ebx, &ecx, &edx))
+            break;
+        const unsigned type = eax & 31u;
+        if (type == noMoreCaches)
+            break;
+        if (type == instructionCache)
+            continue;
+        const unsigned long long ways = (ebx >> 22) + 1ull;
+        const unsigned long long partitions = ((ebx >> 12) & 1023u) + 1ull;
+        const unsigned long long lineSize = (ebx & 4095u) + 1ull;
+        const unsigned long long sets = ecx + 1ull;
+        const unsigned long long size = ways * partitions * lineSize * sets;
+        if (size > largest)
+            largest = size;
+    }
+    return largest;
+}
+
+int lumGetMaxCacheSizeB(int* pSizeByte)
+{
+    if (!pSizeByte)
+        return statusNullPointer;
+    unsigned long long largest = 0;
+    for (unsigned i = 0; i < sizeof cacheLeaves / sizeof *cacheLeaves && largest == 0; ++i)
+        largest = largestCacheOfLeaf(cacheLeaves[i]);
+    if (largest == 0)
+        return statusGeneric;
+    *pSizeByte = largest > INT_MAX ? INT_MAX : (int)largest;
+    return statusOk;
+}
