@@ -7,8 +7,7 @@
 
 #include "lumcv/types.h"
 
-namespace lumcv
-{
+namespace lumcv {
 
 LumStatus lumBlockZero_8u(Lum8u* pDst, Lum32s len);
 LumStatus lumBlockZero_16s(Lum16s* pDst, Lum32s len);

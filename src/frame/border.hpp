@@ -5,8 +5,7 @@
 
 #include "lumcv/types.h"
 
-namespace lumcv
-{
+namespace lumcv {
 
 struct Border
 {
@@ -43,7 +42,8 @@ constexpr bool isFilterBorder(LumiBorderType value)
     return static_cast<Lum32u>(value) <= largestFilterBorder && (value == lumBorderInMem || isFilterMode(value));
 }
 
-/// The index within [0, n) that replicate or mirror put at index i. Mirror bounces off both ends, about the edge element.
+/// The index within [0, n) that replicate or mirror put at index i. Mirror bounces off both ends, about the edge
+/// element.
 constexpr int64_t borderIndex(int64_t i, int64_t n, Lum32s mode)
 {
     if (mode == lumBorderReplicate || n == 1)

@@ -1,18 +1,19 @@
-// The argument checks that the families share. A chain of them is a family's documented order: the first that fails decides.
+// The argument checks that the families share. A chain of them is a family's documented order: the first that fails
+// decides.
 #pragma once
 
 #include <climits>
 #include <cstdint>
 
-#include "lumcv/types.h"
+#include "frame/image.hpp"
 
-namespace lumcv
-{
+namespace lumcv {
 
 class Checks
 {
   public:
-    /// The general step of the chain: `otherwise` is the status if nothing failed before and the condition does not hold.
+    /// The general step of the chain: `otherwise` is the status if nothing failed before and the condition does not
+    /// hold.
     constexpr Checks& require(bool condition, LumStatus otherwise)
     {
         if (status_ == lumOk && !condition)
@@ -39,19 +40,20 @@ class Checks
         return require(((static_cast<int64_t>(lengths) <= INT_MAX) && ...), lumErrSizeTooLarge);
     }
 
-    /// A stride is not below a row of `rowElements` elements of T. The product wraps at 32 bits, as documented.
+    /// The stride of an image is not below a row of `rowElements` elements. The product wraps at 32 bits, as
+    /// documented.
     template <class T>
-    constexpr Checks& step(Lum32s rowStep, Lum32s rowElements)
+    constexpr Checks& step(Plane<T> image, Lum32s rowElements)
     {
         const auto rowBytes = static_cast<Lum32u>(rowElements) * static_cast<Lum32u>(sizeof(T));
-        return require(rowStep >= static_cast<Lum32s>(rowBytes), lumErrStep);
+        return require(image.step >= static_cast<Lum32s>(rowBytes), lumErrStep);
     }
 
-    /// A stride is a whole number of elements of T.
+    /// The stride of an image is a whole number of elements.
     template <class T>
-    constexpr Checks& alignment(int64_t rowStep)
+    constexpr Checks& alignment(Plane<T> image)
     {
-        return require(rowStep % static_cast<int64_t>(sizeof(T)) == 0, lumErrStepAlignment);
+        return require(image.step % static_cast<int64_t>(sizeof(T)) == 0, lumErrStepAlignment);
     }
 
     /// The first failing status, or lumOk.

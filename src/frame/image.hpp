@@ -5,8 +5,7 @@
 
 #include "lumcv/types.h"
 
-namespace lumcv
-{
+namespace lumcv {
 
 /// Steps a pointer by whole rows.
 template <class T>

@@ -3,8 +3,7 @@
 
 #include "lumcore.h"
 
-namespace lumcv
-{
+namespace lumcv {
 
 bool isLargeImage(int64_t pixels)
 {

@@ -3,8 +3,7 @@
 
 #include <cstdint>
 
-namespace lumcv
-{
+namespace lumcv {
 
 /// From this many pixels on an image may be a large one; smaller ones pay for no query.
 inline constexpr int64_t smallestLargeImage = 0x80000;

@@ -3,8 +3,7 @@
 
 #include "simd/vec.hpp"
 
-namespace lumcv::simd
-{
+namespace lumcv::simd {
 
 // How a level's instructions read their operands.
 
@@ -67,8 +66,7 @@ template <int N>
         return {magnitude(a.lo), magnitude(a.hi)};
     else if constexpr (N == 1)
         return {__builtin_fabsf(a.raw)};
-    else
-    {
+    else {
         typedef Lum32s Bits __attribute__((vector_size(N * sizeof(Lum32s))));
         return {(typename Vec<Lum32f, N>::Raw)((Bits)a.raw & 0x7fffffff)};
     }
@@ -119,21 +117,19 @@ template <int N>
         return {keepWhere(mask, v.lo), keepWhere(mask + N / 2, v.hi)};
     else if constexpr (N == 1)
         return {*mask ? v.raw : 0.0f};
-    else if constexpr (N == 4)
-    {
+    else if constexpr (N == 4) {
         const __m128i dropped = _mm_cmpeq_epi8(_mm_loadu_si32(mask), _mm_setzero_si128());
         return V{_mm_andnot_ps(_mm_castsi128_ps(_mm_cvtepi8_epi32(dropped)), v.raw)};
     }
 #if defined(__AVX512BW__)
-    else if constexpr (N == 16)
-    {
+    else if constexpr (N == 16) {
         const __m128i m = _mm_loadu_si128(reinterpret_cast<const __m128i*>(mask));
         return V{_mm512_maskz_mov_ps(_mm_test_epi8_mask(m, m), v.raw)};
     }
 #endif
-    else
-    {
-        const __m128i dropped = _mm_cmpeq_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask)), _mm_setzero_si128());
+    else {
+        const __m128i dropped =
+            _mm_cmpeq_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask)), _mm_setzero_si128());
 #if defined(__AVX2__)
         const __m256i wide = _mm256_cvtepi8_epi32(dropped);
 #else

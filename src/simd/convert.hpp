@@ -3,8 +3,7 @@
 
 #include "simd/arithmetic.hpp"
 
-namespace lumcv::simd
-{
+namespace lumcv::simd {
 
 /// Loads N integers of 8 or 16 bits into 32-bit lanes, value for value.
 template <int N, class T>
@@ -17,8 +16,7 @@ template <int N, class T>
         return {loadWidened<N / 2>(p), loadWidened<N / 2>(p + N / 2)};
     else if constexpr (N == 1)
         return {*p};
-    else if constexpr (N == 4)
-    {
+    else if constexpr (N == 4) {
         if constexpr (std::is_same_v<T, Lum8u>)
             return {(typename V::Raw)_mm_cvtepu8_epi32(_mm_loadu_si32(p))};
         else if constexpr (std::is_same_v<T, Lum16u>)
@@ -27,8 +25,7 @@ template <int N, class T>
             return {(typename V::Raw)_mm_cvtepi16_epi32(_mm_loadl_epi64(narrow))};
     }
 #if defined(__AVX2__)
-    else if constexpr (N == 8)
-    {
+    else if constexpr (N == 8) {
         if constexpr (std::is_same_v<T, Lum8u>)
             return {(typename V::Raw)_mm256_cvtepu8_epi32(_mm_loadl_epi64(narrow))};
         else if constexpr (std::is_same_v<T, Lum16u>)
@@ -38,8 +35,7 @@ template <int N, class T>
     }
 #endif
 #if defined(__AVX512BW__)
-    else
-    {
+    else {
         const auto wide = reinterpret_cast<const __m256i*>(p);
         if constexpr (std::is_same_v<T, Lum8u>)
             return {(typename V::Raw)_mm512_cvtepu8_epi32(_mm_loadu_si128(narrow))};
@@ -61,7 +57,8 @@ template <int N>
     else if constexpr (N == 1)
         return {static_cast<Lum32f>(v.raw)};
     else if constexpr (kindOf<Lum32s, N> == Kind::pair)  // floats have the wider register
-        return V{_mm256_cvtepi32_ps(_mm256_insertf128_si256(_mm256_castsi128_si256(bits(v.lo.raw)), bits(v.hi.raw), 1))};
+        return V{
+            _mm256_cvtepi32_ps(_mm256_insertf128_si256(_mm256_castsi128_si256(bits(v.lo.raw)), bits(v.hi.raw), 1))};
     else if constexpr (N == 4)
         return V{_mm_cvtepi32_ps(bits(v.raw))};
 #if defined(__AVX2__)
@@ -89,8 +86,7 @@ template <int N>
         const __m256i wide = _mm256_cvtps_epi32(v.raw);
         return V{Half{(typename Half::Raw)_mm256_castsi256_si128(wide)},
                  Half{(typename Half::Raw)_mm256_extractf128_si256(wide, 1)}};
-    }
-    else if constexpr (N == 4)
+    } else if constexpr (N == 4)
         return {(typename V::Raw)_mm_cvtps_epi32(v.raw)};
 #if defined(__AVX2__)
     else if constexpr (N == 8)
@@ -198,6 +194,20 @@ template <class T, class Wide, int N>
         return {(typename V::Raw)packedHalves<T>(bits(v.raw))};
 }
 
+#if defined(__AVX512BW__)
+/// Undoes what packing four registers in 16-byte groups has done to the order of the 4-byte units.
+[[gnu::always_inline]] inline __m512i unitsInOrder(__m512i units)
+{
+    return _mm512_permutexvar_epi32(_mm512_set_epi32(15, 11, 7, 3, 14, 10, 6, 2, 13, 9, 5, 1, 12, 8, 4, 0), units);
+}
+#elif defined(__AVX2__)
+/// Undoes what packing four registers in 16-byte groups has done to the order of the 4-byte units.
+[[gnu::always_inline]] inline __m256i unitsInOrder(__m256i units)
+{
+    return _mm256_permutevar8x32_epi32(units, _mm256_set_epi32(7, 3, 6, 2, 5, 1, 4, 0));
+}
+#endif
+
 /// Saturates 32-bit lanes to T.
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> narrow(Vec<Lum32s, N> v)
@@ -206,20 +216,14 @@ template <class T, int N>
         return {clampTo<T>(v.raw)};
     else if constexpr (sizeof(T) == 2)
         return narrowOnce<T>(v);
-    else if constexpr (N * 4 == 4 * registerBytes<Lum32s> && registerBytes<Lum32s> > 16)
-    {
+#if defined(__AVX2__)
+    else if constexpr (N == registerBytes<Lum32s>) {
         // four registers into one: packing in groups twice leaves 4-byte units to put in order once
-        using V = Vec<T, N>;
         const auto low = grouped<Lum16s>(bits(v.lo.lo.raw), bits(v.lo.hi.raw));
         const auto high = grouped<Lum16s>(bits(v.hi.lo.raw), bits(v.hi.hi.raw));
-        const auto mixed = grouped<T>(low, high);
-#if defined(__AVX512BW__)
-        return {(typename V::Raw)_mm512_permutexvar_epi32(
-            _mm512_set_epi32(15, 11, 7, 3, 14, 10, 6, 2, 13, 9, 5, 1, 12, 8, 4, 0), mixed)};
-#elif defined(__AVX2__)
-        return {(typename V::Raw)_mm256_permutevar8x32_epi32(mixed, _mm256_set_epi32(7, 3, 6, 2, 5, 1, 4, 0))};
-#endif
+        return {(typename Vec<T, N>::Raw)unitsInOrder(grouped<T>(low, high))};
     }
+#endif
     else
         return narrowOnce<T>(narrowOnce<Lum16s>(v));
 }
@@ -234,7 +238,8 @@ template <int N, class T>
         return toFloat(loadWidened<N>(p));
 }
 
-/// Rounds to nearest, ties to even, and saturates to T. The lanes lie within 32 bits, or T is Lum32f, which takes them as they are.
+/// Rounds to nearest, ties to even, and saturates to T. The lanes lie within 32 bits, or T is Lum32f, which takes them
+/// as they are.
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> roundTo(Vec<Lum32f, N> v)
 {

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <type_traits>
 
-namespace lumcv::simd
-{
+namespace lumcv::simd {
 
-/// A lane count that a kernel's body takes as a compile-time argument: `[](int64_t x, auto lanes) { ... load<lanes>(...) }`.
+/// A lane count that a kernel's body takes as a compile-time argument: `[](int64_t x, auto lanes) { ...
+/// load<lanes>(...) }`.
 template <int N>
 using Lanes = std::integral_constant<int, N>;
 
@@ -28,19 +28,18 @@ template <int N, class Body>
         body(x, Lanes<1>{});
 }
 
-/// Calls body(x, lanes) so that every element of [begin, end) belongs to some call: the last vector may overlap the one before it.
+/// Calls body(x, lanes) so that every element of [begin, end) belongs to some call: the last vector may overlap the one
+/// before it.
 template <int N, class Body>
 [[gnu::always_inline]] inline void eachAtLeastOnce(int64_t begin, int64_t end, Body body)
 {
-    if (end - begin >= N)
-    {
+    if (end - begin >= N) {
         int64_t x = begin;
         for (; x + N <= end; x += N)
             body(x, Lanes<N>{});
         if (x < end)
             body(end - N, Lanes<N>{});
-    }
-    else if constexpr (N > restLanes)
+    } else if constexpr (N > restLanes)
         eachAtLeastOnce<restLanes>(begin, end, body);
     else
         for (int64_t x = begin; x < end; ++x)

@@ -13,8 +13,7 @@
 
 #include "lumcv/types.h"
 
-namespace lumcv::simd
-{
+namespace lumcv::simd {
 
 #if defined(__AVX512BW__)
 inline constexpr int floatRegisterBytes = 64;
@@ -42,9 +41,9 @@ enum class Kind
 };
 
 template <class T, int N>
-inline constexpr Kind kindOf = N == 1                                           ? Kind::scalar
-                               : N * static_cast<int>(sizeof(T)) <= registerBytes<T> ? Kind::native
-                                                                                : Kind::pair;
+inline constexpr Kind kindOf = N == 1                                               ? Kind::scalar
+                               : N* static_cast<int>(sizeof(T)) <= registerBytes<T> ? Kind::native
+                                                                                    : Kind::pair;
 
 template <class T, int N, Kind kind = kindOf<T, N>>
 struct Vec;
@@ -111,12 +110,10 @@ template <class T, int N>
 template <int N, class T>
 [[gnu::always_inline]] inline Vec<T, N> broadcast(T value)
 {
-    if constexpr (kindOf<T, N> == Kind::pair)
-    {
+    if constexpr (kindOf<T, N> == Kind::pair) {
         const auto half = broadcast<N / 2>(value);
         return {half, half};
-    }
-    else if constexpr (kindOf<T, N> == Kind::scalar)
+    } else if constexpr (kindOf<T, N> == Kind::scalar)
         return {value};
     else
         return {value - typename Vec<T, N>::Raw{}};  // a difference, for 0 + -0.0 would lose the sign
@@ -138,25 +135,22 @@ template <int N, class T>
 template <class T, int N>
 [[gnu::always_inline]] inline void store(T* p, Vec<T, N> v)
 {
-    if constexpr (kindOf<T, N> == Kind::pair)
-    {
+    if constexpr (kindOf<T, N> == Kind::pair) {
         store(p, v.lo);
         store(p + N / 2, v.hi);
-    }
-    else
+    } else
         __builtin_memcpy(p, &v.raw, sizeof v.raw);
 }
 
-/// Stores past the caches; p is aligned to the vector, or to a register where the vector is wider. A fence() must follow the last one.
+/// Stores past the caches; p is aligned to the vector, or to a register where the vector is wider. A fence() must
+/// follow the last one.
 template <class T, int N>
 [[gnu::always_inline]] inline void stream(T* p, Vec<T, N> v)
 {
-    if constexpr (kindOf<T, N> == Kind::pair)
-    {
+    if constexpr (kindOf<T, N> == Kind::pair) {
         stream(p, v.lo);
         stream(p + N / 2, v.hi);
-    }
-    else if constexpr (sizeof v.raw == 16)
+    } else if constexpr (sizeof v.raw == 16)
         _mm_stream_ps(reinterpret_cast<float*>(p), (__m128)v.raw);
     else if constexpr (sizeof v.raw == 32)
         _mm256_stream_ps(reinterpret_cast<float*>(p), (__m256)v.raw);
