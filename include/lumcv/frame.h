@@ -55,9 +55,9 @@ LUMCV_API const LumLibraryVersion* lumcvGetLibVersion(void);
  * positive one as the formula has it; an infinite or not-a-number source turns the accumulator pixel into not-a-number
  * under a zero mask byte as well.
  *
- * **Overlap.** Where all images but the mask are 32f, sources and destination may overlap in any way: the result is the
- * one of a plain loop over the pixels, row after row, in which each new value is written before the next pixel is read.
- * Otherwise the accumulator must not overlap a source, and never the mask.
+ * **Overlap.** The operands may overlap in any way: the result is the one of a plain loop over the pixels, row after
+ * row, in which each new value is written before the next pixel is read. On operands that share memory this takes much
+ * longer, save where a source is the destination itself.
  *
  * **Checks**, in this order; the first that fails decides the status, and nothing has been written:
  *
@@ -66,9 +66,9 @@ LUMCV_API const LumLibraryVersion* lumcvGetLibVersion(void);
  * 3. #lumErrStep: a stride is smaller than a row of its image in bytes (a mask row has one byte for each pixel).
  * 4. #lumErrStepAlignment: the stride of a 32f image is not a multiple of 4.
  *
- * The functions of 16u sources go image by image instead, after the first two checks: the 16u strides, first
- * #lumErrStep, then #lumErrStepAlignment for a stride that is not a multiple of 2; then #lumErrStep for the mask; then
- * #lumErrStep and #lumErrStepAlignment for the 32f image.
+ * The functions of 16u sources go image by image instead, after the first two checks: #lumErrStep for the 16u strides,
+ * then #lumErrStepAlignment for one of them that is not a multiple of 2; #lumErrStep for the mask; #lumErrStep and then
+ * #lumErrStepAlignment for the 32f image.
  *
  * There is no plain `lumiAdd` of a 32f source without a mask.
  *

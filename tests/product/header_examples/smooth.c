@@ -1,4 +1,5 @@
-// Calls the pipelines' example on an image whose values make every step exact, and compares with the weights 1 2 1 / 1 2 1.
+// Calls the pipelines' example on an image whose values make every step exact, and compares with the weights 1 2 1 / 1
+// 2 1.
 #include <lumcv/lumcv.h>
 #include <stdio.h>
 
@@ -25,20 +26,17 @@ int main(void)
 
     LumiSize roiSize = {Width, Height};
     LumStatus status = smooth(&image[0][0], Width, &smoothed[0][0], Width, roiSize);
-    if (status != lumOk)
-    {
+    if (status != lumOk) {
         printf("status %d\n", status);
         return 1;
     }
     for (int y = 0; y < Height; y++)
-        for (int x = 0; x < Width; x++)
-        {
+        for (int x = 0; x < Width; x++) {
             int sum = 0;
             for (int j = -1; j <= 1; j++)
                 for (int i = -1; i <= 1; i++)
                     sum += (2 - j * j) * (2 - i * i) * image[clamp(y + j, Height - 1)][clamp(x + i, Width - 1)];
-            if (smoothed[y][x] != sum / 16)
-            {
+            if (smoothed[y][x] != sum / 16) {
                 printf("pixel (%d, %d) is %d, expected %d\n", x, y, smoothed[y][x], sum / 16);
                 return 1;
             }
