@@ -8,43 +8,12 @@
 #include "filter/gaussian_record.hpp"
 #include "filter/row_ring.hpp"
 #include "filter/store_row.hpp"
+#include "filter/taps.hpp"
 #include "frame/checks.hpp"
 #include "frame/large_image.hpp"
 
 namespace lumcv {
 namespace {
-
-/// The taps of a kernel whose half-length h is known when the code is compiled; they stay in registers.
-template <int h>
-struct FixedTaps
-{
-    Lum32f t[h + 1];
-
-    explicit FixedTaps(const GaussianKernel& kernel)
-    {
-        for (int i = 0; i <= h; ++i)
-            t[i] = kernel.taps[i];
-    }
-
-    static constexpr int half()
-    {
-        return h;
-    }
-};
-
-/// The taps of any kernel, read from the record.
-struct AnyTaps
-{
-    const Lum32f* t;
-    int64_t h;
-
-    explicit AnyTaps(const GaussianKernel& kernel) : t(kernel.taps), h(kernel.header.kernelSize / 2) {}
-
-    int64_t half() const
-    {
-        return h;
-    }
-};
 
 /// A row of floats, folded along itself; `channels` of them make a pixel.
 template <int channels, class Taps>
@@ -56,7 +25,7 @@ struct RowFold
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
     {
-        const int64_t h = taps.half();
+        const int64_t h = taps.count() - 1;
         const Lum32f* s = line + x;
         auto sum = simd::load<lanes>(s) * simd::broadcast<lanes>(taps.t[h]);
         for (int64_t d = 1; d <= h; ++d) {
@@ -71,13 +40,14 @@ struct RowFold
 template <class Taps>
 struct ColumnFold;
 
-template <int h>
-struct ColumnFold<FixedTaps<h>>
+template <int count>
+struct ColumnFold<FixedTaps<count>>
 {
-    FixedTaps<h> taps;
+    static constexpr int h = count - 1;
+    FixedTaps<count> taps;
     const Lum32f* rows[2 * h + 1];
 
-    ColumnFold(const FixedTaps<h>& kernelTaps, const RowRing& ring, int64_t firstSlot) : taps(kernelTaps)
+    ColumnFold(const FixedTaps<count>& kernelTaps, const RowRing& ring, int64_t firstSlot) : taps(kernelTaps)
     {
         for (int64_t j = 0; j <= 2 * h; ++j)
             rows[j] = ring.slot(firstSlot + j < ring.slots ? firstSlot + j : firstSlot + j - ring.slots);
@@ -110,28 +80,20 @@ struct ColumnFold<AnyTaps>
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
     {
+        const int64_t h = taps.count() - 1;
         const Lum32f* const begin = ring.rows + x;
         const Lum32f* const end = begin + ring.slots * ring.pitch;
         const Lum32f* above = begin + centre * ring.pitch;
         const Lum32f* below = above;
-        auto sum = simd::load<lanes>(above) * simd::broadcast<lanes>(taps.t[taps.h]);
-        for (int64_t d = 1; d <= taps.h; ++d) {
+        auto sum = simd::load<lanes>(above) * simd::broadcast<lanes>(taps.t[h]);
+        for (int64_t d = 1; d <= h; ++d) {
             above = (above == begin ? end : above) - ring.pitch;
             below = below + ring.pitch == end ? begin : below + ring.pitch;
-            sum = sum +
-                  (simd::load<lanes>(above) + simd::load<lanes>(below)) * simd::broadcast<lanes>(taps.t[taps.h - d]);
+            sum = sum + (simd::load<lanes>(above) + simd::load<lanes>(below)) * simd::broadcast<lanes>(taps.t[h - d]);
         }
         return sum;
     }
 };
-
-/// Lanes of a step: a whole register of results, and enough sums in flight to hide the latency of their additions.
-template <class T, class Taps>
-constexpr int stepLanes()
-{
-    constexpr int sums = (std::is_same_v<Taps, AnyTaps> ? 4 : 2) * simd::registerLanes<Lum32f>;
-    return simd::registerLanes<T> > sums ? simd::registerLanes<T> : sums;
-}
 
 /// Along the row alone, while the ring fills.
 template <class T, class Along>
@@ -145,7 +107,8 @@ template <class T, class Along>
 template <class T, class Across>
 [[gnu::flatten, gnu::noinline]] void foldOut(Across across, T* dst, int64_t n, bool isLarge)
 {
-    storeRow<stepLanes<T, decltype(across.taps)>()>(dst, n, isLarge, across);
+    storeRow<stepLanes<T, decltype(across.taps)>()>(
+        dst, n, isLarge, [=](int64_t x, auto lanes) { return simd::roundTo<T>(across(x, lanes)); });
 }
 
 /// Both for each step, so that the loads of the one overlap with the arithmetic of the other.
@@ -155,7 +118,7 @@ template <class T, class Along, class Across>
 {
     storeRow<stepLanes<T, decltype(across.taps)>()>(dst, n, isLarge, [=](int64_t x, auto lanes) {
         simd::store(slot + x, along(x, lanes));
-        return across(x, lanes);
+        return simd::roundTo<T>(across(x, lanes));
     });
 }
 
@@ -175,7 +138,7 @@ template <class T, int channels, class Taps>
 void filterBand(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, int64_t begin, int64_t end, Border border,
                 const T* borderValue, const Taps& taps, RowRing ring, Lum32f* line, bool isLarge)
 {
-    const int64_t h = taps.half();
+    const int64_t h = taps.count() - 1;
     const int64_t n = (end - begin) * channels;
     const RowFold<channels, Taps> along{taps, line + h * channels};
     walkRows(ring.slots, roiSize.height, h, border, [&](const RingStep& step) {
@@ -199,18 +162,17 @@ void filterBand(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, int64_t beg
     });
 }
 
-template <class Taps, class T, int channels>
+template <class T, int channels, class Taps>
 void filterImage(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, Border border, const T* borderValue,
-                 const GaussianKernel& kernel, Lum8u* buffer)
+                 const Taps& taps, Lum8u* buffer)
 {
     // the line, a source row with both its borders, fits behind the ring: the bytes asked for beyond the rows are those
     // of its borders
-    const int64_t kernelSize = kernel.header.kernelSize;
+    const int64_t kernelSize = 2 * taps.count() - 1;
     const int64_t pitch = gaussianRingPitch(roiSize.width, channels) / static_cast<int64_t>(sizeof(Lum32f));
     const auto rows = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(buffer) + 63) / 64 * 64);
     Lum32f* const line = rows + kernelSize * pitch;
 
-    const Taps taps(kernel);
     const bool isLarge = isLargeImage(roiSize.width * roiSize.height);
     const int64_t step = bandWidth(roiSize.width, kernelSize, channels);
     for (int64_t begin = 0; begin < roiSize.width; begin += step) {
@@ -240,19 +202,21 @@ LumStatus filter(Checks checks, Plane<const T> src, Plane<T> dst, LumiSizeL roiS
     const GaussianKernel kernel = gaussianKernel(pSpec);
     if (!isGaussianKernelSize(kernel.header.kernelSize))
         return lumErrArgument;
-    const Border border(borderType);
+    const auto run = [&](auto taps) {
+        filterImage<T, channels>(src, dst, roiSize, Border(borderType), borderValue, taps, buffer);
+    };
     switch (kernel.header.kernelSize) {
         case 3:
-            filterImage<FixedTaps<1>, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+            run(FixedTaps<2>(kernel.taps));
             break;
         case 5:
-            filterImage<FixedTaps<2>, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+            run(FixedTaps<3>(kernel.taps));
             break;
         case 7:
-            filterImage<FixedTaps<3>, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+            run(FixedTaps<4>(kernel.taps));
             break;
         default:
-            filterImage<AnyTaps, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+            run(AnyTaps{kernel.taps, kernel.header.kernelSize / 2 + 1});
     }
     return lumOk;
 }

@@ -5,3 +5,4 @@
 #include "simd/convert.hpp"
 #include "simd/row.hpp"
 #include "simd/vec.hpp"
+#include "simd/word_sums.hpp"

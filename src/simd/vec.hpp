@@ -70,13 +70,27 @@ struct Vec<T, N, Kind::pair>
 
 // Arithmetic: lane by lane, modulo 2^n for integers.
 
+/// The form in which integers wrap around without being undefined.
+template <class T, int N>
+[[gnu::always_inline]] inline auto wrapping(Vec<T, N> v)
+{
+    if constexpr (std::is_floating_point_v<T>)
+        return v.raw;
+    else if constexpr (N == 1)
+        return static_cast<std::conditional_t<(sizeof(T) > 4), uint64_t, uint32_t>>(v.raw);
+    else {
+        typedef std::make_unsigned_t<T> Unsigned __attribute__((vector_size(N * sizeof(T))));
+        return (Unsigned)v.raw;
+    }
+}
+
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> operator+(Vec<T, N> a, Vec<T, N> b)
 {
     if constexpr (kindOf<T, N> == Kind::pair)
         return {a.lo + b.lo, a.hi + b.hi};
     else
-        return {static_cast<decltype(a.raw)>(a.raw + b.raw)};
+        return {(decltype(a.raw))(wrapping(a) + wrapping(b))};
 }
 
 template <class T, int N>
@@ -85,7 +99,7 @@ template <class T, int N>
     if constexpr (kindOf<T, N> == Kind::pair)
         return {a.lo - b.lo, a.hi - b.hi};
     else
-        return {static_cast<decltype(a.raw)>(a.raw - b.raw)};
+        return {(decltype(a.raw))(wrapping(a) - wrapping(b))};
 }
 
 template <class T, int N>
@@ -94,7 +108,7 @@ template <class T, int N>
     if constexpr (kindOf<T, N> == Kind::pair)
         return {a.lo * b.lo, a.hi * b.hi};
     else
-        return {static_cast<decltype(a.raw)>(a.raw * b.raw)};
+        return {(decltype(a.raw))(wrapping(a) * wrapping(b))};
 }
 
 template <class T, int N>
@@ -103,7 +117,18 @@ template <class T, int N>
     if constexpr (kindOf<T, N> == Kind::pair)
         return {a.lo | b.lo, a.hi | b.hi};
     else
-        return {static_cast<decltype(a.raw)>(a.raw | b.raw)};
+        return {(decltype(a.raw))(a.raw | b.raw)};
+}
+
+/// Shifts signed lanes to the right; the sign comes in.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> operator>>(Vec<T, N> a, int places)
+{
+    static_assert(std::is_signed_v<T>);
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {a.lo >> places, a.hi >> places};
+    else
+        return {(decltype(a.raw))(a.raw >> places)};
 }
 
 /// The same value in every lane.

@@ -1,0 +1,389 @@
+// Row pipelines: one kernel along each row of an image, into rows that the caller holds.
+//
+// A row is worked through in pieces. A piece whose pixels and neighbours all lie in memory is read in place if it needs
+// no conversion; any other is first laid out as a line: converted, with its border synthesised at the ends.
+#include "filter/extended_row.hpp"
+#include "filter/pipeline_sizes.hpp"
+#include "filter/store_row.hpp"
+#include "filter/taps.hpp"
+#include "frame/checks.hpp"
+#include "lumcv/filter.h"
+
+namespace lumcv {
+namespace {
+
+/// The arguments that all row pipelines have, with what T is in their names: the source's element and the row's.
+template <class S, class D, int channels>
+struct RowCall
+{
+    Plane<const S> src;
+    D* const* ppDst;
+    LumiSize roiSize;
+    Lum32s kernelSize, xAnchor;
+    LumiBorderType borderType;
+    const S* borderValue;
+    Lum8u* buffer;
+    RowScratch scratch;
+};
+
+/// The documented order. The divisor (1 where there is none) is tested before the border; 8u sources have it the other
+/// way round.
+template <class S, class D, int channels>
+LumStatus check(const RowCall<S, D, channels>& call, const void* pKernel, Lum32s divisor)
+{
+    auto checks = Checks{}.notNull(call.src.pixels, call.ppDst, pKernel, call.buffer).size(call.roiSize);
+    for (Lum32s y = 0; y < call.roiSize.height && !checks.failed(); ++y)
+        checks.notNull(call.ppDst[y]);
+    checks.require(call.kernelSize >= 1, lumErrSize)
+        .require(static_cast<Lum32u>(call.xAnchor) < static_cast<Lum32u>(call.kernelSize), lumErrAnchor)
+        .step(call.src, rowElements(call.roiSize.width, channels))
+        .alignment(call.src);
+    if constexpr (sizeof(S) == 1)
+        checks.require(isFilterBorder(call.borderType), lumErrBorder).require(divisor != 0, lumErrArgument);
+    else
+        checks.require(divisor != 0, lumErrArgument).require(isFilterBorder(call.borderType), lumErrBorder);
+    return checks.require((call.borderType & 15) != lumBorderConstant || call.borderValue, lumErrNullPointer).status();
+}
+
+/// A place for a line: on the stack, unless the scratch has more room. It grows with the kernel, so there is room for
+/// any.
+template <class Element>
+class LineSpace
+{
+  public:
+    LineSpace(Lum8u* scratch, int64_t scratchBytes)
+    {
+        const int64_t slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(scratch) % alignment);
+        const int64_t room = (scratchBytes - slack) / static_cast<int64_t>(sizeof(Element));
+        if (room > size_) {
+            data_ = reinterpret_cast<Element*>(scratch + slack);
+            size_ = room;
+        }
+    }
+
+    Element* data()
+    {
+        return data_;
+    }
+
+    int64_t size() const
+    {
+        return size_;
+    }
+
+    LineSpace(const LineSpace&) = delete;
+    LineSpace& operator=(const LineSpace&) = delete;
+
+  private:
+    static constexpr uintptr_t alignment = 32;
+    static constexpr int64_t stackBytes = 8192;
+    alignas(64) Element stack_[stackBytes / sizeof(Element)];
+    Element* data_ = stack_;
+    int64_t size_ = stackBytes / sizeof(Element);
+};
+
+/// Calls piece(line, dst, n) for each piece of each row: n elements are to be stored at dst, and the first tap of the
+/// first of them falls on line[0].
+template <class Element, class S, class D, int channels, class Piece>
+void eachPiece(const RowCall<S, D, channels>& call, LineSpace<Element>& space, Piece piece)
+{
+    const int64_t width = call.roiSize.width;
+    const int64_t before = call.xAnchor;
+    const int64_t neighbours = call.kernelSize - 1;
+    const int64_t longest = space.size() / channels - neighbours;
+    for (int64_t y = 0; y < call.roiSize.height; ++y) {
+        const ExtendedRow<S, channels> row{call.src.row(y), width, Border(call.borderType), call.borderValue};
+        for (int64_t x = 0; x < width; x += longest) {
+            const int64_t n = width - x < longest ? width - x : longest;
+            const int64_t begin = x - before;
+            const int64_t end = begin + n + neighbours;
+            const Element* line = space.data();
+            if (std::is_same_v<Element, S> && row.isInMemory(begin, end))
+                line = reinterpret_cast<const Element*>(row.row + begin * channels);
+            else
+                row.read(begin, end, space.data());
+            piece(line, call.ppDst[y] + x * channels, n * channels);
+        }
+    }
+}
+
+// Single precision.
+
+/// The values that a row of D can hold; a sum beyond 32 bits must reach the nearer end of them before it is converted.
+template <class D>
+struct Range
+{
+    static constexpr Lum32f lowest = std::is_signed_v<D> ? -32768.0f : 0.0f;
+    static constexpr Lum32f highest = std::is_signed_v<D> ? 32767.0f : 65535.0f;
+};
+
+/// Sums of products in the order of the kernel, beginning with the first product; rounded to D.
+template <int channels, class D, class Taps>
+[[gnu::flatten, gnu::noinline]] void convolve(const Lum32f* line, Taps taps, D* dst, int64_t n)
+{
+    storeRow<stepLanes<D, Taps>()>(dst, n, false, [=](int64_t x, auto lanes) {
+        const Lum32f* s = line + x;
+        auto sum = simd::load<lanes>(s) * simd::broadcast<lanes>(taps.t[0]);
+        for (int64_t i = 1; i < taps.count(); ++i)
+            sum = sum + simd::load<lanes>(s + i * channels) * simd::broadcast<lanes>(taps.t[i]);
+        if constexpr (std::is_same_v<D, Lum32f>)
+            return sum;
+        else
+            return simd::roundTo<D>(simd::max(simd::min(sum, simd::broadcast<lanes>(Range<D>::highest)),
+                                              simd::broadcast<lanes>(Range<D>::lowest)));
+    });
+}
+
+template <class S, class D, int channels, class K>
+LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum32s divisor = 1)
+{
+    const LumStatus status = check(call, pKernel, divisor);
+    if (status != lumOk)
+        return status;
+    const int64_t k = call.kernelSize;
+    const auto slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(call.buffer) % sizeof(Lum32f));
+    const auto coefficients = reinterpret_cast<Lum32f*>(call.buffer + slack);
+    const Lum32f scale = 1.0f / static_cast<Lum32f>(divisor);
+    for (int64_t i = 0; i < k; ++i)
+        coefficients[i] = static_cast<Lum32f>(pKernel[i]) * scale;
+
+    const int64_t used = slack + k * static_cast<int64_t>(sizeof(Lum32f));
+    LineSpace<Lum32f> space(call.buffer + used, call.scratch.bytes(k) - used);
+    const auto run = [&](auto taps) {
+        eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) { convolve<channels>(line, taps, dst, n); });
+    };
+    if (k == 3)
+        run(FixedTaps<3>(coefficients));
+    else if (k == 5)
+        run(FixedTaps<5>(coefficients));
+    else
+        run(AnyTaps{coefficients, k});
+    return lumOk;
+}
+
+// 16-bit precision.
+
+constexpr int lowScalePlaces = 14;
+
+/// 1 / divisor with 14 fractional bits, truncated.
+Lum16s lowScale(Lum32s divisor)
+{
+    return static_cast<Lum16s>(16384.0f / static_cast<Lum32f>(divisor));
+}
+
+/// Sums of products modulo 2^32, two taps at a time.
+template <int channels, bool isScaled>
+[[gnu::flatten, gnu::noinline]] void convolveLow(const Lum16s* line, const Lum16s* taps, int64_t k, Lum32s scale,
+                                                 Lum16s* dst, int64_t n, bool isLarge)
+{
+    storeRow<2 * simd::registerLanes<Lum16s>>(dst, n, isLarge, [=](int64_t x, auto lanes) {
+        const Lum16s* s = line + x;
+        const auto tap = [=](int64_t i) { return simd::load<lanes>(s + i * channels); };
+        auto sums = simd::product(tap(0), taps[0]);
+        int64_t i = 1;
+        for (; i + 1 < k; i += 2)
+            sums = sums + simd::products(tap(i), taps[i], tap(i + 1), taps[i + 1]);
+        if (i < k)
+            sums = sums + simd::product(tap(i), taps[i]);
+        if constexpr (isScaled)
+            sums = sums * scale >> lowScalePlaces;
+        return simd::saturated(sums);
+    });
+}
+
+template <int channels>
+LumStatus rowPipelineLow(const RowCall<Lum16s, Lum16s, channels>& call, const Lum16s* pKernel, Lum32s divisor)
+{
+    const LumStatus status = check(call, pKernel, divisor);
+    if (status != lumOk)
+        return status;
+    const int64_t k = call.kernelSize;
+    // the smoothing kernel for which rows of a large image bypass the caches
+    constexpr int64_t smallestStreamed = 0x80001;
+    const bool isLarge = k == 5 && pKernel[0] == pKernel[4] && pKernel[1] == pKernel[3] && call.xAnchor == 2 &&
+                         divisor == 1 && int64_t{call.roiSize.width} * call.roiSize.height >= smallestStreamed;
+    LineSpace<Lum16s> space(call.buffer, call.scratch.bytes(k));
+    eachPiece(call, space, [&](const Lum16s* line, Lum16s* dst, int64_t n) {
+        if (divisor == 1)
+            convolveLow<channels, false>(line, pKernel, k, 1, dst, n, isLarge);
+        else
+            convolveLow<channels, true>(line, pKernel, k, lowScale(divisor), dst, n, isLarge);
+    });
+    if (isLarge)
+        simd::fence();
+    return lumOk;
+}
+
+LumStatus rowPipelineSize(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize, RowScratch scratch)
+{
+    auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(kernelSize >= 1, lumErrSize);
+    checks.require(scratch.bytes(kernelSize) <= INT_MAX, lumErrSizeTooLarge);
+    if (!checks.failed())
+        *pBufferSize = static_cast<Lum32s>(scratch.bytes(kernelSize));
+    return checks.status();
+}
+
+}  // namespace
+}  // namespace lumcv
+
+using namespace lumcv;
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_32f_C1R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_32f_C1);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_32f_C3R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_32f_C3);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_16s_C1R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_16s_C1);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_16s_C3R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_16s_C3);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_16u_C1R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_16u_C1);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_16u_C3R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_16u_C3);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_8u16s_C1R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_8u16s_C1);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_8u16s_C3R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_8u16s_C3);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_Low_16s_C1);
+}
+
+LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize)
+{
+    return rowPipelineSize(roiSize, kernelSize, pBufferSize, rowScratch_Low_16s_C3);
+}
+
+LumStatus lumiFilterRowBorderPipeline_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* const* ppDst,
+                                              LumiSize roiSize, const Lum32f* pKernel, Lum32s kernelSize,
+                                              Lum32s xAnchor, LumiBorderType borderType, Lum32f borderValue,
+                                              Lum8u* pBuffer)
+{
+    const RowCall<Lum32f, Lum32f, 1> call{
+        source(pSrc, srcStep), ppDst,   roiSize,          kernelSize, xAnchor, borderType,
+        &borderValue,          pBuffer, rowScratch_32f_C1};
+    return rowPipeline(call, pKernel);
+}
+
+LumStatus lumiFilterRowBorderPipeline_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* const* ppDst,
+                                              LumiSize roiSize, const Lum32f* pKernel, Lum32s kernelSize,
+                                              Lum32s xAnchor, LumiBorderType borderType, const Lum32f borderValue[3],
+                                              Lum8u* pBuffer)
+{
+    const RowCall<Lum32f, Lum32f, 3> call{
+        source(pSrc, srcStep), ppDst,   roiSize,          kernelSize, xAnchor, borderType,
+        borderValue,           pBuffer, rowScratch_32f_C3};
+    return rowPipeline(call, pKernel);
+}
+
+LumStatus lumiFilterRowBorderPipeline_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* const* ppDst,
+                                              LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                              Lum32s xAnchor, LumiBorderType borderType, Lum16s borderValue,
+                                              Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum16s, Lum16s, 1> call{
+        source(pSrc, srcStep), ppDst,   roiSize,          kernelSize, xAnchor, borderType,
+        &borderValue,          pBuffer, rowScratch_16s_C1};
+    return rowPipeline(call, pKernel, divisor);
+}
+
+LumStatus lumiFilterRowBorderPipeline_16s_C3R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* const* ppDst,
+                                              LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                              Lum32s xAnchor, LumiBorderType borderType, const Lum16s borderValue[3],
+                                              Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum16s, Lum16s, 3> call{
+        source(pSrc, srcStep), ppDst,   roiSize,          kernelSize, xAnchor, borderType,
+        borderValue,           pBuffer, rowScratch_16s_C3};
+    return rowPipeline(call, pKernel, divisor);
+}
+
+LumStatus lumiFilterRowBorderPipeline_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* const* ppDst,
+                                              LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                              Lum32s xAnchor, LumiBorderType borderType, Lum16u borderValue,
+                                              Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum16u, Lum16u, 1> call{
+        source(pSrc, srcStep), ppDst,   roiSize,          kernelSize, xAnchor, borderType,
+        &borderValue,          pBuffer, rowScratch_16u_C1};
+    return rowPipeline(call, pKernel, divisor);
+}
+
+LumStatus lumiFilterRowBorderPipeline_16u_C3R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* const* ppDst,
+                                              LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                              Lum32s xAnchor, LumiBorderType borderType, const Lum16u borderValue[3],
+                                              Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum16u, Lum16u, 3> call{
+        source(pSrc, srcStep), ppDst,   roiSize,          kernelSize, xAnchor, borderType,
+        borderValue,           pBuffer, rowScratch_16u_C3};
+    return rowPipeline(call, pKernel, divisor);
+}
+
+LumStatus lumiFilterRowBorderPipeline_8u16s_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* const* ppDst,
+                                                LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                                Lum32s xAnchor, LumiBorderType borderType, Lum8u borderValue,
+                                                Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum8u, Lum16s, 1> call{
+        source(pSrc, srcStep), ppDst, roiSize, kernelSize, xAnchor, borderType, &borderValue, pBuffer,
+        rowScratch_8u16s_C1};
+    return rowPipeline(call, pKernel, divisor);
+}
+
+LumStatus lumiFilterRowBorderPipeline_8u16s_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* const* ppDst,
+                                                LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                                Lum32s xAnchor, LumiBorderType borderType, const Lum8u borderValue[3],
+                                                Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum8u, Lum16s, 3> call{
+        source(pSrc, srcStep), ppDst, roiSize, kernelSize, xAnchor, borderType, borderValue, pBuffer,
+        rowScratch_8u16s_C3};
+    return rowPipeline(call, pKernel, divisor);
+}
+
+LumStatus lumiFilterRowBorderPipeline_Low_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* const* ppDst,
+                                                  LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                                  Lum32s xAnchor, LumiBorderType borderType, Lum16s borderValue,
+                                                  Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum16s, Lum16s, 1> call{
+        source(pSrc, srcStep), ppDst, roiSize, kernelSize, xAnchor, borderType, &borderValue, pBuffer,
+        rowScratch_Low_16s_C1};
+    return rowPipelineLow(call, pKernel, divisor);
+}
+
+LumStatus lumiFilterRowBorderPipeline_Low_16s_C3R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* const* ppDst,
+                                                  LumiSize roiSize, const Lum16s* pKernel, Lum32s kernelSize,
+                                                  Lum32s xAnchor, LumiBorderType borderType,
+                                                  const Lum16s borderValue[3], Lum32s divisor, Lum8u* pBuffer)
+{
+    const RowCall<Lum16s, Lum16s, 3> call{
+        source(pSrc, srcStep), ppDst, roiSize, kernelSize, xAnchor, borderType, borderValue, pBuffer,
+        rowScratch_Low_16s_C3};
+    return rowPipelineLow(call, pKernel, divisor);
+}

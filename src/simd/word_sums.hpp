@@ -1,0 +1,124 @@
+// Sums in 32 bits of products of words. Their lanes stand in the order in which interleaving two registers of words
+// leaves them, which packing undoes; so nothing is ever reordered.
+#pragma once
+
+#include "simd/convert.hpp"
+
+namespace lumcv::simd {
+
+template <int N, Kind kind = kindOf<Lum16s, N>>
+struct WordSums;
+
+template <>
+struct WordSums<1, Kind::scalar>
+{
+    Vec<Lum32s, 1> sum;
+};
+
+template <int N>
+struct WordSums<N, Kind::native>
+{
+    Vec<Lum32s, N / 2> low, high;  ///< of the lower and the upper words of each 16-byte group
+};
+
+template <int N>
+struct WordSums<N, Kind::pair>
+{
+    WordSums<N / 2> lo, hi;
+};
+
+/// a * ka + b * kb, modulo 2^32.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> products(Vec<Lum16s, N> a, Lum16s ka, Vec<Lum16s, N> b, Lum16s kb)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {products(a.lo, ka, b.lo, kb), products(a.hi, ka, b.hi, kb)};
+    else if constexpr (N == 1)
+        return {Vec<Lum32s, 1>{a.raw} * Vec<Lum32s, 1>{ka} + Vec<Lum32s, 1>{b.raw} * Vec<Lum32s, 1>{kb}};
+    else {
+        using Half = Vec<Lum32s, N / 2>;
+        const auto taps = bits(broadcast<N / 2>(static_cast<Lum32s>(static_cast<Lum16u>(ka) |
+                                                                    static_cast<Lum32u>(static_cast<Lum16u>(kb)) << 16))
+                                   .raw);
+        const auto half = [&](auto interleaved) {
+            if constexpr (sizeof(Half) == 16)
+                return Half{(typename Half::Raw)_mm_madd_epi16(interleaved, taps)};
+#if defined(__AVX2__)
+            else if constexpr (sizeof(Half) == 32)
+                return Half{(typename Half::Raw)_mm256_madd_epi16(interleaved, taps)};
+#endif
+#if defined(__AVX512BW__)
+            else
+                return Half{(typename Half::Raw)_mm512_madd_epi16(interleaved, taps)};
+#endif
+        };
+        if constexpr (sizeof(Half) == 16)
+            return {half(_mm_unpacklo_epi16(bits(a.raw), bits(b.raw))),
+                    half(_mm_unpackhi_epi16(bits(a.raw), bits(b.raw)))};
+#if defined(__AVX2__)
+        else if constexpr (sizeof(Half) == 32)
+            return {half(_mm256_unpacklo_epi16(bits(a.raw), bits(b.raw))),
+                    half(_mm256_unpackhi_epi16(bits(a.raw), bits(b.raw)))};
+#endif
+#if defined(__AVX512BW__)
+        else
+            return {half(_mm512_unpacklo_epi16(bits(a.raw), bits(b.raw))),
+                    half(_mm512_unpackhi_epi16(bits(a.raw), bits(b.raw)))};
+#endif
+    }
+}
+
+/// a * k.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> product(Vec<Lum16s, N> a, Lum16s k)
+{
+    return products(a, k, broadcast<N>(Lum16s{0}), Lum16s{0});
+}
+
+/// Applies an operation of 32-bit lanes.
+template <int N, class Operation, class... Sums>
+[[gnu::always_inline]] inline WordSums<N> eachSum(Operation operation, WordSums<N> a, Sums... rest)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {eachSum(operation, a.lo, rest.lo...), eachSum(operation, a.hi, rest.hi...)};
+    else if constexpr (N == 1)
+        return {operation(a.sum, rest.sum...)};
+    else
+        return {operation(a.low, rest.low...), operation(a.high, rest.high...)};
+}
+
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> operator+(WordSums<N> a, WordSums<N> b)
+{
+    return eachSum([](auto x, auto y) { return x + y; }, a, b);
+}
+
+/// The product modulo 2^32.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> operator*(WordSums<N> a, Lum32s scale)
+{
+    return eachSum([scale]<int M>(Vec<Lum32s, M> x) { return x * broadcast<M>(scale); }, a);
+}
+
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> operator>>(WordSums<N> a, int places)
+{
+    return eachSum([places](auto x) { return x >> places; }, a);
+}
+
+/// The sums as words, saturated.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16s, N> saturated(WordSums<N> a)
+{
+    using V = Vec<Lum16s, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {saturated(a.lo), saturated(a.hi)};
+    else if constexpr (N == 1)
+        return {clampTo<Lum16s>(a.sum.raw)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_packs_epi32(bits(a.low.raw), bits(a.high.raw))};
+    else
+        return {(typename V::Raw)grouped<Lum16s>(bits(a.low.raw), bits(a.high.raw))};
+}
+
+}  // namespace lumcv::simd
