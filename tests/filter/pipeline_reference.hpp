@@ -148,8 +148,8 @@ std::vector<float> columnCoefficients(const std::vector<Kernel>& kernel, int div
 
 // One row of the row pass. `row` points to the ROI's first element; only sides in memory are read beyond the ROI.
 template <typename Row, bool low, typename Source, typename Kernel>
-std::vector<Row> rowReference(const Source* row, int width, int channels, const std::vector<Kernel>& kernel, int xAnchor,
-                              LumiBorderType borderType, const Source* borderValue, int divisor)
+std::vector<Row> rowReference(const Source* row, int width, int channels, const std::vector<Kernel>& kernel,
+                              int xAnchor, LumiBorderType borderType, const Source* borderValue, int divisor)
 {
     const int taps = static_cast<int>(kernel.size());
     const std::vector<Source> extended =
