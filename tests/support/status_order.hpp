@@ -48,11 +48,20 @@ struct Output
 template <class Args>
 struct Violation
 {
+    Violation(std::string nameOfViolation, LumStatus expected, std::function<void(Args&)> makeViolation,
+              std::vector<std::string> cannotJoin = {})
+        : name(std::move(nameOfViolation)),
+          status(expected),
+          apply(std::move(makeViolation)),
+          notWith(std::move(cannotJoin))
+    {
+    }
+
     std::string name;
     LumStatus status;
     std::function<void(Args&)> apply;
     /// Names of violations that this one cannot be made together with, because one undoes the other.
-    std::vector<std::string> notWith = {};
+    std::vector<std::string> notWith;
 };
 
 /// Tries the valid call, each violation, and each pair of violations in turn. In a pair the one that stands first in

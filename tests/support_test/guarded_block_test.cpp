@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 
 namespace lumcv::test {
+namespace {
 
-static int readByte(const volatile unsigned char* pointer)
+int readByte(const volatile unsigned char* pointer)
 {
     return *pointer;
 }
@@ -53,4 +54,5 @@ TEST(GuardedBlock, CopiesStandAtTheSamePlaceInThePage)
     EXPECT_TRUE(copy.slackIntact());
 }
 
+}  // namespace
 }  // namespace lumcv::test

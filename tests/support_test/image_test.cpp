@@ -11,8 +11,9 @@
 #include "support/sweep.hpp"
 
 namespace lumcv::test {
+namespace {
 
-static const Layout layouts[] = {
+const Layout layouts[] = {
     {.width = 5, .height = 3},
     {.width = 5, .height = 3, .channels = 3, .gap = 8},
     {.width = 5, .height = 3, .gap = 4, .guard = Guard::Before},
@@ -23,7 +24,7 @@ static const Layout layouts[] = {
 };
 
 // The places of all elements, found by the pointer and the stride that a call would get.
-static std::set<const unsigned char*> pixelBytes(const Image<std::int16_t>& image, const Margins& margins)
+std::set<const unsigned char*> pixelBytes(const Image<std::int16_t>& image, const Margins& margins)
 {
     std::set<const unsigned char*> result;
     for (int y = -margins.top; y < image.height() + margins.bottom; ++y) {
@@ -169,4 +170,5 @@ TEST(Sweep, ReachesBothPagesAndEveryAlignment)
     EXPECT_GT(tight, 100);
 }
 
+}  // namespace
 }  // namespace lumcv::test

@@ -8,6 +8,7 @@
 extern "C" int lumGetMaxCacheSizeB(int* pSizeByte);
 
 namespace lumcv::test {
+namespace {
 
 enum class Fault
 {
@@ -19,7 +20,7 @@ enum class Fault
 };
 
 // A miniature of an export: one row of bytes is set to 1.
-static LumStatus setRow(Lum8u* pDst, int dstStep, int width, Fault fault)
+LumStatus setRow(Lum8u* pDst, int dstStep, int width, Fault fault)
 {
     if (!pDst) {
         return lumErrNullPointer;
@@ -61,7 +62,7 @@ struct Args
     }
 };
 
-static testing::AssertionResult tryFault(Fault fault, const std::vector<std::string>& notWith = {})
+testing::AssertionResult tryFault(Fault fault, const std::vector<std::string>& notWith = {})
 {
     Image<Lum8u> image({.width = 4});
     return statusOrder(Args{image.pixels(), image.step(), 4, fault, &image},
@@ -116,4 +117,5 @@ TEST(ReportedCacheSize, IsWhatTheTestSaysAndFailureOtherwise)
     EXPECT_NE(lumGetMaxCacheSizeB(&size), lumOk);
 }
 
+}  // namespace
 }  // namespace lumcv::test
