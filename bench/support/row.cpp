@@ -1,0 +1,34 @@
+// The table of all rows, and the memory of a row's images.
+#include "bench/support/row.hpp"
+
+#include <cstring>
+#include <utility>
+
+namespace lumcv::bench {
+
+std::byte* Job::allocate(std::size_t bytes)
+{
+    constexpr std::size_t lineBytes = 64;
+    constexpr std::size_t linesApart = 17;
+    const std::size_t offset = (blocks_.size() * linesApart % 64) * lineBytes;
+    const std::size_t total = bytes + offset + lineBytes;
+    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(total));
+    std::byte* block = blocks_.back().get();
+    std::memset(block, 1, total);
+    const std::size_t slack = (lineBytes - reinterpret_cast<std::uintptr_t>(block) % lineBytes) % lineBytes;
+    return block + slack + offset;
+}
+
+Rows::Rows(std::vector<Row> rows)
+{
+    for (Row& row : rows)
+        all().push_back(std::move(row));
+}
+
+std::vector<Row>& Rows::all()
+{
+    static std::vector<Row> rows;
+    return rows;
+}
+
+}  // namespace lumcv::bench
