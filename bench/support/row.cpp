@@ -19,6 +19,15 @@ std::byte* Job::allocate(std::size_t bytes)
     return block + slack + offset;
 }
 
+std::vector<Row> joined(std::vector<std::vector<Row>> groups)
+{
+    std::vector<Row> rows;
+    for (std::vector<Row>& group : groups)
+        for (Row& row : group)
+            rows.push_back(std::move(row));
+    return rows;
+}
+
 Rows::Rows(std::vector<Row> rows)
 {
     for (Row& row : rows)

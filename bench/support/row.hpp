@@ -179,6 +179,8 @@ struct Row
     std::function<Call(Job&)> setUp;
 };
 
+std::vector<Row> joined(std::vector<std::vector<Row>> groups);
+
 // The rows of one file. A global object of this type enters them into the table.
 class Rows
 {
