@@ -1,0 +1,174 @@
+// A call as the fuzzer sees it: images and blocks with a part to play, a few numbers, and the arguments that may be
+// made wrong on purpose.
+//
+// tryCall() makes the call twice. The second time every image and block stands elsewhere, at other alignments and
+// against the other page, scratch holds other bytes and the reported cache size differs. Both calls must return the
+// same status and write the same values, and only where they may. With wrong arguments the status must be that of one
+// of them and nothing may be written.
+#pragma once
+
+#include <lumcv/lumcv.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "fuzz/support/choices.hpp"
+#include "support/image.hpp"
+
+namespace lumcv::fuzz {
+
+enum class Element
+{
+    U8,
+    S8,
+    U16,
+    S16,
+    F32
+};
+
+template <typename T>
+constexpr Element elementOf()
+{
+    using U = std::remove_const_t<T>;
+    if constexpr (std::is_same_v<U, Lum8u>)
+        return Element::U8;
+    else if constexpr (std::is_same_v<U, Lum8s>)
+        return Element::S8;
+    else if constexpr (std::is_same_v<U, Lum16u>)
+        return Element::U16;
+    else if constexpr (std::is_same_v<U, Lum16s>)
+        return Element::S16;
+    else {
+        static_assert(std::is_same_v<U, Lum32f>);
+        return Element::F32;
+    }
+}
+
+enum class Role
+{
+    Read,     // filled before the call, the same after it
+    Mask,     // likewise, with many zeros
+    Updated,  // filled before the call and written by it
+    Written,  // written by the call
+    Scratch,  // written by the call, of no value after it
+    Record    // laid by the call's preparation, the same after the call
+};
+
+struct ImageOperand
+{
+    Role role;
+    Element element;
+    int channels = 1;
+    test::Margins margins = {};
+    // For functions that take an array of row pointers: which row each of them is. A plain image has none.
+    std::vector<int> rowPointers = {};
+};
+
+struct BlockOperand
+{
+    Role role;
+    std::size_t bytes;
+    Element element = Element::U8;
+    bool mayBeNull = false;  // null is no violation
+};
+
+// The arguments of one call. Images come first in the order of the function's arguments, then blocks in that order.
+struct Arguments
+{
+    std::vector<void*> images;  // first pixels; for an image with row pointers the array
+    std::vector<Lum64s> steps;
+    std::vector<void*> blocks;
+    Lum64s width = 1, height = 1;
+    Lum32s kernelSize = 0, anchor = 0, borderType = 0, divisor = 1, dataType = 0, channels = 0;
+    Lum32f parameter = 0;
+
+    template <typename T>
+    T* image(std::size_t i) const
+    {
+        return static_cast<T*>(images[i]);
+    }
+    template <typename T>
+    T* const* rows(std::size_t i) const
+    {
+        return static_cast<T* const*>(images[i]);
+    }
+    template <typename T>
+    T* block(std::size_t i) const
+    {
+        return static_cast<T*>(blocks[i]);
+    }
+    Lum32s step(std::size_t i) const
+    {
+        return Lum32s(steps[i]);
+    }
+    LumiSize size() const
+    {
+        return {Lum32s(width), Lum32s(height)};
+    }
+    LumiSizeL sizeL() const
+    {
+        return {width, height};
+    }
+};
+
+// A wrong argument and the statuses it may lead to.
+struct Violation
+{
+    std::string name;
+    std::vector<LumStatus> statuses;
+    std::function<void(Arguments&)> apply;
+};
+
+struct Call
+{
+    std::string function;
+    Arguments arguments;  // the numbers; pointers and strides are filled in
+    std::vector<ImageOperand> images;
+    std::vector<BlockOperand> blocks;
+    std::vector<Violation> violations = {};
+    std::function<void(Arguments&)> prepare = {};  // lays records
+    std::function<LumStatus(const Arguments&)> call;
+    bool looseStep = false;  // strides are held against the width in pixels, and not against the element size
+    bool longStep = false;   // strides and sizes have 64 bits
+
+    std::string text() const;
+};
+
+void tryCall(Choices& choices, Call call);
+
+// Ends the process with a message that names the case.
+[[noreturn]] void fail(const std::string& complaint);
+
+// What printAnnouncement() writes to the standard error stream if the process ends in a fault.
+void announce(const std::string& text);
+void printAnnouncement();
+
+// Sizes around lane counts for the most part; once in a while enough pixels for the treatment of large images.
+LumiSize chooseSize(Choices& choices);
+int chooseDivisor(Choices& choices);
+// A border value that filters accept, and one that they do not.
+int chooseBorder(Choices& choices);
+int chooseWrongBorder(Choices& choices);
+
+// A function to be fuzzed: makes one case of it.
+struct Target
+{
+    std::string function;
+    std::function<void(Choices&, const std::string& function)> run;
+};
+
+// The targets of one file. A global object of this type enters them into the list.
+class Targets
+{
+  public:
+    Targets(std::vector<Target> targets);
+    static std::vector<Target>& all();
+};
+
+// One case of a target that the choices pick.
+void runOne(Choices& choices);
+
+}  // namespace lumcv::fuzz
