@@ -167,7 +167,9 @@ class Memory
         for (const BlockOperand& operand : call.blocks) {
             // pixels and taps are aligned, records and scratch need not be
             const std::size_t alignment =
-                operand.role == Role::Scratch || operand.role == Role::Record ? 1 : sizeOf(operand.element);
+                operand.role == Role::Scratch || operand.role == Role::Record || operand.role == Role::Laid
+                    ? 1
+                    : sizeOf(operand.element);
             blocks_.push_back(std::make_unique<PlacedBlock>(operand.bytes, alignment, places));
             PlacedBlock& block = *blocks_.back();
             if (operand.role == Role::Read)
@@ -199,7 +201,7 @@ class Memory
         }
         for (std::size_t i = 0; i < blocks_.size(); ++i) {
             const Role role = call_.blocks[i].role;
-            const bool written = role == Role::Scratch || (success && role == Role::Written);
+            const bool written = role == Role::Scratch || (success && (role == Role::Written || role == Role::Laid));
             const std::string name = "block " + std::to_string(i);
             if (!written && bytesOf(*blocks_[i]) != blocksBefore_[i])
                 fail(name + " was written");
@@ -382,7 +384,7 @@ void tryCall(Choices& choices, Call call)
 
 LumiSize chooseSize(Choices& choices)
 {
-    if (choices.oneIn(500))
+    if (choices.rarely(500))
         return {choices.between(1024, 1100), choices.between(505, 525)};
     if (choices.oneIn(10))
         return {choices.between(1, 1500), choices.between(1, 6)};

@@ -54,7 +54,8 @@ enum class Role
     Updated,  // filled before the call and written by it
     Written,  // written by the call
     Scratch,  // written by the call, of no value after it
-    Record    // laid by the call's preparation, the same after the call
+    Record,   // laid by the call's preparation, the same after the call
+    Laid      // a record that the call lays; its bytes depend on its address
 };
 
 struct ImageOperand
@@ -133,6 +134,7 @@ struct Call
     std::function<LumStatus(const Arguments&)> call;
     bool looseStep = false;  // strides are held against the width in pixels, and not against the element size
     bool longStep = false;   // strides and sizes have 64 bits
+    bool ignoresSize = false;
 
     std::string text() const;
 };

@@ -33,6 +33,12 @@ class Choices
         return between(1, n) == 1;
     }
 
+    // Not from the input: for what is too slow to be looked for again and again.
+    bool rarely(int n)
+    {
+        return random_.oneIn(n);
+    }
+
     template <typename T, std::size_t size>
     T oneOf(const T (&values)[size])
     {
