@@ -306,6 +306,8 @@ std::vector<Violation> commonViolations(const Call& call)
         if (!call.blocks[i].mayBeNull)
             add("block " + std::to_string(i) + " null", {lumErrNullPointer},
                 [i](Arguments& a) { a.blocks[i] = nullptr; });
+    if (call.ignoresSize)
+        return list;
     for (const Lum64s wrong : {Lum64s{0}, Lum64s{-1}, Lum64s{INT32_MIN}}) {
         add("width " + std::to_string(wrong), {lumErrSize}, [wrong](Arguments& a) { a.width = wrong; });
         add("height " + std::to_string(wrong), {lumErrSize}, [wrong](Arguments& a) { a.height = wrong; });
