@@ -52,6 +52,7 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs)
         const std::string variant = name.substr(first + 1, last - first - 1);
         const std::string size = name.substr(last + 1);
         if (run.error_occurred) {
+            ++failures_;
             std::printf("%-48s %-12s %-10s failed: %s\n", function.c_str(), variant.c_str(), size.c_str(),
                         run.error_message.c_str());
             continue;

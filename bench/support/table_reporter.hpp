@@ -17,8 +17,14 @@ class TableReporter : public benchmark::BenchmarkReporter
     bool ReportContext(const Context& context) override;
     void ReportRuns(const std::vector<Run>& runs) override;
 
+    int failures() const
+    {
+        return failures_;
+    }
+
   private:
     std::FILE* tabbed_;
+    int failures_ = 0;
 };
 
 }  // namespace lumcv::bench

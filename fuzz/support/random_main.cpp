@@ -1,6 +1,6 @@
 // Runs a fixed number of cases, the same ones each time, for machines without a coverage-guided fuzzer.
 //
-//   --cases=N   how many (default 20000)
+//   --cases=N   how many (default 10000)
 //   --first=N   number of the first (default 0); a failing case is repeated with --first=ITS_NUMBER --cases=1
 #include <signal.h>
 #include <unistd.h>
@@ -39,7 +39,7 @@ long numberAfter(const char* argument, const char* name, long otherwise)
 
 int main(int argc, char** argv)
 {
-    long cases = 20000, first = 0;
+    long cases = 10000, first = 0;
     for (int i = 1; i < argc; ++i) {
         cases = numberAfter(argv[i], "--cases=", cases);
         first = numberAfter(argv[i], "--first=", first);
