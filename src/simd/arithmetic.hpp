@@ -1,0 +1,143 @@
+// Lane arithmetic that the operators lack: extremes, magnitudes, saturation, selection by a byte mask.
+#pragma once
+
+#include "simd/vec.hpp"
+
+namespace lumcv::simd {
+
+// How a level's instructions read their operands.
+
+template <class Raw>
+[[gnu::always_inline]] inline auto bits(Raw raw)
+{
+    if constexpr (sizeof(Raw) == 16)
+        return (__m128i)raw;
+    else if constexpr (sizeof(Raw) == 32)
+        return (__m256i)raw;
+#if defined(__AVX512BW__)
+    else
+        return (__m512i)raw;
+#endif
+}
+
+/// a where a < b, otherwise b: a not-a-number on either side gives b.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N> min(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    using V = Vec<Lum32f, N>;
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {min(a.lo, b.lo), min(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw < b.raw ? a.raw : b.raw};
+    else if constexpr (N == 4)
+        return V{_mm_min_ps(a.raw, b.raw)};
+    else if constexpr (N == 8)
+        return V{_mm256_min_ps(a.raw, b.raw)};
+#if defined(__AVX512BW__)
+    else
+        return V{_mm512_min_ps(a.raw, b.raw)};
+#endif
+}
+
+/// a where a > b, otherwise b: a not-a-number on either side gives b.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N> max(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    using V = Vec<Lum32f, N>;
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {max(a.lo, b.lo), max(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw > b.raw ? a.raw : b.raw};
+    else if constexpr (N == 4)
+        return V{_mm_max_ps(a.raw, b.raw)};
+    else if constexpr (N == 8)
+        return V{_mm256_max_ps(a.raw, b.raw)};
+#if defined(__AVX512BW__)
+    else
+        return V{_mm512_max_ps(a.raw, b.raw)};
+#endif
+}
+
+/// Clears the sign bit, of a not-a-number too.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N> magnitude(Vec<Lum32f, N> a)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {magnitude(a.lo), magnitude(a.hi)};
+    else if constexpr (N == 1)
+        return {__builtin_fabsf(a.raw)};
+    else {
+        typedef Lum32s Bits __attribute__((vector_size(N * sizeof(Lum32s))));
+        return {(typename Vec<Lum32f, N>::Raw)((Bits)a.raw & 0x7fffffff)};
+    }
+}
+
+/// a - b, or 0 where that is negative, for unsigned lanes.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> subtractSaturated(Vec<T, N> a, Vec<T, N> b)
+{
+    static_assert(std::is_same_v<T, Lum8u> || std::is_same_v<T, Lum16u>);
+    constexpr bool bytes = sizeof(T) == 1;
+    using V = Vec<T, N>;
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {subtractSaturated(a.lo, b.lo), subtractSaturated(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<T>(a.raw > b.raw ? a.raw - b.raw : 0)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)(bytes ? _mm_subs_epu8(bits(a.raw), bits(b.raw))
+                                        : _mm_subs_epu16(bits(a.raw), bits(b.raw)))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)(bytes ? _mm256_subs_epu8(bits(a.raw), bits(b.raw))
+                                        : _mm256_subs_epu16(bits(a.raw), bits(b.raw)))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)(bytes ? _mm512_subs_epu8(bits(a.raw), bits(b.raw))
+                                        : _mm512_subs_epu16(bits(a.raw), bits(b.raw)))};
+#endif
+}
+
+/// |a - b|, exact for unsigned integers.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> absoluteDifference(Vec<T, N> a, Vec<T, N> b)
+{
+    if constexpr (std::is_same_v<T, Lum32f>)
+        return magnitude(a - b);
+    else
+        return subtractSaturated(a, b) | subtractSaturated(b, a);
+}
+
+/// v where the mask byte is not zero, 0.0 elsewhere.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N> keepWhere(const Lum8u* mask, Vec<Lum32f, N> v)
+{
+    using V = Vec<Lum32f, N>;
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {keepWhere(mask, v.lo), keepWhere(mask + N / 2, v.hi)};
+    else if constexpr (N == 1)
+        return {*mask ? v.raw : 0.0f};
+    else if constexpr (N == 4) {
+        const __m128i dropped = _mm_cmpeq_epi8(_mm_loadu_si32(mask), _mm_setzero_si128());
+        return V{_mm_andnot_ps(_mm_castsi128_ps(_mm_cvtepi8_epi32(dropped)), v.raw)};
+    }
+#if defined(__AVX512BW__)
+    else if constexpr (N == 16) {
+        const __m128i m = _mm_loadu_si128(reinterpret_cast<const __m128i*>(mask));
+        return V{_mm512_maskz_mov_ps(_mm_test_epi8_mask(m, m), v.raw)};
+    }
+#endif
+    else {
+        const __m128i dropped =
+            _mm_cmpeq_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask)), _mm_setzero_si128());
+#if defined(__AVX2__)
+        const __m256i wide = _mm256_cvtepi8_epi32(dropped);
+#else
+        const __m256i wide = _mm256_insertf128_si256(_mm256_castsi128_si256(_mm_cvtepi8_epi32(dropped)),
+                                                     _mm_cvtepi8_epi32(_mm_srli_si128(dropped, 4)), 1);
+#endif
+        return V{_mm256_andnot_ps(_mm256_castsi256_ps(wide), v.raw)};
+    }
+}
+
+}  // namespace lumcv::simd

@@ -1,0 +1,7 @@
+// The vector layer: the only place that knows processor levels.
+#pragma once
+
+#include "simd/arithmetic.hpp"
+#include "simd/convert.hpp"
+#include "simd/row.hpp"
+#include "simd/vec.hpp"
