@@ -141,8 +141,8 @@ Exhibit windowWithBorder(const char* file, const char* title, const char* note, 
 {
     return {std::string("gaussian-border-") + file, title, note, [border](const Source& source, Shot& shot) {
                 const Picture& colour = source.colour;
-                const int width = std::max(colour.width() / 3, colour.width() - 2 * windowMargin - 420);
-                const int height = std::max(colour.height() / 3, colour.height() - 2 * windowMargin - 300);
+                const int width = std::min(colour.width() - 2 * windowMargin, 420);
+                const int height = std::min(colour.height() - 2 * windowMargin, 300);
                 Picture result(width, height, 3);
                 const Lum8u* window =
                     &colour.at((colour.width() - width) / 2, (colour.height() - height) / 2);

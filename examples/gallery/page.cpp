@@ -1,6 +1,8 @@
 // Writes the contact sheet: plain HTML and CSS in one file, without scripts and without anything from elsewhere.
 #include "page.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -25,7 +27,7 @@ constexpr const char* style = R"css(
   figure { margin: 0; background: var(--card); border: 1px solid var(--line); border-radius: 10px; overflow: hidden;
            display: flex; flex-direction: column; }
   figure a { display: block; background: var(--line); }
-  img { display: block; width: 100%; height: 15rem; object-fit: contain; }
+  img { display: block; width: 100%; height: auto; max-height: 26rem; object-fit: contain; }
   figcaption { padding: .85rem 1rem 1rem; display: flex; flex-direction: column; flex: 1; gap: .45rem; }
   h3 { margin: 0; font-size: 1rem; }
   figcaption p { margin: 0; font-size: .88rem; }
@@ -63,6 +65,23 @@ std::string escaped(const std::string& text)
     return result;
 }
 
+// The library's functions that a call's text names: "lumiOne_8u + lumiTwo_8u".
+std::string functionNames(const std::string& call)
+{
+    std::string names;
+    const auto isNamePart = [](unsigned char c) {
+        return std::isalnum(c) || c == '_';
+    };
+    for (std::size_t start = call.find("lumi"); start != std::string::npos;)
+    {
+        const auto end = std::find_if_not(call.begin() + static_cast<std::ptrdiff_t>(start), call.end(), isNamePart);
+        names += names.empty() ? "" : " + ";
+        names.append(call.begin() + static_cast<std::ptrdiff_t>(start), end);
+        start = call.find("lumi", static_cast<std::size_t>(end - call.begin()));
+    }
+    return names;
+}
+
 std::string number(const char* format, double value)
 {
     char text[64];
@@ -82,8 +101,7 @@ void writeCard(std::ostream& out, const Card& card)
     if (!card.shot.calls().empty())
     {
         // the last call is the measured one; the ones before it prepare
-        const std::string& measured = card.shot.calls().back();
-        out << "      <details><summary>" << escaped(measured.substr(0, measured.find('('))) << "</summary><pre>";
+        out << "      <details><summary>" << escaped(functionNames(card.shot.calls().back())) << "</summary><pre>";
         for (const std::string& call : card.shot.calls())
         {
             out << escaped(call) << ";\n";
@@ -97,7 +115,7 @@ void writeCard(std::ostream& out, const Card& card)
         const double pixels = static_cast<double>(card.width) * card.height;
         out << "<b>" << number(milliseconds < 1.0 ? "%.3f" : milliseconds < 100.0 ? "%.2f" : "%.0f", milliseconds)
             << " ms</b> for " << card.width << " &times; " << card.height << " pixels, "
-            << number("%.2f", milliseconds * 1e6 / pixels) << " ns a pixel (median of " << card.shot.runs() << " runs)";
+            << number("%.2f", milliseconds * 1e6 / pixels) << " ns each; median of " << card.shot.runs() << " runs";
     }
     else
     {
