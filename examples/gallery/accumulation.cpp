@@ -13,12 +13,9 @@ constexpr int frameCount = 32;
 Picture shiftedCopy(const Picture& picture, int right, int down)
 {
     Picture shifted(picture.width(), picture.height(), picture.channels());
-    for (int y = 0; y < picture.height(); ++y)
-    {
-        for (int x = 0; x < picture.width(); ++x)
-        {
-            for (int c = 0; c < picture.channels(); ++c)
-            {
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            for (int c = 0; c < picture.channels(); ++c) {
                 shifted.at(x, y, c) = picture.at(std::max(x - right, 0), std::max(y - down, 0), c);
             }
         }
@@ -62,11 +59,9 @@ Picture oneFrame(const Source& source, Shot&)
 
 Picture runningAverage(const Source& source, Shot& shot)
 {
-    Image<Lum32f> average = mapped<Lum32f>(filmFrame(source.gray, 0, frameCount), [](Lum8u v) {
-        return Lum32f{static_cast<float>(v)};
-    });
-    for (int i = 1; i < frameCount; ++i)
-    {
+    Image<Lum32f> average =
+        mapped<Lum32f>(filmFrame(source.gray, 0, frameCount), [](Lum8u v) { return Lum32f{static_cast<float>(v)}; });
+    for (int i = 1; i < frameCount; ++i) {
         const Picture frame = filmFrame(source.gray, i, frameCount);
         shot.timeOnce(GALLERY_CALL(lumiAddWeighted_8u32f_C1IR(frame.pixels(), frame.step(), average.pixels(),
                                                               average.step(), average.size(), 0.1f)));
@@ -77,18 +72,13 @@ Picture runningAverage(const Source& source, Shot& shot)
 Picture maskedAverage(const Source& source, Shot& shot)
 {
     Picture background = filmFrame(source.gray, 0, frameCount);
-    Image<Lum32f> average = mapped<Lum32f>(background, [](Lum8u v) {
-        return Lum32f{static_cast<float>(v)};
-    });
+    Image<Lum32f> average = mapped<Lum32f>(background, [](Lum8u v) { return Lum32f{static_cast<float>(v)}; });
     Picture still(background.width(), background.height(), 1);
-    for (int i = 1; i < frameCount; ++i)
-    {
+    for (int i = 1; i < frameCount; ++i) {
         const Picture frame = filmFrame(source.gray, i, frameCount);
         shot.prepare(GALLERY_CALL(lumiAbsDiff_8u_C1R(frame.pixels(), frame.step(), background.pixels(),
                                                      background.step(), still.pixels(), still.step(), still.size())));
-        still = mapped<Lum8u>(still, [](Lum8u difference) {
-            return difference < 60 ? Lum8u{255} : Lum8u{0};
-        });
+        still = mapped<Lum8u>(still, [](Lum8u difference) { return difference < 60 ? Lum8u{255} : Lum8u{0}; });
         shot.timeOnce(
             GALLERY_CALL(lumiAddWeighted_8u32f_C1IMR(frame.pixels(), frame.step(), still.pixels(), still.step(),
                                                      average.pixels(), average.step(), average.size(), 0.1f)));
@@ -101,17 +91,15 @@ Picture deviation(const Source& source, Shot& shot)
 {
     Image<Lum32f> sum(source.gray.width(), source.gray.height(), 1);
     Image<Lum32f> squares = sum;
-    for (int i = 0; i < frameCount; ++i)
-    {
+    for (int i = 0; i < frameCount; ++i) {
         const Picture frame = filmFrame(source.gray, i, frameCount);
-        shot.prepare(GALLERY_CALL(
-            lumiAdd_8u32f_C1IR(frame.pixels(), frame.step(), sum.pixels(), sum.step(), sum.size())));
-        shot.timeOnce(GALLERY_CALL(lumiAddSquare_8u32f_C1IR(frame.pixels(), frame.step(), squares.pixels(),
-                                                            squares.step(), squares.size())));
+        shot.prepare(
+            GALLERY_CALL(lumiAdd_8u32f_C1IR(frame.pixels(), frame.step(), sum.pixels(), sum.step(), sum.size())));
+        shot.timeOnce(GALLERY_CALL(
+            lumiAddSquare_8u32f_C1IR(frame.pixels(), frame.step(), squares.pixels(), squares.step(), squares.size())));
     }
     Picture result(sum.width(), sum.height(), 1);
-    for (std::size_t i = 0; i < result.elements().size(); ++i)
-    {
+    for (std::size_t i = 0; i < result.elements().size(); ++i) {
         const float mean = sum.elements()[i] / frameCount;
         const float variance = squares.elements()[i] / frameCount - mean * mean;
         result.elements()[i] = toByte(3.0f * std::sqrt(std::max(variance, 0.0f)));

@@ -100,8 +100,7 @@ template <typename To, typename From, typename Function>
 Image<To> mapped(const Image<From>& source, Function function)
 {
     Image<To> result(source.width(), source.height(), source.channels());
-    for (std::size_t i = 0; i < source.elements().size(); ++i)
-    {
+    for (std::size_t i = 0; i < source.elements().size(); ++i) {
         result.elements()[i] = function(source.elements()[i]);
     }
     return result;

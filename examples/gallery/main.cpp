@@ -34,24 +34,17 @@ struct Arguments
 std::optional<Arguments> parse(int argc, char** argv)
 {
     Arguments arguments;
-    for (int i = 1; i < argc; ++i)
-    {
+    for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
-        if (word == "--out" && i + 1 < argc && arguments.folder.empty())
-        {
+        if (word == "--out" && i + 1 < argc && arguments.folder.empty()) {
             arguments.folder = argv[++i];
-        }
-        else if (!word.starts_with("-") && !arguments.image)
-        {
+        } else if (!word.starts_with("-") && !arguments.image) {
             arguments.image = word;
-        }
-        else
-        {
+        } else {
             return std::nullopt;
         }
     }
-    if (arguments.folder.empty())
-    {
+    if (arguments.folder.empty()) {
         return std::nullopt;
     }
     return arguments;
@@ -61,8 +54,7 @@ void makeFolder(const std::filesystem::path& folder)
 {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
-    if (error || !std::filesystem::is_directory(folder))
-    {
+    if (error || !std::filesystem::is_directory(folder)) {
         throw Failure("cannot make the folder '" + folder.string() +
                       "': " + (error ? error.message() : "a file of that name stands there"));
     }
@@ -72,12 +64,10 @@ void run(const Arguments& arguments)
 {
     std::string sourceName = "a scene that the program draws itself";
     Picture colour = arguments.image ? readPng(*arguments.image) : drawScene();
-    if (arguments.image)
-    {
+    if (arguments.image) {
         sourceName = arguments.image->filename().string();
     }
-    if (colour.width() < leastSide || colour.height() < leastSide)
-    {
+    if (colour.width() < leastSide || colour.height() < leastSide) {
         sourceName += " (small, so repeated like tiles)";
         colour = tiledUpTo(colour, leastSide);
     }
@@ -87,23 +77,19 @@ void run(const Arguments& arguments)
     makeFolder(arguments.folder);
 
     std::size_t total = 0;
-    for (const Section* section : allSections())
-    {
+    for (const Section* section : allSections()) {
         total += section->exhibits.size();
     }
     std::printf("lumcv gallery of %s, %d x %d pixels\n", sourceName.c_str(), gray.width(), gray.height());
 
     std::vector<Card> cards;
-    for (const Section* section : allSections())
-    {
-        for (const Exhibit& exhibit : section->exhibits)
-        {
+    for (const Section* section : allSections()) {
+        for (const Exhibit& exhibit : section->exhibits) {
             std::printf("[%2zu/%zu] %-56s", cards.size() + 1, total, exhibit.title.c_str());
             std::fflush(stdout);
             Shot shot;
             const Picture picture = exhibit.run(source, shot);
-            if (shot.runs() > 0)
-            {
+            if (shot.runs() > 0) {
                 std::printf("%9.3f ms", shot.milliseconds());
             }
             std::printf("\n");
@@ -121,22 +107,16 @@ void run(const Arguments& arguments)
 int main(int argc, char** argv)
 {
     const auto arguments = gallery::parse(argc, argv);
-    if (!arguments)
-    {
+    if (!arguments) {
         std::fputs(gallery::usage, stderr);
         return 2;
     }
-    try
-    {
+    try {
         gallery::run(*arguments);
         return 0;
-    }
-    catch (const std::bad_alloc&)
-    {
+    } catch (const std::bad_alloc&) {
         std::fputs("\ngallery: not enough memory for this picture\n", stderr);
-    }
-    catch (const std::exception& failure)
-    {
+    } catch (const std::exception& failure) {
         std::fprintf(stderr, "\ngallery: %s\n", failure.what());
     }
     return 1;

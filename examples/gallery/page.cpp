@@ -42,10 +42,8 @@ constexpr const char* style = R"css(
 std::string escaped(const std::string& text)
 {
     std::string result;
-    for (const char c : text)
-    {
-        switch (c)
-        {
+    for (const char c : text) {
+        switch (c) {
             case '&':
                 result += "&amp;";
                 break;
@@ -69,11 +67,8 @@ std::string escaped(const std::string& text)
 std::string functionNames(const std::string& call)
 {
     std::string names;
-    const auto isNamePart = [](unsigned char c) {
-        return std::isalnum(c) || c == '_';
-    };
-    for (std::size_t start = call.find("lumi"); start != std::string::npos;)
-    {
+    const auto isNamePart = [](unsigned char c) { return std::isalnum(c) || c == '_'; };
+    for (std::size_t start = call.find("lumi"); start != std::string::npos;) {
         const auto end = std::find_if_not(call.begin() + static_cast<std::ptrdiff_t>(start), call.end(), isNamePart);
         names += names.empty() ? "" : " + ";
         names.append(call.begin() + static_cast<std::ptrdiff_t>(start), end);
@@ -98,27 +93,26 @@ void writeCard(std::ostream& out, const Card& card)
         << "    <figcaption>\n"
         << "      <h3>" << escaped(card.exhibit->title) << "</h3>\n"
         << "      <p>" << escaped(card.exhibit->note) << "</p>\n";
-    if (!card.shot.calls().empty())
-    {
+    if (!card.shot.calls().empty()) {
         // the last call is the measured one; the ones before it prepare
         out << "      <details><summary>" << escaped(functionNames(card.shot.calls().back())) << "</summary><pre>";
-        for (const std::string& call : card.shot.calls())
-        {
+        for (const std::string& call : card.shot.calls()) {
             out << escaped(call) << ";\n";
         }
         out << "</pre></details>\n";
     }
     out << "      <div class=\"time\">";
-    if (card.shot.runs() > 0)
-    {
+    if (card.shot.runs() > 0) {
         const double milliseconds = card.shot.milliseconds();
         const double pixels = static_cast<double>(card.width) * card.height;
-        out << "<b>" << number(milliseconds < 1.0 ? "%.3f" : milliseconds < 100.0 ? "%.2f" : "%.0f", milliseconds)
+        out << "<b>"
+            << number(milliseconds < 1.0     ? "%.3f"
+                      : milliseconds < 100.0 ? "%.2f"
+                                             : "%.0f",
+                      milliseconds)
             << " ms</b> for " << card.width << " &times; " << card.height << " pixels, "
             << number("%.2f", milliseconds * 1e6 / pixels) << " ns each; median of " << card.shot.runs() << " runs";
-    }
-    else
-    {
+    } else {
         out << card.width << " &times; " << card.height << " pixels";
     }
     out << "</div>\n    </figcaption>\n  </figure>\n";
@@ -135,13 +129,12 @@ void writePage(const std::filesystem::path& path, const std::string& sourceName,
         << "<title>lumcv gallery</title>\n<style>" << style << "</style>\n</head>\n<body>\n"
         << "<h1>lumcv gallery</h1>\n<p>Every picture was made of " << escaped(sourceName)
         << " by the calls shown below it, on one thread, with " << escaped(version->Name) << " "
-        << escaped(version->Version) << ". A click on a picture shows it in full size, one on a name the whole call.</p>\n";
+        << escaped(version->Version)
+        << ". A click on a picture shows it in full size, one on a name the whole call.</p>\n";
 
     const Section* section = nullptr;
-    for (const Card& card : cards)
-    {
-        if (card.section != section)
-        {
+    for (const Card& card : cards) {
+        if (card.section != section) {
             out << (section ? "</div>\n" : "");
             section = card.section;
             out << "<h2>" << escaped(section->title) << "</h2>\n<p>" << escaped(section->note)
@@ -151,8 +144,7 @@ void writePage(const std::filesystem::path& path, const std::string& sourceName,
     }
     out << (section ? "</div>\n" : "") << "</body>\n</html>\n";
     out.close();
-    if (!out)
-    {
+    if (!out) {
         throw Failure("cannot write '" + path.string() + "': " + std::strerror(errno));
     }
 }

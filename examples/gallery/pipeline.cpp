@@ -36,53 +36,43 @@ LumStatus filterSeparable(const Picture& source, Image<Destination>& destination
     Lum32s columnBytes = 0;
     LumStatus status =
         lumiFilterRowBorderPipelineGetBufferSize_8u16s_C1R({width, ringHeight}, lengthOf(rowKernel), &rowBytes);
-    if (status != lumOk)
-    {
+    if (status != lumOk) {
         return status;
     }
     status = queryColumn({width, bandHeight}, lengthOf(columnKernel), &columnBytes);
-    if (status != lumOk)
-    {
+    if (status != lumOk) {
         return status;
     }
     // the two passes never run at the same time, so one block serves both
     Block buffer(static_cast<std::size_t>(std::max(rowBytes, columnBytes)));
     Image<Lum16s> ring(width, ringHeight, 1);
     std::vector<Lum16s*> rows(static_cast<std::size_t>(ringHeight));
-    const auto ringRow = [&](int y) {
-        return &ring.at(0, y % ringHeight);
-    };
+    const auto ringRow = [&](int y) { return &ring.at(0, y % ringHeight); };
 
     int filtered = 0;
-    for (int top = 0; top < height; top += bandHeight)
-    {
+    for (int top = 0; top < height; top += bandHeight) {
         const int bottom = std::min(top + bandHeight, height);
 
         const int needed = std::min(bottom + lengthOf(columnKernel) - 1 - above, height);
-        if (filtered < needed)
-        {
-            for (int y = filtered; y < needed; ++y)
-            {
+        if (filtered < needed) {
+            for (int y = filtered; y < needed; ++y) {
                 rows[static_cast<std::size_t>(y - filtered)] = ringRow(y);
             }
             status = lumiFilterRowBorderPipeline_8u16s_C1R(
                 &source.at(0, filtered), source.step(), rows.data(), {width, needed - filtered}, rowKernel.data(),
                 lengthOf(rowKernel), lengthOf(rowKernel) / 2, lumBorderMirror, 0, rowDivisor, buffer.data());
-            if (status != lumOk)
-            {
+            if (status != lumOk) {
                 return status;
             }
             filtered = needed;
         }
 
-        for (int i = 0; i < bottom - top + lengthOf(columnKernel) - 1; ++i)
-        {
+        for (int i = 0; i < bottom - top + lengthOf(columnKernel) - 1; ++i) {
             rows[static_cast<std::size_t>(i)] = ringRow(std::clamp(top - above + i, 0, height - 1));
         }
         status = column(rows.data(), &destination.at(0, top), destination.step(), {width, bottom - top},
                         columnKernel.data(), lengthOf(columnKernel), columnDivisor, buffer.data());
-        if (status != lumOk)
-        {
+        if (status != lumOk) {
             return status;
         }
     }
@@ -120,15 +110,14 @@ Picture derivative(const Source& source, Shot& shot)
         return filterSeparable(source.gray, slope, {-1, 0, 1}, 1, {1, 2, 1}, 4,
                                lumiFilterColumnPipelineGetBufferSize_16s8s_C1R, lumiFilterColumnPipeline_16s8s_C1R);
     });
-    return mapped<Lum8u>(slope, [](Lum8s v) {
-        return static_cast<Lum8u>(v + 128);
-    });
+    return mapped<Lum8u>(slope, [](Lum8s v) { return static_cast<Lum8u>(v + 128); });
 }
 
 const Section section{
     20,
     "Row and column pipelines",
-    "Any separable filter as two passes over rows that the caller holds: a ring of rows joins them, and no intermediate "
+    "Any separable filter as two passes over rows that the caller holds: a ring of rows joins them, and no "
+    "intermediate "
     "image is made.",
     {{"pipeline-smooth", "Binomial 7 x 7 through a ring of rows",
       "Bytes to 16-bit rows and back to bytes; the weights are 1 6 15 20 15 6 1 in both directions.", smooth},

@@ -39,35 +39,29 @@ Picture readPng(const std::filesystem::path& path)
     const auto fail = [&](const std::string& why) { return Failure("cannot read '" + path.string() + "': " + why); };
 
     std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored))
-    {
+    if (std::filesystem::is_directory(path, ignored)) {
         throw fail("it is a folder");
     }
     const File file(std::fopen(path.c_str(), "rb"), std::fclose);
-    if (!file)
-    {
+    if (!file) {
         throw fail(std::strerror(errno));
     }
 
     unsigned char signature[8];
     const std::size_t length = std::fread(signature, 1, sizeof signature, file.get());
-    if (length == 0)
-    {
+    if (length == 0) {
         throw fail("the file is empty");
     }
-    if (png_sig_cmp(signature, 0, length) != 0 || length < sizeof signature)
-    {
+    if (png_sig_cmp(signature, 0, length) != 0 || length < sizeof signature) {
         throw fail("it is not a PNG file");
     }
     std::rewind(file.get());
 
     PngImage png;
-    if (!png_image_begin_read_from_stdio(&png, file.get()))
-    {
+    if (!png_image_begin_read_from_stdio(&png, file.get())) {
         throw fail(png.message);
     }
-    if (static_cast<long long>(png.width) * png.height > largestPicture)
-    {
+    if (static_cast<long long>(png.width) * png.height > largestPicture) {
         throw fail("its " + std::to_string(png.width) + " x " + std::to_string(png.height) +
                    " pixels are too many; the gallery takes up to " + std::to_string(largestPicture));
     }
@@ -77,8 +71,7 @@ Picture readPng(const std::filesystem::path& path)
     png.format = PNG_FORMAT_RGB;
     Picture picture(static_cast<int>(png.width), static_cast<int>(png.height), 3);
     const png_color white{255, 255, 255};
-    if (!png_image_finish_read(&png, &white, picture.pixels(), picture.step(), nullptr))
-    {
+    if (!png_image_finish_read(&png, &white, picture.pixels(), picture.step(), nullptr)) {
         throw fail(png.message);
     }
     return picture;
@@ -91,8 +84,7 @@ void writePng(const std::filesystem::path& path, const Picture& picture)
     png.height = static_cast<png_uint_32>(picture.height());
     png.format = picture.channels() == 1 ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
     png.flags = PNG_IMAGE_FLAG_FAST;
-    if (!png_image_write_to_file(&png, path.c_str(), 0, picture.pixels(), picture.step(), nullptr))
-    {
+    if (!png_image_write_to_file(&png, path.c_str(), 0, picture.pixels(), picture.step(), nullptr)) {
         throw Failure("cannot write '" + path.string() + "': " + png.message);
     }
 }

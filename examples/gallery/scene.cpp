@@ -14,13 +14,11 @@ using Colour = std::array<int, 3>;
 
 void blend(Picture& picture, int x, int y, const Colour& colour, float cover)
 {
-    if (x < 0 || y < 0 || x >= picture.width() || y >= picture.height() || cover <= 0.0f)
-    {
+    if (x < 0 || y < 0 || x >= picture.width() || y >= picture.height() || cover <= 0.0f) {
         return;
     }
     cover = std::min(cover, 1.0f);
-    for (int c = 0; c < picture.channels(); ++c)
-    {
+    for (int c = 0; c < picture.channels(); ++c) {
         const float old = picture.at(x, y, c);
         picture.at(x, y, c) = toByte(old + (static_cast<float>(colour[static_cast<std::size_t>(c)]) - old) * cover);
     }
@@ -28,10 +26,8 @@ void blend(Picture& picture, int x, int y, const Colour& colour, float cover)
 
 void drawRectangle(Picture& picture, int left, int top, int width, int height, const Colour& colour)
 {
-    for (int y = top; y < top + height; ++y)
-    {
-        for (int x = left; x < left + width; ++x)
-        {
+    for (int y = top; y < top + height; ++y) {
+        for (int x = left; x < left + width; ++x) {
             blend(picture, x, y, colour, 1.0f);
         }
     }
@@ -41,10 +37,8 @@ void drawRectangle(Picture& picture, int left, int top, int width, int height, c
 void drawRing(Picture& picture, float centreX, float centreY, float inner, float outer, const Colour& colour)
 {
     const int reach = static_cast<int>(outer) + 2;
-    for (int y = static_cast<int>(centreY) - reach; y <= static_cast<int>(centreY) + reach; ++y)
-    {
-        for (int x = static_cast<int>(centreX) - reach; x <= static_cast<int>(centreX) + reach; ++x)
-        {
+    for (int y = static_cast<int>(centreY) - reach; y <= static_cast<int>(centreY) + reach; ++y) {
+        for (int x = static_cast<int>(centreX) - reach; x <= static_cast<int>(centreX) + reach; ++x) {
             const float dx = static_cast<float>(x) - centreX;
             const float dy = static_cast<float>(y) - centreY;
             const float radius = std::sqrt(dx * dx + dy * dy);
@@ -61,11 +55,10 @@ void drawStroke(Picture& picture, float x0, float y0, float x1, float y1, float 
     const float alongX = x1 - x0;
     const float alongY = y1 - y0;
     const float square = std::max(alongX * alongX + alongY * alongY, 1e-6f);
-    for (int y = static_cast<int>(std::min(y0, y1) - half) - 1; y <= static_cast<int>(std::max(y0, y1) + half) + 1; ++y)
-    {
+    for (int y = static_cast<int>(std::min(y0, y1) - half) - 1; y <= static_cast<int>(std::max(y0, y1) + half) + 1;
+         ++y) {
         for (int x = static_cast<int>(std::min(x0, x1) - half) - 1; x <= static_cast<int>(std::max(x0, x1) + half) + 1;
-             ++x)
-        {
+             ++x) {
             const float dx = static_cast<float>(x) - x0;
             const float dy = static_cast<float>(y) - y0;
             const float t = std::clamp((dx * alongX + dy * alongY) / square, 0.0f, 1.0f);
@@ -79,12 +72,10 @@ void drawStroke(Picture& picture, float x0, float y0, float x1, float y1, float 
 void drawTriangle(Picture& picture, int left, int right, int bottom, int height, const Colour& colour)
 {
     const float middle = static_cast<float>(left + right) * 0.5f;
-    for (int y = bottom - height; y < bottom; ++y)
-    {
+    for (int y = bottom - height; y < bottom; ++y) {
         const float half = static_cast<float>(right - left) * 0.5f * static_cast<float>(y - bottom + height) /
                            static_cast<float>(height);
-        for (int x = left; x <= right; ++x)
-        {
+        for (int x = left; x <= right; ++x) {
             blend(picture, x, y, colour, half - std::abs(static_cast<float>(x) - middle) + 0.5f);
         }
     }
@@ -93,21 +84,17 @@ void drawTriangle(Picture& picture, int left, int right, int bottom, int height,
 // Lines of invented letters: each is two to four strokes between the points of a small grid.
 void drawWriting(Picture& picture, int left, int top, int columns, int lines, const Colour& colour, Random& random)
 {
-    for (int line = 0; line < lines; ++line)
-    {
+    for (int line = 0; line < lines; ++line) {
         int wordLength = 2 + random.below(6);
-        for (int column = 0; column < columns; ++column)
-        {
-            if (wordLength-- == 0)
-            {
+        for (int column = 0; column < columns; ++column) {
+            if (wordLength-- == 0) {
                 wordLength = 2 + random.below(7);
                 continue;
             }
             const float x = static_cast<float>(left + column * 11);
             const float y = static_cast<float>(top + line * 23);
             int from = random.below(9);
-            for (int stroke = 2 + random.below(3); stroke > 0; --stroke)
-            {
+            for (int stroke = 2 + random.below(3); stroke > 0; --stroke) {
                 const int to = (from + 1 + random.below(8)) % 9;
                 drawStroke(picture, x + static_cast<float>(from % 3) * 3.5f, y + static_cast<float>(from / 3) * 6.5f,
                            x + static_cast<float>(to % 3) * 3.5f, y + static_cast<float>(to / 3) * 6.5f, 1.7f, colour);
@@ -120,10 +107,8 @@ void drawWriting(Picture& picture, int left, int top, int columns, int lines, co
 // Rings that grow finer outwards. A triangle wave of the squared radius stands in for the cosine.
 void drawZonePlate(Picture& picture, int left, int top, int side)
 {
-    for (int y = 0; y < side; ++y)
-    {
-        for (int x = 0; x < side; ++x)
-        {
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
             const int dx = 2 * x - side;
             const int dy = 2 * y - side;
             const int phase = (dx * dx + dy * dy) * 14 / side % 510;
@@ -135,12 +120,9 @@ void drawZonePlate(Picture& picture, int left, int top, int side)
 
 void addNoise(Picture& picture, int left, int top, int width, int height, int strength, Random& random)
 {
-    for (int y = std::max(top, 0); y < std::min(top + height, picture.height()); ++y)
-    {
-        for (int x = std::max(left, 0); x < std::min(left + width, picture.width()); ++x)
-        {
-            for (int c = 0; c < picture.channels(); ++c)
-            {
+    for (int y = std::max(top, 0); y < std::min(top + height, picture.height()); ++y) {
+        for (int x = std::max(left, 0); x < std::min(left + width, picture.width()); ++x) {
+            for (int c = 0; c < picture.channels(); ++c) {
                 // the sum of two even numbers falls more often near the middle, as noise does
                 const int noise = random.below(strength + 1) + random.below(strength + 1) - strength;
                 picture.at(x, y, c) = static_cast<Lum8u>(std::clamp(picture.at(x, y, c) + noise, 0, 255));
@@ -156,10 +138,8 @@ Picture drawScene()
     Random random(7);
     Picture picture(960, 640, 3);
 
-    for (int y = 0; y < picture.height(); ++y)
-    {
-        for (int x = 0; x < picture.width(); ++x)
-        {
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
             const int height = y * 256 / picture.height();
             const int across = x * 64 / picture.width();
             const Colour sky{70 + height * 5 / 8 + across, 120 + height * 3 / 8 + across / 2, 190 - height / 8};
@@ -180,17 +160,14 @@ Picture drawScene()
     drawRectangle(picture, 124, 416, 48, 44, {250, 240, 190});
     drawRectangle(picture, 208, 430, 46, 90, {84, 54, 40});
     drawRectangle(picture, 330, 270, 64, 250, {214, 208, 196});
-    for (int row = 0; row < 8; ++row)
-    {
-        for (int column = 0; column < 4; ++column)
-        {
+    for (int row = 0; row < 8; ++row) {
+        for (int column = 0; column < 4; ++column) {
             const bool dark = (row + column) % 2 == 0;
             drawRectangle(picture, 330 + column * 16, 270 + row * 16, 16, 16,
                           dark ? Colour{40, 44, 56} : Colour{230, 226, 214});
         }
     }
-    for (int post = 0; post < 24; ++post)
-    {
+    for (int post = 0; post < 24; ++post) {
         const float x = 8.0f + static_cast<float>(post) * 22.0f;
         drawStroke(picture, x, 548.0f, x + 5.0f, 624.0f, 2.0f + static_cast<float>(post % 5), {238, 234, 224});
     }
@@ -203,8 +180,7 @@ Picture drawScene()
     drawZonePlate(picture, 732, 382, 200);
 
     // a strip of pure colours, then noise: a little everywhere, much in one corner
-    for (int patch = 0; patch < 8; ++patch)
-    {
+    for (int patch = 0; patch < 8; ++patch) {
         const Colour colour{patch & 1 ? 235 : 20, patch & 2 ? 235 : 20, patch & 4 ? 235 : 20};
         drawRectangle(picture, 30 + patch * 40, 30, 40, 40, colour);
     }
@@ -218,12 +194,9 @@ Picture tiledUpTo(const Picture& picture, int least)
     const int width = std::max(picture.width(), least);
     const int height = std::max(picture.height(), least);
     Picture tiled(width, height, picture.channels());
-    for (int y = 0; y < height; ++y)
-    {
-        for (int x = 0; x < width; ++x)
-        {
-            for (int c = 0; c < picture.channels(); ++c)
-            {
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            for (int c = 0; c < picture.channels(); ++c) {
                 tiled.at(x, y, c) = picture.at(x % picture.width(), y % picture.height(), c);
             }
         }
@@ -234,10 +207,8 @@ Picture tiledUpTo(const Picture& picture, int least)
 Picture grayOf(const Picture& colour)
 {
     Picture gray(colour.width(), colour.height(), 1);
-    for (int y = 0; y < colour.height(); ++y)
-    {
-        for (int x = 0; x < colour.width(); ++x)
-        {
+    for (int y = 0; y < colour.height(); ++y) {
+        for (int x = 0; x < colour.width(); ++x) {
             // the weights of red, green and blue in brightness, in 256ths
             const int sum = 77 * colour.at(x, y, 0) + 150 * colour.at(x, y, 1) + 29 * colour.at(x, y, 2);
             gray.at(x, y) = static_cast<Lum8u>((sum + 128) / 256);

@@ -11,9 +11,7 @@ namespace gallery {
 class Random
 {
   public:
-    explicit Random(std::uint32_t seed) : state_((seed * 2654435761u) | 1u)
-    {
-    }
+    explicit Random(std::uint32_t seed) : state_((seed * 2654435761u) | 1u) {}
     std::uint32_t next()
     {
         state_ ^= state_ << 13;

@@ -22,8 +22,7 @@ std::string nameOf(const char* text)
 
 void check(const char* text, LumStatus status)
 {
-    if (status != lumOk)
-    {
+    if (status != lumOk) {
         throw Failure(nameOf(text) + " returned the status " + std::to_string(status));
     }
 }
@@ -54,8 +53,7 @@ std::vector<const Section*> allSections()
 
 void Shot::show(const char* text)
 {
-    if (std::find(calls_.begin(), calls_.end(), text) == calls_.end())
-    {
+    if (std::find(calls_.begin(), calls_.end(), text) == calls_.end()) {
         calls_.emplace_back(text);
     }
 }
@@ -70,12 +68,11 @@ void Shot::time(const char* text, const std::function<LumStatus()>& call)
 {
     constexpr int fewestRuns = 5;
     constexpr int mostRuns = 31;
-    constexpr double enoughMilliseconds = 200.0;
+    constexpr double enoughMilliseconds = 100.0;
 
     show(text);
     double total = run(text, call);
-    for (int i = 0; i < mostRuns && (i < fewestRuns || total < enoughMilliseconds); ++i)
-    {
+    for (int i = 0; i < mostRuns && (i < fewestRuns || total < enoughMilliseconds); ++i) {
         milliseconds_.push_back(run(text, call));
         total += milliseconds_.back();
     }
@@ -89,8 +86,7 @@ void Shot::timeOnce(const char* text, const std::function<LumStatus()>& call)
 
 double Shot::milliseconds() const
 {
-    if (milliseconds_.empty())
-    {
+    if (milliseconds_.empty()) {
         return 0.0;
     }
     std::vector<double> ordered = milliseconds_;
