@@ -7,6 +7,13 @@
 
 #include <stdint.h>
 
+/**
+ * @defgroup types Types, statuses and enumerations
+ * @brief What all families share.
+ *
+ * @{
+ */
+
 /** Marks what liblumcv.so exports. */
 #define LUMCV_API __attribute__((visibility("default")))
 
@@ -64,6 +71,23 @@ typedef struct LumiPointPolar
     Lum32f theta; /**< angle in radians */
 } LumiPointPolar;
 
+/** An analysed structuring element, laid in the caller's block by the Init functions of morphology. */
+typedef struct LumiMorphMaskRecord LumiMorphMaskRecord;
+
+/**
+ * The geometry of an image pyramid, laid in the caller's block. Level 0 is the full-size image; every array has
+ * `level + 1` entries. Sizes and scales are filled by Init; what is the caller's to fill is zero after it.
+ */
+typedef struct LumiPyramidRecord
+{
+    void** ppLayers;       /**< first pixel of each level's image; filled by the caller */
+    LumiSize* pLayerSizes; /**< size of each level */
+    Lum64f* pLayerScales;  /**< scale of each level: the power -i of the reduction rate; 1.0 for level 0 */
+    Lum32s* pLayerSteps;   /**< stride of each level's image, in bytes; filled by the caller */
+    void* pLayerRecord;    /**< place for the caller's layer record */
+    Lum32s level;          /**< index of the last level */
+} LumiPyramidRecord;
+
 /** A connected region: what a flood fill reports. */
 typedef struct LumiConnectedComp
 {
@@ -85,47 +109,50 @@ typedef struct LumLibraryVersion
     const char* BuildDate; /**< date of the build */
 } LumLibraryVersion;
 
-/** What an operation returns: 0 is success, negative values are errors, positive ones warnings. */
+/**
+ * What an operation returns: #lumOk, a negative error or a positive warning (lumErr..., lumWrn...).
+ *
+ * A function's checks have a fixed order, which its family documents; the first that fails decides the status. After an
+ * error nothing has been written through the output pointers, unless a family's documentation says otherwise; a warning
+ * comes with a complete result.
+ */
 typedef Lum32s LumStatus;
 
-/**
- * The values of LumStatus. After an error nothing has been written through the output pointers, unless a family's
- * documentation says otherwise; a warning comes with a complete result.
- */
+/** The values of LumStatus. */
 enum
 {
-    lumOk = 0,                       /**< success */
-    lumWrnEmptyMask = 1,             /**< the mask selects no pixel; values are 0.0 and indices (0, 0) */
-    lumWrnZeroDivisor = 2,           /**< relative norm with a zero divisor; the result is infinite or not-a-number */
-    lumWrnBufferTooLarge = 12,       /**< the queried size exceeds 2147483647; it is stored all the same */
-    lumWrnLineListFull = 33,         /**< the list of lines is full; those found so far are valid */
-    lumWrnKernelNotSymmetric = 38,   /**< the layer kernel is not symmetric; its left half is used, mirrored */
-    lumWrnRoiClipped = 48,           /**< the ROI was cut at the image, or lies wholly outside it */
-    lumErrGeneric = -2,              /**< an internal limit */
-    lumErrArgument = -5,             /**< a parameter has a value that the function cannot use */
-    lumErrSize = -6,                 /**< width or height below 1, or another length below its minimum */
-    lumErrHoughRegion = -7,          /**< the region of the Hough space cannot be used */
-    lumErrNullPointer = -8,          /**< a required pointer is null */
-    lumErrDivideByZero = -10,        /**< division by a zero constant */
-    lumErrOutOfRange = -11,          /**< a point or value outside its allowed range */
-    lumErrContext = -13,             /**< the record's identity word does not match */
-    lumErrMode = -14,                /**< a mode code outside the allowed set */
-    lumErrStep = -16,                /**< a stride below a row's width in bytes, or not positive */
-    lumErrThreshold = -19,           /**< a negative threshold */
-    lumErrMaskSize = -33,            /**< a mask size that is not among those allowed */
-    lumErrAnchor = -34,              /**< an anchor outside the mask or kernel */
-    lumErrValue = -47,               /**< an enumeration or count outside the allowed set */
-    lumErrDivisor = -51,             /**< the divisor of an integer kernel is zero */
-    lumErrChannelOfInterest = -52,   /**< a channel of interest outside 1..3 */
-    lumErrChannels = -53,            /**< a channel count that is not supported */
-    lumErrMetric = -56,              /**< a distance metric weight not above 0 */
-    lumErrDataType = -59,            /**< an element type code that is not supported */
-    lumErrStepAlignment = -108,      /**< a stride that is not a multiple of the element size */
-    lumErrBorder = -225,             /**< a border value that is not allowed */
-    lumErrNorm = -229,               /**< a norm code that is not allowed */
-    lumErrFilterType = -230,         /**< a derivative filter code that is not allowed */
-    lumErrSizeTooLarge = -232,       /**< a size or stride above what the path can work with */
-    lumErrInPlace = -9998            /**< source and destination are the same image where this is not allowed */
+    lumOk = 0,                     /**< success */
+    lumWrnEmptyMask = 1,           /**< the mask selects no pixel; values are 0.0 and indices (0, 0) */
+    lumWrnZeroDivisor = 2,         /**< relative norm with a zero divisor; the result is infinite or not-a-number */
+    lumWrnBufferTooLarge = 12,     /**< the queried size exceeds 2147483647; it is stored all the same */
+    lumWrnLineListFull = 33,       /**< the list of lines is full; those found so far are valid */
+    lumWrnKernelNotSymmetric = 38, /**< the layer kernel is not symmetric; its left half is used, mirrored */
+    lumWrnRoiClipped = 48,         /**< the ROI was cut at the image, or lies wholly outside it */
+    lumErrGeneric = -2,            /**< an internal limit */
+    lumErrArgument = -5,           /**< a parameter has a value that the function cannot use */
+    lumErrSize = -6,               /**< width or height below 1, or another length below its minimum */
+    lumErrHoughRegion = -7,        /**< the region of the Hough space cannot be used */
+    lumErrNullPointer = -8,        /**< a required pointer is null */
+    lumErrDivideByZero = -10,      /**< division by a zero constant */
+    lumErrOutOfRange = -11,        /**< a point or value outside its allowed range */
+    lumErrContext = -13,           /**< the record's identity word does not match */
+    lumErrMode = -14,              /**< a mode code outside the allowed set */
+    lumErrStep = -16,              /**< a stride below a row's width in bytes, or not positive */
+    lumErrThreshold = -19,         /**< a negative threshold */
+    lumErrMaskSize = -33,          /**< a mask size that is not among those allowed */
+    lumErrAnchor = -34,            /**< an anchor outside the mask or kernel */
+    lumErrValue = -47,             /**< an enumeration or count outside the allowed set */
+    lumErrDivisor = -51,           /**< the divisor of an integer kernel is zero */
+    lumErrChannelOfInterest = -52, /**< a channel of interest outside 1..3 */
+    lumErrChannels = -53,          /**< a channel count that is not supported */
+    lumErrMetric = -56,            /**< a distance metric weight not above 0 */
+    lumErrDataType = -59,          /**< an element type code that is not supported */
+    lumErrStepAlignment = -108,    /**< a stride that is not a multiple of the element size */
+    lumErrBorder = -225,           /**< a border value that is not allowed */
+    lumErrNorm = -229,             /**< a norm code that is not allowed */
+    lumErrFilterType = -230,       /**< a derivative filter code that is not allowed */
+    lumErrSizeTooLarge = -232,     /**< a size or stride above what the path can work with */
+    lumErrInPlace = -9998          /**< source and destination are the same image where this is not allowed */
 };
 
 /** Element type code. */
@@ -142,8 +169,17 @@ enum
 };
 
 /**
- * How pixels outside the ROI are obtained: one mode, with flags for the sides that lie in the caller's memory.
- * #lumBorderInMem alone says that all four sides do, and needs no mode.
+ * How pixels outside the ROI are obtained: one mode in the low four bits, and by bitwise or a flag for each side that
+ * lies in the caller's memory.
+ *
+ * A flagged side is read from memory next to the ROI, as far as the operation reaches and no further; the other sides
+ * are synthesised by the mode. #lumBorderInMem alone says that all four sides lie in memory, and needs no mode. For
+ * example `lumBorderMirror | lumBorderInMemTop | lumBorderInMemBottom` filters a band in the middle of an image: the
+ * rows above and below it are real, and left and right are mirrored.
+ *
+ * The value is compared as unsigned. Filters accept the modes #lumBorderReplicate, #lumBorderMirror and
+ * #lumBorderConstant and values up to 255, morphology #lumBorderNeutral as well and values up to 4095; anything else is
+ * #lumErrBorder.
  */
 typedef Lum32s LumiBorderType;
 
@@ -198,5 +234,7 @@ enum
     lumDistanceNormL1 = 1,  /**< city-block distance: the sum of the two differences */
     lumDistanceNormL2 = 2   /**< Euclidean distance */
 };
+
+/** @} */
 
 #endif

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# The library needs libc, libm and liblumcore and nothing else, is named by its SONAME, and takes from outside no function but
+# those listed here: none that allocates, starts threads, prints or belongs to the run time of C++.
+# usage: dependencies_test.sh LIBRARY NM READELF
+set -u
+export LC_ALL=C
+library=$1
+nm=$2
+readelf=$3
+failed=0
+
+soname=$("$readelf" -dW "$library" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
+if [[ ! $soname =~ ^liblumcv\.so\.[0-9]+$ ]]; then
+    echo "the SONAME is '$soname'"
+    failed=1
+fi
+
+needed=$("$readelf" -dW "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+while read -r name; do
+    if [[ ! $name =~ ^(libc\.so\.6|libm\.so\.6|liblumcore\.so\.[0-9]+)$ ]]; then
+        echo "the library needs '$name'"
+        failed=1
+    fi
+done <<<"$needed"
+
+# moving memory, and the one question to the sibling
+allowed=' memcpy memmove memset memcmp lumGetMaxCacheSizeB '
+# what the compiler's start files refer to in every shared object, weakly
+weak=' __cxa_finalize __gmon_start__ _ITM_deregisterTMCloneTable _ITM_registerTMCloneTable '
+undefined=0
+while read -r kind name; do
+    name=${name%%@*}
+    undefined=$((undefined + 1))
+    case $kind in
+        w) [[ $weak == *" $name "* ]] && continue ;;
+        U) [[ $allowed == *" $name "* ]] && continue ;;
+    esac
+    echo "the library takes '$name' from outside"
+    failed=1
+done < <("$nm" -D --undefined-only "$library")
+if [ $undefined -eq 0 ]; then
+    echo "the symbol table could not be read"
+    failed=1
+fi
+exit $failed
