@@ -3,7 +3,7 @@
 
 install_missing()
 {
-    local package missing=() as_root=()
+    local package output missing=() as_root=()
 
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
         echo "This is not a Debian system; what is needed must be there already: $*"
@@ -28,12 +28,16 @@ install_missing()
     if ! "${as_root[@]}" apt-get update -qq </dev/null >/dev/null; then
         echo "The list of packages cannot be renewed; trying with the one that is there"
     fi
+    output=$(mktemp)
     for package in "${missing[@]}"; do
         echo "Installing $package"
         if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-            apt-get install -y -qq --no-install-recommends "$package" </dev/null >/dev/null; then
+            apt-get install -y -qq --no-install-recommends "$package" </dev/null >"$output" 2>&1; then
+            cat "$output" >&2
             echo "Cannot install $package" >&2
+            rm -f "$output"
             return 1
         fi
     done
+    rm -f "$output"
 }
