@@ -808,7 +808,8 @@ LUMCV_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(Lum16s* const* ppSrc, L
  * only reads it, so several threads may share one, each with its own scratch. It may not be moved or copied. Neither
  * record nor scratch need any alignment. Source and destination must not overlap.
  *
- * There are two sets of functions; the queries, Init and apply of one set belong together:
+ * There are two sets of functions. Queries and Init of one set belong together, and so do the scratch query and apply;
+ * a record of either Init serves every apply function:
  * - Ordinary: lumiFilterGaussianGetBufferSize() for both sizes, lumiFilterGaussianInit(), and the apply functions
  *   without `_L`.
  * - 64-bit geometry: lumiFilterGaussianGetSpecSize_L() (or lumiFilterGaussianGetSpecSize()) for the record and Init's
@@ -829,26 +830,33 @@ LUMCV_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(Lum16s* const* ppSrc, L
  *     32f:     (m + 2 * k) * P * 4 + (m + k) * P * 4 + (m + k) * 8 + rowPass + columnPass + 192
  *     others:  ((k - 1) + m + k) * P * 2 + (m + k) * P * 2 + (height + k) * 8 + rowPass + columnPass + 192
  *
- * **Checks of the queries**, in this order: null pointers (#lumErrNullPointer); width or height below 1 (#lumErrSize),
- * where there is a ROI; `kernelSize` below 3 or even (#lumErrArgument); `dataType` (#lumErrDataType); `numChannels`
- * (#lumErrValue); `borderType` (#lumErrBorder), where there is one; a size above 2147483647 (#lumErrSizeTooLarge).
+ * **Checks of queries and Init**, in this order, each where there is such an argument; the first that fails decides the
+ * status, and nothing has been written:
  *
- * **Checks of Init**, in this order: `pSpec` or `pBuffer` null (#lumErrNullPointer); width or height below 1
- * (#lumErrSize); `kernelSize` below 3 or even (#lumErrArgument); `dataType` (#lumErrDataType); `numChannels`
- * (#lumErrValue); `sigma` not above 0 (#lumErrArgument); `borderType` (#lumErrBorder). lumiFilterGaussianInit_L() takes
- * any border value up to 255 whose four in-memory flags are all set.
+ * 1. #lumErrNullPointer: a pointer is null.
+ * 2. #lumErrSize: the width or the height is below 1.
+ * 3. #lumErrSizeTooLarge: the width or the height exceeds 2147483647 (`_L`).
+ * 4. #lumErrArgument: `kernelSize` is below 3 or even.
+ * 5. #lumErrDataType: `dataType` is not 8u, 16u, 16s or 32f.
+ * 6. #lumErrValue: `numChannels` is not 1 or 3.
+ * 7. #lumErrArgument: `sigma` is not above 0; so not-a-number fails.
+ * 8. #lumErrBorder: `borderType` is not allowed. lumiFilterGaussianInit_L() takes any mode if all four in-memory flags
+ *    are set.
+ * 9. #lumErrSizeTooLarge: a queried size exceeds 2147483647.
  *
  * **Checks of apply**, in this order; the first that fails decides the status, and nothing has been written:
  *
  * 1. #lumErrNullPointer: `pSrc`, `pDst`, `pSpec` or `pBuffer` is null.
- * 2. #lumErrStep: a stride is not positive (ordinary functions), then: a stride is smaller than the width in pixels.
- *    The test is loose: a stride between the width and a row in bytes is not found out, and the rows then overlap.
- * 3. #lumErrSize: the width or the height is below 1.
- * 4. #lumErrBorder: the border value is negative or above 255.
- * 5. #lumErrNullPointer: the mode is #lumBorderConstant, not all sides lie in memory, and `pBorderValue` is null.
- * 6. #lumErrBorder: the mode is none of #lumBorderReplicate, #lumBorderMirror, #lumBorderConstant, and not all four
+ * 2. #lumErrStep: a stride is not positive (ordinary functions). #lumErrSizeTooLarge: the width, the height or a stride
+ *    exceeds 2147483647 (`_L` functions).
+ * 3. #lumErrStep: a stride is smaller than the width in pixels. The test is loose: a stride between the width and a row
+ *    in bytes is not found out, and the rows then overlap.
+ * 4. #lumErrSize: the width or the height is below 1.
+ * 5. #lumErrBorder: the border value is negative or above 255.
+ * 6. #lumErrNullPointer: the mode is #lumBorderConstant, not all sides lie in memory, and `pBorderValue` is null.
+ * 7. #lumErrBorder: the mode is none of #lumBorderReplicate, #lumBorderMirror, #lumBorderConstant, and not all four
  *    sides are flagged as in memory. If they are, any mode passes.
- * 7. #lumErrArgument: the record's kernel size is below 3 or even.
+ * 8. #lumErrArgument: the record's kernel size is below 3 or even.
  *
  * Strides must be multiples of the element size; this is not tested.
  *

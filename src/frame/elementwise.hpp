@@ -29,7 +29,7 @@ inline bool interferes(Plane<const Lum8u> dst, int64_t dstRowBytes, Plane<const 
 /// and stores that many. Operands that overlap are worked through pixel after pixel, row after row, each result stored
 /// before the next pixel is read.
 template <int N, class Kernel, class D, class... S>
-inline void eachElement(LumiSize size, Kernel kernel, Plane<D> dst, Plane<const S>... src)
+[[gnu::flatten]] inline void eachElement(LumiSize size, Kernel kernel, Plane<D> dst, Plane<const S>... src)
 {
     int64_t width = size.width;
     int64_t height = size.height;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The library needs libc, libm and liblumcore and nothing else, is named by its SONAME, and takes from outside no function but
-# those listed here: none that allocates, starts threads, prints or belongs to the run time of C++.
+# The library needs libc, libm and liblumcore and nothing else, is named by its SONAME, and takes from outside no
+# function but those listed here: none that allocates, starts threads, prints or belongs to the run time of C++.
 # usage: dependencies_test.sh LIBRARY NM READELF
 set -u
 export LC_ALL=C

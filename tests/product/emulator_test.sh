@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The emulated processor of emulated_suite.sh executes AVX and refuses what is newer: without this, a suite that passes there
-# would prove nothing.
+# The emulated processor of emulated_suite.sh executes AVX and refuses what is newer: without this, a suite that passes
+# there would prove nothing.
 # usage: emulator_test.sh EMULATOR C_COMPILER
 set -u
 emulator=$1

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The list exports.txt, the functions that the headers declare and the symbols that the library exports are the same set.
+# The list exports.txt, the functions that the headers declare and the symbols that the library exports are the same
+# set.
 # usage: exports_test.sh INCLUDE_FOLDER LIBRARY NM C_COMPILER
 set -u
 export LC_ALL=C
@@ -13,7 +14,8 @@ trap 'rm -rf "$work"' EXIT
 
 sort "$list" >"$work/listed"
 
-# what a compiler sees, comments gone; only text that stems from the project's own headers is kept, as the line markers tell
+# what a compiler sees, comments gone; only text that stems from the project's own headers is kept, as the line markers
+# tell
 echo '#include <lumcv/lumcv.h>' | "$compiler" -std=c11 -E -I"$include" -x c - |
     awk '/^# [0-9]+ "/ { ours = index($3, "/lumcv/") > 0; next } ours' |
     tr '\n' ' ' | grep -oE '[A-Za-z_][A-Za-z0-9_]* *\(' | tr -d ' (' |

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The C examples in the public headers compile as they stand, without a warning, and do what is claimed: each example defines a
-# function, and header_examples/FUNCTION.c is the program that calls it.
+# The C examples in the public headers compile as they stand, without a warning, and do what is claimed: each example
+# defines a function, and header_examples/FUNCTION.c is the program that calls it.
 # usage: header_examples_test.sh INCLUDE_FOLDER LIBRARY LUMCORE_LIBRARY SANITIZER C_COMPILER
 set -u
 include=$1
@@ -28,18 +28,18 @@ count=0
 for example in "$work"/*.c; do
     name=$(basename "$example" .c)
     count=$((count + 1))
+    # shellcheck disable=SC2086  # the flags are several words
     if ! "$compiler" $flags -I"$include" "$example" "$here/header_examples/$name.c" -o "$work/$name" "$library" \
-            -Wl,-rpath,"$(dirname "$library")" -Wl,-rpath,"$(dirname "$lumcore")" \
             -Wl,-rpath-link,"$(dirname "$lumcore")" -lm; then
         echo "the example $name does not compile"
         failed=1
-    elif ! "$work/$name"; then
+    elif ! LD_LIBRARY_PATH=$(dirname "$library"):$(dirname "$lumcore") "$work/$name"; then
         echo "the example $name does not do what it should"
         failed=1
     fi
 done
 
-programs=$(ls "$here"/header_examples/*.c | wc -l)
+programs=$(find "$here/header_examples" -name '*.c' | wc -l)
 if [ "$count" -ne "$programs" ]; then
     echo "$count examples in the headers, $programs programs that call them"
     failed=1

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The base build contains no instruction that a processor with AVX and nothing newer lacks. The check is checked first: it must
-# accept instructions of AVX and object to one of every newer kind.
+# The base build contains no instruction that a processor with AVX and nothing newer lacks. The check is checked first:
+# it must accept instructions of AVX and object to one of every newer kind.
 # usage: instructions_test.sh LIBRARY OBJDUMP C_COMPILER
 set -u
 library=$1

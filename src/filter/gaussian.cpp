@@ -1,0 +1,476 @@
+// The Gaussian filter: each source row is filtered once, on its way into a ring of rows of floats, and the ring is
+// combined into one destination row at a time. The image is worked through in bands of columns narrow enough for the
+// ring to stay in the first-level cache.
+//
+// Both passes fold the symmetric kernel: centre * t[h], then for d = 1..h the weight at distance d times the sum of the
+// two pixels at that distance; each operation rounds to single precision.
+#include "filter/extended_row.hpp"
+#include "filter/gaussian_record.hpp"
+#include "filter/row_ring.hpp"
+#include "filter/store_row.hpp"
+#include "frame/checks.hpp"
+#include "frame/large_image.hpp"
+
+namespace lumcv {
+namespace {
+
+/// The taps of a kernel whose half-length h is known when the code is compiled; they stay in registers.
+template <int h>
+struct FixedTaps
+{
+    Lum32f t[h + 1];
+
+    explicit FixedTaps(const GaussianKernel& kernel)
+    {
+        for (int i = 0; i <= h; ++i)
+            t[i] = kernel.taps[i];
+    }
+
+    static constexpr int half()
+    {
+        return h;
+    }
+};
+
+/// The taps of any kernel, read from the record.
+struct AnyTaps
+{
+    const Lum32f* t;
+    int64_t h;
+
+    explicit AnyTaps(const GaussianKernel& kernel) : t(kernel.taps), h(kernel.header.kernelSize / 2) {}
+
+    int64_t half() const
+    {
+        return h;
+    }
+};
+
+/// A row of floats, folded along itself; `channels` of them make a pixel.
+template <int channels, class Taps>
+struct RowFold
+{
+    Taps taps;
+    const Lum32f* line;  ///< the pixels and their neighbours
+
+    template <class Lanes>
+    [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
+    {
+        const int64_t h = taps.half();
+        const Lum32f* s = line + x;
+        auto sum = simd::load<lanes>(s) * simd::broadcast<lanes>(taps.t[h]);
+        for (int64_t d = 1; d <= h; ++d) {
+            const auto pair = simd::load<lanes>(s - d * channels) + simd::load<lanes>(s + d * channels);
+            sum = sum + pair * simd::broadcast<lanes>(taps.t[h - d]);
+        }
+        return sum;
+    }
+};
+
+/// The rows of the ring, folded across.
+template <class Taps>
+struct ColumnFold;
+
+template <int h>
+struct ColumnFold<FixedTaps<h>>
+{
+    FixedTaps<h> taps;
+    const Lum32f* rows[2 * h + 1];
+
+    ColumnFold(const FixedTaps<h>& kernelTaps, const RowRing& ring, int64_t firstSlot) : taps(kernelTaps)
+    {
+        for (int64_t j = 0; j <= 2 * h; ++j)
+            rows[j] = ring.slot(firstSlot + j < ring.slots ? firstSlot + j : firstSlot + j - ring.slots);
+    }
+
+    template <class Lanes>
+    [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
+    {
+        auto sum = simd::load<lanes>(rows[h] + x) * simd::broadcast<lanes>(taps.t[h]);
+        for (int d = 1; d <= h; ++d) {
+            const auto pair = simd::load<lanes>(rows[h - d] + x) + simd::load<lanes>(rows[h + d] + x);
+            sum = sum + pair * simd::broadcast<lanes>(taps.t[h - d]);
+        }
+        return sum;
+    }
+};
+
+template <>
+struct ColumnFold<AnyTaps>
+{
+    AnyTaps taps;
+    RowRing ring;
+    int64_t centre;
+
+    ColumnFold(const AnyTaps& kernelTaps, const RowRing& rowRing, int64_t firstSlot)
+        : taps(kernelTaps), ring(rowRing), centre((firstSlot + rowRing.slots / 2) % rowRing.slots)
+    {
+    }
+
+    template <class Lanes>
+    [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
+    {
+        const Lum32f* const begin = ring.rows + x;
+        const Lum32f* const end = begin + ring.slots * ring.pitch;
+        const Lum32f* above = begin + centre * ring.pitch;
+        const Lum32f* below = above;
+        auto sum = simd::load<lanes>(above) * simd::broadcast<lanes>(taps.t[taps.h]);
+        for (int64_t d = 1; d <= taps.h; ++d) {
+            above = (above == begin ? end : above) - ring.pitch;
+            below = below + ring.pitch == end ? begin : below + ring.pitch;
+            sum = sum +
+                  (simd::load<lanes>(above) + simd::load<lanes>(below)) * simd::broadcast<lanes>(taps.t[taps.h - d]);
+        }
+        return sum;
+    }
+};
+
+/// Lanes of a step: a whole register of results, and enough sums in flight to hide the latency of their additions.
+template <class T, class Taps>
+constexpr int stepLanes()
+{
+    constexpr int sums = (std::is_same_v<Taps, AnyTaps> ? 4 : 2) * simd::registerLanes<Lum32f>;
+    return simd::registerLanes<T> > sums ? simd::registerLanes<T> : sums;
+}
+
+/// Along the row alone, while the ring fills.
+template <class T, class Along>
+[[gnu::flatten, gnu::noinline]] void foldIn(Along along, Lum32f* slot, int64_t n)
+{
+    simd::eachAtLeastOnce<stepLanes<T, decltype(along.taps)>()>(
+        0, n, [=](int64_t x, auto lanes) { simd::store(slot + x, along(x, lanes)); });
+}
+
+/// Across the ring alone, where a constant row has come in.
+template <class T, class Across>
+[[gnu::flatten, gnu::noinline]] void foldOut(Across across, T* dst, int64_t n, bool isLarge)
+{
+    storeRow<stepLanes<T, decltype(across.taps)>()>(dst, n, isLarge, across);
+}
+
+/// Both for each step, so that the loads of the one overlap with the arithmetic of the other.
+template <class T, class Along, class Across>
+[[gnu::flatten, gnu::noinline]] void foldThrough(Along along, Lum32f* slot, Across across, T* dst, int64_t n,
+                                                 bool isLarge)
+{
+    storeRow<stepLanes<T, decltype(across.taps)>()>(dst, n, isLarge, [=](int64_t x, auto lanes) {
+        simd::store(slot + x, along(x, lanes));
+        return across(x, lanes);
+    });
+}
+
+/// Columns of a band: ring and line together take at most this many bytes, a good half of a first-level cache.
+constexpr int64_t bandBytes = 28 * 1024;
+
+int64_t bandWidth(int64_t width, int64_t kernelSize, int channels)
+{
+    constexpr int64_t narrowest = 128;
+    int64_t widest = bandBytes / ((kernelSize + 1) * channels * static_cast<int64_t>(sizeof(Lum32f)));
+    widest = widest < narrowest ? narrowest : widest;
+    const int64_t bands = (width + widest - 1) / widest;
+    return (width + bands - 1) / bands;
+}
+
+template <class T, int channels, class Taps>
+void filterBand(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, int64_t begin, int64_t end, Border border,
+                const T* borderValue, const Taps& taps, RowRing ring, Lum32f* line, bool isLarge)
+{
+    const int64_t h = taps.half();
+    const int64_t n = (end - begin) * channels;
+    const RowFold<channels, Taps> along{taps, line + h * channels};
+    walkRows(ring.slots, roiSize.height, h, border, [&](const RingStep& step) {
+        Lum32f* const slot = ring.slot(step.slot);
+        T* const out = dst.row(step.output) + begin * channels;
+        const ColumnFold<Taps> across(taps, ring, step.firstSlot);
+        if (step.isConstant) {
+            // the taps sum to one, so a row of the border value stays what it is
+            for (int64_t x = 0; x < n; ++x)
+                slot[x] = static_cast<Lum32f>(borderValue[x % channels]);
+            if (step.output >= 0)
+                foldOut(across, out, n, isLarge);
+            return;
+        }
+        const ExtendedRow<T, channels> row{src.row(step.row), roiSize.width, border, borderValue};
+        row.read(begin - h, end + h, line);
+        if (step.output >= 0)
+            foldThrough(along, slot, across, out, n, isLarge);
+        else
+            foldIn<T>(along, slot, n);
+    });
+}
+
+template <class Taps, class T, int channels>
+void filterImage(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, Border border, const T* borderValue,
+                 const GaussianKernel& kernel, Lum8u* buffer)
+{
+    // the line, a source row with both its borders, fits behind the ring: the bytes asked for beyond the rows are those
+    // of its borders
+    const int64_t kernelSize = kernel.header.kernelSize;
+    const int64_t pitch = gaussianRingPitch(roiSize.width, channels) / static_cast<int64_t>(sizeof(Lum32f));
+    const auto rows = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(buffer) + 63) / 64 * 64);
+    Lum32f* const line = rows + kernelSize * pitch;
+
+    const Taps taps(kernel);
+    const bool isLarge = isLargeImage(roiSize.width * roiSize.height);
+    const int64_t step = bandWidth(roiSize.width, kernelSize, channels);
+    for (int64_t begin = 0; begin < roiSize.width; begin += step) {
+        const int64_t end = begin + step < roiSize.width ? begin + step : roiSize.width;
+        filterBand<T, channels>(src, dst, roiSize, begin, end, border, borderValue, taps, {rows, pitch, kernelSize},
+                                line, isLarge);
+    }
+    if (isLarge)
+        simd::fence();
+}
+
+/// The checks that the 32-bit and the 64-bit entries share, and the choice of the kernel's class.
+template <int channels, class T>
+LumStatus filter(Checks checks, Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderType borderType,
+                 const T* borderValue, const LumFilterGaussianSpec* pSpec, Lum8u* buffer)
+{
+    // strides are compared with the width in pixels, whatever a pixel's size
+    checks.require(src.step >= roiSize.width && dst.step >= roiSize.width, lumErrStep)
+        .size(roiSize)
+        .require(static_cast<Lum32u>(borderType) <= largestFilterBorder, lumErrBorder);
+    if (hasAllSidesInMemory(borderType))
+        borderType = lumBorderInMem;
+    checks.require((borderType & 15) != lumBorderConstant || borderValue, lumErrNullPointer)
+        .require(isFilterBorder(borderType), lumErrBorder);
+    if (checks.failed())
+        return checks.status();
+    const GaussianKernel kernel = gaussianKernel(pSpec);
+    if (!isGaussianKernelSize(kernel.header.kernelSize))
+        return lumErrArgument;
+    const Border border(borderType);
+    switch (kernel.header.kernelSize) {
+        case 3:
+            filterImage<FixedTaps<1>, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+            break;
+        case 5:
+            filterImage<FixedTaps<2>, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+            break;
+        case 7:
+            filterImage<FixedTaps<3>, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+            break;
+        default:
+            filterImage<AnyTaps, T, channels>(src, dst, roiSize, border, borderValue, kernel, buffer);
+    }
+    return lumOk;
+}
+
+template <int channels, class T>
+LumStatus gaussian(Plane<const T> src, Plane<T> dst, LumiSize roiSize, LumiBorderType borderType, const T* borderValue,
+                   const LumFilterGaussianSpec* pSpec, Lum8u* buffer)
+{
+    auto checks =
+        Checks{}.notNull(src.pixels, dst.pixels, pSpec, buffer).require(src.step > 0 && dst.step > 0, lumErrStep);
+    return filter<channels>(checks, src, dst, widened(roiSize), borderType, borderValue, pSpec, buffer);
+}
+
+template <int channels, class T>
+LumStatus gaussianL(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderType borderType,
+                    const T* borderValue, const LumFilterGaussianSpec* pSpec, Lum8u* buffer)
+{
+    auto checks = Checks{}
+                      .notNull(src.pixels, dst.pixels, pSpec, buffer)
+                      .within31Bits(roiSize.width, roiSize.height, src.step, dst.step);
+    return filter<channels>(checks, src, dst, roiSize, borderType, borderValue, pSpec, buffer);
+}
+
+/// The border comes from the record, which is the one argument that must be looked at first.
+template <int channels, class T>
+LumStatus gaussianBorder(Plane<const T> src, Plane<T> dst, LumiSize roiSize, const T* borderValue,
+                         const LumFilterGaussianSpec* pSpec, Lum8u* buffer)
+{
+    if (!pSpec)
+        return lumErrNullPointer;
+    return gaussian<channels>(src, dst, roiSize, gaussianKernel(pSpec).header.borderType, borderValue, pSpec, buffer);
+}
+
+}  // namespace
+}  // namespace lumcv
+
+using namespace lumcv;
+
+LumStatus lumiFilterGaussian_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
+                                    LumiBorderType borderType, const Lum8u* pBorderValue,
+                                    const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
+                                    LumiBorderType borderType, const Lum8u* pBorderValue,
+                                    const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum16u* pBorderValue,
+                                     const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16u_C3R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum16u* pBorderValue,
+                                     const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum16s* pBorderValue,
+                                     const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16s_C3R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum16s* pBorderValue,
+                                     const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum32f* pBorderValue,
+                                     const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum32f* pBorderValue,
+                                     const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussian<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                       pBuffer);
+}
+
+LumStatus lumiFilterGaussian_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
+                                      LumiBorderType borderType, const Lum8u* pBorderValue,
+                                      const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussian_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
+                                      LumiBorderType borderType, const Lum8u* pBorderValue,
+                                      const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum16u* pBorderValue,
+                                       const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16u_C3R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum16u* pBorderValue,
+                                       const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum16s* pBorderValue,
+                                       const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussian_16s_C3R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum16s* pBorderValue,
+                                       const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussian_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum32f* pBorderValue,
+                                       const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussian_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum32f* pBorderValue,
+                                       const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                          LumiSize roiSize, Lum8u borderValue, const LumFilterGaussianSpec* pSpec,
+                                          Lum8u* pBuffer)
+{
+    return gaussianBorder<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, &borderValue, pSpec, pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                          LumiSize roiSize, const Lum8u* pBorderValue,
+                                          const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianBorder<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, pBorderValue, pSpec, pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                           LumiSize roiSize, Lum16u borderValue, const LumFilterGaussianSpec* pSpec,
+                                           Lum8u* pBuffer)
+{
+    return gaussianBorder<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, &borderValue, pSpec, pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_16u_C3R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                           LumiSize roiSize, const Lum16u* pBorderValue,
+                                           const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianBorder<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, pBorderValue, pSpec, pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                           LumiSize roiSize, Lum16s borderValue, const LumFilterGaussianSpec* pSpec,
+                                           Lum8u* pBuffer)
+{
+    return gaussianBorder<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, &borderValue, pSpec, pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_16s_C3R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                           LumiSize roiSize, const Lum16s* pBorderValue,
+                                           const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianBorder<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, pBorderValue, pSpec, pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                           LumiSize roiSize, Lum32f borderValue, const LumFilterGaussianSpec* pSpec,
+                                           Lum8u* pBuffer)
+{
+    return gaussianBorder<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, &borderValue, pSpec, pBuffer);
+}
+
+LumStatus lumiFilterGaussianBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                           LumiSize roiSize, const Lum32f* pBorderValue,
+                                           const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer)
+{
+    return gaussianBorder<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, pBorderValue, pSpec, pBuffer);
+}

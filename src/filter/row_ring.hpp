@@ -1,0 +1,49 @@
+// The vertical half of a separable filter: a ring that holds as many filtered rows as the column kernel has taps.
+#pragma once
+
+#include "frame/border.hpp"
+
+namespace lumcv {
+
+/// Rows of floats in scratch. Row r of the extended image, counted from the topmost one that is needed, lies in slot r
+/// mod `slots`.
+struct RowRing
+{
+    Lum32f* rows;
+    int64_t pitch;  ///< floats from one slot to the next
+    int64_t slots;
+
+    Lum32f* slot(int64_t index) const
+    {
+        return rows + index * pitch;
+    }
+};
+
+/// One move of the ring: which row comes in, and which output row it completes.
+struct RingStep
+{
+    bool isConstant;    ///< the row stands beyond a constant border: it holds the border value
+    int64_t row;        ///< otherwise the source row; outside [0, height) only on a side in memory
+    int64_t slot;       ///< where it goes
+    int64_t output;     ///< the output row for which the ring now holds every tap, or negative while it fills
+    int64_t firstSlot;  ///< the slot of that output row's first tap
+};
+
+/// Moves a ring of `slots` rows down the image, calling advance(RingStep) for each row that comes in. `before` is the
+/// number of taps above the one that falls on the output row.
+template <class Advance>
+inline void walkRows(int64_t slots, int64_t height, int64_t before, Border border, Advance advance)
+{
+    const int64_t after = slots - 1 - before;
+    int64_t slot = 0;
+    for (int64_t r = -before; r < height + after; ++r) {
+        const bool inMemory = r < 0 ? border.top : r < height || border.bottom;
+        const bool isConstant = !inMemory && border.mode == lumBorderConstant;
+        const int64_t next = slot + 1 == slots ? 0 : slot + 1;
+        advance(RingStep{isConstant, inMemory || isConstant ? r : borderIndex(r, height, border.mode), slot, r - after,
+                         next});
+        slot = next;
+    }
+}
+
+}  // namespace lumcv
