@@ -11,7 +11,8 @@ enum
     statusNullPointer = -8
 };
 
-/* Both leaves describe one cache a subleaf in the same words; the second is the one of processors that leave leaf 4 empty. */
+/* Both leaves describe one cache a subleaf in the same words; the second is the one of processors that leave leaf 4
+ * empty. */
 static const unsigned cacheLeaves[] = {0x00000004u, 0x8000001Du};
 
 static unsigned long long largestCacheOfLeaf(unsigned leaf)
@@ -23,8 +24,7 @@ static unsigned long long largestCacheOfLeaf(unsigned leaf)
         mostSubleaves = 32
     };
     unsigned long long largest = 0;
-    for (unsigned subleaf = 0; subleaf < mostSubleaves; ++subleaf)
-    {
+    for (unsigned subleaf = 0; subleaf < mostSubleaves; ++subleaf) {
         unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;
         if (!__get_cpuid_count(leaf, subleaf, &eax, &ebx, &ecx, &edx))
             break;

@@ -1,0 +1,236 @@
+// Draws the gallery's own scene and its film. Arithmetic is kept to integers and plain products, so that every machine
+// draws the same pixels.
+#include "scene.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+
+namespace gallery {
+namespace {
+
+using Colour = std::array<int, 3>;
+
+void blend(Picture& picture, int x, int y, const Colour& colour, float cover)
+{
+    if (x < 0 || y < 0 || x >= picture.width() || y >= picture.height() || cover <= 0.0f) {
+        return;
+    }
+    cover = std::min(cover, 1.0f);
+    for (int c = 0; c < picture.channels(); ++c) {
+        const float old = picture.at(x, y, c);
+        picture.at(x, y, c) = toByte(old + (static_cast<float>(colour[static_cast<std::size_t>(c)]) - old) * cover);
+    }
+}
+
+void drawRectangle(Picture& picture, int left, int top, int width, int height, const Colour& colour)
+{
+    for (int y = top; y < top + height; ++y) {
+        for (int x = left; x < left + width; ++x) {
+            blend(picture, x, y, colour, 1.0f);
+        }
+    }
+}
+
+// A ring's edge is smoothed over one pixel; an inner radius of 0 makes it a disc.
+void drawRing(Picture& picture, float centreX, float centreY, float inner, float outer, const Colour& colour)
+{
+    const int reach = static_cast<int>(outer) + 2;
+    for (int y = static_cast<int>(centreY) - reach; y <= static_cast<int>(centreY) + reach; ++y) {
+        for (int x = static_cast<int>(centreX) - reach; x <= static_cast<int>(centreX) + reach; ++x) {
+            const float dx = static_cast<float>(x) - centreX;
+            const float dy = static_cast<float>(y) - centreY;
+            const float radius = std::sqrt(dx * dx + dy * dy);
+            const float inside = inner > 0.0f ? std::clamp(radius - inner + 0.5f, 0.0f, 1.0f) : 1.0f;
+            blend(picture, x, y, colour, std::clamp(outer - radius + 0.5f, 0.0f, 1.0f) * inside);
+        }
+    }
+}
+
+// A stroke with round ends: what lies within half its thickness of the segment.
+void drawStroke(Picture& picture, float x0, float y0, float x1, float y1, float thickness, const Colour& colour)
+{
+    const float half = thickness * 0.5f;
+    const float alongX = x1 - x0;
+    const float alongY = y1 - y0;
+    const float square = std::max(alongX * alongX + alongY * alongY, 1e-6f);
+    for (int y = static_cast<int>(std::min(y0, y1) - half) - 1; y <= static_cast<int>(std::max(y0, y1) + half) + 1;
+         ++y) {
+        for (int x = static_cast<int>(std::min(x0, x1) - half) - 1; x <= static_cast<int>(std::max(x0, x1) + half) + 1;
+             ++x) {
+            const float dx = static_cast<float>(x) - x0;
+            const float dy = static_cast<float>(y) - y0;
+            const float t = std::clamp((dx * alongX + dy * alongY) / square, 0.0f, 1.0f);
+            const float fromX = dx - t * alongX;
+            const float fromY = dy - t * alongY;
+            blend(picture, x, y, colour, half + 0.5f - std::sqrt(fromX * fromX + fromY * fromY));
+        }
+    }
+}
+
+void drawTriangle(Picture& picture, int left, int right, int bottom, int height, const Colour& colour)
+{
+    const float middle = static_cast<float>(left + right) * 0.5f;
+    for (int y = bottom - height; y < bottom; ++y) {
+        const float half = static_cast<float>(right - left) * 0.5f * static_cast<float>(y - bottom + height) /
+                           static_cast<float>(height);
+        for (int x = left; x <= right; ++x) {
+            blend(picture, x, y, colour, half - std::abs(static_cast<float>(x) - middle) + 0.5f);
+        }
+    }
+}
+
+// Lines of invented letters: each is two to four strokes between the points of a small grid.
+void drawWriting(Picture& picture, int left, int top, int columns, int lines, const Colour& colour, Random& random)
+{
+    for (int line = 0; line < lines; ++line) {
+        int wordLength = 2 + random.below(6);
+        for (int column = 0; column < columns; ++column) {
+            if (wordLength-- == 0) {
+                wordLength = 2 + random.below(7);
+                continue;
+            }
+            const float x = static_cast<float>(left + column * 11);
+            const float y = static_cast<float>(top + line * 23);
+            int from = random.below(9);
+            for (int stroke = 2 + random.below(3); stroke > 0; --stroke) {
+                const int to = (from + 1 + random.below(8)) % 9;
+                drawStroke(picture, x + static_cast<float>(from % 3) * 3.5f, y + static_cast<float>(from / 3) * 6.5f,
+                           x + static_cast<float>(to % 3) * 3.5f, y + static_cast<float>(to / 3) * 6.5f, 1.7f, colour);
+                from = to;
+            }
+        }
+    }
+}
+
+// Rings that grow finer outwards. A triangle wave of the squared radius stands in for the cosine.
+void drawZonePlate(Picture& picture, int left, int top, int side)
+{
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const int dx = 2 * x - side;
+            const int dy = 2 * y - side;
+            const int phase = (dx * dx + dy * dy) * 14 / side % 510;
+            const int level = phase < 255 ? phase : 510 - phase;
+            blend(picture, left + x, top + y, {level, level, level}, 1.0f);
+        }
+    }
+}
+
+void addNoise(Picture& picture, int left, int top, int width, int height, int strength, Random& random)
+{
+    for (int y = std::max(top, 0); y < std::min(top + height, picture.height()); ++y) {
+        for (int x = std::max(left, 0); x < std::min(left + width, picture.width()); ++x) {
+            for (int c = 0; c < picture.channels(); ++c) {
+                // the sum of two even numbers falls more often near the middle, as noise does
+                const int noise = random.below(strength + 1) + random.below(strength + 1) - strength;
+                picture.at(x, y, c) = static_cast<Lum8u>(std::clamp(picture.at(x, y, c) + noise, 0, 255));
+            }
+        }
+    }
+}
+
+}  // namespace
+
+Picture drawScene()
+{
+    Random random(7);
+    Picture picture(960, 640, 3);
+
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int height = y * 256 / picture.height();
+            const int across = x * 64 / picture.width();
+            const Colour sky{70 + height * 5 / 8 + across, 120 + height * 3 / 8 + across / 2, 190 - height / 8};
+            blend(picture, x, y, sky, 1.0f);
+        }
+    }
+
+    drawRing(picture, 800.0f, 120.0f, 0.0f, 62.0f, {255, 214, 90});
+    drawRing(picture, 800.0f, 120.0f, 78.0f, 84.0f, {255, 232, 160});
+    drawTriangle(picture, -40, 380, 470, 230, {74, 92, 122});
+    drawTriangle(picture, 210, 640, 470, 300, {58, 74, 104});
+    drawTriangle(picture, 520, 1000, 470, 190, {86, 104, 130});
+    drawRectangle(picture, 0, 470, 960, 170, {104, 128, 84});
+
+    // a house, a tower, a fence: straight edges of every contrast
+    drawRectangle(picture, 96, 380, 190, 140, {196, 92, 74});
+    drawTriangle(picture, 80, 302, 382, 90, {122, 52, 46});
+    drawRectangle(picture, 124, 416, 48, 44, {250, 240, 190});
+    drawRectangle(picture, 208, 430, 46, 90, {84, 54, 40});
+    drawRectangle(picture, 330, 270, 64, 250, {214, 208, 196});
+    for (int row = 0; row < 8; ++row) {
+        for (int column = 0; column < 4; ++column) {
+            const bool dark = (row + column) % 2 == 0;
+            drawRectangle(picture, 330 + column * 16, 270 + row * 16, 16, 16,
+                          dark ? Colour{40, 44, 56} : Colour{230, 226, 214});
+        }
+    }
+    for (int post = 0; post < 24; ++post) {
+        const float x = 8.0f + static_cast<float>(post) * 22.0f;
+        drawStroke(picture, x, 548.0f, x + 5.0f, 624.0f, 2.0f + static_cast<float>(post % 5), {238, 234, 224});
+    }
+
+    // a sheet of writing and a test pattern
+    drawRectangle(picture, 470, 330, 236, 270, {120, 110, 96});
+    drawRectangle(picture, 462, 322, 236, 270, {246, 243, 232});
+    drawWriting(picture, 478, 338, 19, 10, {34, 32, 44}, random);
+    drawRectangle(picture, 726, 376, 212, 212, {30, 30, 30});
+    drawZonePlate(picture, 732, 382, 200);
+
+    // a strip of pure colours, then noise: a little everywhere, much in one corner
+    for (int patch = 0; patch < 8; ++patch) {
+        const Colour colour{patch & 1 ? 235 : 20, patch & 2 ? 235 : 20, patch & 4 ? 235 : 20};
+        drawRectangle(picture, 30 + patch * 40, 30, 40, 40, colour);
+    }
+    addNoise(picture, 0, 0, 960, 640, 5, random);
+    addNoise(picture, 30, 90, 200, 110, 90, random);
+    return picture;
+}
+
+Picture tiledUpTo(const Picture& picture, int least)
+{
+    const int width = std::max(picture.width(), least);
+    const int height = std::max(picture.height(), least);
+    Picture tiled(width, height, picture.channels());
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            for (int c = 0; c < picture.channels(); ++c) {
+                tiled.at(x, y, c) = picture.at(x % picture.width(), y % picture.height(), c);
+            }
+        }
+    }
+    return tiled;
+}
+
+Picture grayOf(const Picture& colour)
+{
+    Picture gray(colour.width(), colour.height(), 1);
+    for (int y = 0; y < colour.height(); ++y) {
+        for (int x = 0; x < colour.width(); ++x) {
+            // the weights of red, green and blue in brightness, in 256ths
+            const int sum = 77 * colour.at(x, y, 0) + 150 * colour.at(x, y, 1) + 29 * colour.at(x, y, 2);
+            gray.at(x, y) = static_cast<Lum8u>((sum + 128) / 256);
+        }
+    }
+    return gray;
+}
+
+Picture filmFrame(const Picture& gray, int index, int frameCount)
+{
+    Picture frame = gray;
+    const float radius = static_cast<float>(std::min(gray.width(), gray.height())) * 0.11f;
+    const float way = static_cast<float>(index) / static_cast<float>(std::max(frameCount - 1, 1));
+    // it comes in from outside, so that the first frame shows the place without it, and does not leave again
+    const float x = static_cast<float>(gray.width()) * (0.95f * way - 0.2f);
+    const float y = static_cast<float>(gray.height()) * 0.45f;
+    drawRing(frame, x, y, 0.0f, radius, {245, 245, 245});
+    drawRing(frame, x, y, radius * 0.55f, radius * 0.75f, {30, 30, 30});
+
+    Random random(static_cast<std::uint32_t>(index) + 100u);
+    addNoise(frame, 0, 0, frame.width(), frame.height(), 40, random);
+    return frame;
+}
+
+}  // namespace gallery
