@@ -1,8 +1,7 @@
 // The Gaussian filter written out plainly: the sizes of its blocks, the layout of its records and the filter itself,
 // one scalar at a time. The taps are read from the record, so that the filter can be compared bit for bit whatever
 // the last bit of the exponential is.
-#ifndef LUMCV_TESTS_FILTER_GAUSSIAN_REFERENCE_HPP
-#define LUMCV_TESTS_FILTER_GAUSSIAN_REFERENCE_HPP
+#pragma once
 
 #include <lumcv/lumcv.h>
 
@@ -386,5 +385,3 @@ struct FormatName
 };
 
 }  // namespace lumcv::test::gaussian
-
-#endif

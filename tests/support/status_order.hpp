@@ -48,11 +48,18 @@ struct Output
 template <class Args>
 struct Violation
 {
+    /// Violations that this one cannot be made together with, because one undoes the other, are told by their names.
+    /// (A constructor, since g++ 12 does not survive a default member initializer here when a template makes the table.)
+    Violation(std::string violation, LumStatus itsStatus, std::function<void(Args&)> change,
+              std::vector<std::string> others = {})
+        : name(std::move(violation)), status(itsStatus), apply(std::move(change)), notWith(std::move(others))
+    {
+    }
+
     std::string name;
     LumStatus status;
     std::function<void(Args&)> apply;
-    /// Names of violations that this one cannot be made together with, because one undoes the other.
-    std::vector<std::string> notWith = {};
+    std::vector<std::string> notWith;
 };
 
 /// Tries the valid call, each violation, and each pair of violations in turn. In a pair the one that stands first in
