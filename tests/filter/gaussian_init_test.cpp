@@ -259,12 +259,6 @@ TEST(GaussianInitQuick, RecordsStandAnywhere)
     }
 }
 
-bool filterMode(LumiBorderType border)
-{
-    const int mode = border & 15;
-    return mode == lumBorderReplicate || mode == lumBorderMirror || mode == lumBorderConstant;
-}
-
 TEST(GaussianInitQuick, BordersThatAreAccepted)
 {
     for (LumiBorderType border = -2; border < 1024; ++border) {
@@ -273,18 +267,18 @@ TEST(GaussianInitQuick, BordersThatAreAccepted)
         const bool inRange = border >= 0 && border < 256;
 
         const PlacedBlock ordinary(recordBytes(Entry::Ordinary, p));
-        const bool valid = inRange && (border == lumBorderInMem || filterMode(border));
+        const bool valid = inRange && (border == lumBorderInMem || isFilterMode(border));
         ASSERT_EQ(layRecord(Entry::Ordinary, p, ordinary), valid ? lumOk : lumErrBorder) << "border " << border;
         if (valid) {
             EXPECT_EQ(readHeader(ordinary.data()).borderType, border);
         }
 
-        const bool allSides = (border & lumBorderInMem) == lumBorderInMem;
+        const bool allSides = allInMemory(border);
         if (allSides && !inRange) {
             continue;
         }
         const PlacedBlock large(recordBytes(Entry::Large, p));
-        const bool validLarge = inRange && (allSides || filterMode(border));
+        const bool validLarge = inRange && (allSides || isFilterMode(border));
         ASSERT_EQ(layRecord(Entry::Large, p, large), validLarge ? lumOk : lumErrBorder) << "border " << border;
         if (validLarge) {
             EXPECT_EQ(readHeader(large.data()).borderType, border);

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -195,6 +194,26 @@ T store(Lum32f value)
     }
 }
 
+// The sum of a pass, for many elements side by side: the centre first, then pair after pair from the inside out, each
+// pair added before it is weighted. elements(d) is the first of the elements at distance d.
+template <typename ElementsAt>
+void fold(const std::vector<Lum32f>& taps, ElementsAt elements, std::size_t count, Lum32f* sum)
+{
+    const int h = static_cast<int>(taps.size()) - 1;
+    const Lum32f* centre = elements(0);
+    for (std::size_t i = 0; i < count; ++i) {
+        sum[i] = taps[static_cast<std::size_t>(h)] * centre[i];
+    }
+    for (int d = 1; d <= h; ++d) {
+        const Lum32f tap = taps[static_cast<std::size_t>(h - d)];
+        const Lum32f* before = elements(-d);
+        const Lum32f* after = elements(d);
+        for (std::size_t i = 0; i < count; ++i) {
+            sum[i] = sum[i] + tap * (before[i] + after[i]);
+        }
+    }
+}
+
 // The filter. at(x, y, channel) gives a source pixel, also outside of the ROI on the sides that lie in memory.
 template <typename T, typename PixelAt>
 std::vector<T> filter(const std::vector<Lum32f>& taps, int width, int height, int channels, LumiBorderType border,
@@ -209,35 +228,27 @@ std::vector<T> filter(const std::vector<Lum32f>& taps, int width, int height, in
     const bool right = all || (border & lumBorderInMemRight) != 0;
     const auto elements = static_cast<std::size_t>(width) * static_cast<std::size_t>(channels);
 
-    // the weighted sum of what lies around position p of a row or column: the centre, then pair after pair
-    const auto fold = [&](auto&& element) {
-        Lum32f sum = taps[static_cast<std::size_t>(h)] * element(0);
-        for (int d = 1; d <= h; ++d) {
-            const Lum32f pair = element(-d) + element(d);
-            sum = sum + taps[static_cast<std::size_t>(h - d)] * pair;
+    // a source row with its two ends, and what the horizontal pass makes of it
+    std::vector<Lum32f> padded;
+    const auto filterRow = [&](int y, std::vector<Lum32f>& row) {
+        padded.clear();
+        for (int x = -h; x < width + h; ++x) {
+            const std::optional<int> index = sourceIndex(x, width, left, right, mode);
+            for (int c = 0; c < channels; ++c) {
+                padded.push_back(static_cast<Lum32f>(index ? at(*index, y, c) : borderValue[c]));
+            }
         }
-        return sum;
+        row.resize(elements);
+        fold(
+            taps, [&](int d) { return padded.data() + (h + d) * channels; }, elements, row.data());
     };
 
-    std::map<int, std::vector<Lum32f>> filteredRows;
-    const auto filteredRow = [&](int y) -> const std::vector<Lum32f>& {
-        const auto [found, isNew] = filteredRows.try_emplace(y);
-        if (!isNew) {
-            return found->second;
-        }
-        std::vector<Lum32f>& row = found->second;
-        row.resize(elements);
-        std::vector<Lum32f> padded(static_cast<std::size_t>(width + 2 * h));
-        for (int c = 0; c < channels; ++c) {
-            for (int x = -h; x < width + h; ++x) {
-                const std::optional<int> index = sourceIndex(x, width, left, right, mode);
-                padded[static_cast<std::size_t>(x + h)] =
-                    static_cast<Lum32f>(index ? at(*index, y, c) : borderValue[c]);
-            }
-            for (int x = 0; x < width; ++x) {
-                row[static_cast<std::size_t>(x * channels + c)] =
-                    fold([&](int d) { return padded[static_cast<std::size_t>(x + h + d)]; });
-            }
+    // rows that have passed the horizontal pass, by their index counted from the first row that may be read
+    std::vector<std::vector<Lum32f>> filteredRows(static_cast<std::size_t>(height + 2 * h));
+    const auto filteredRow = [&](int y) -> std::vector<Lum32f>& {
+        std::vector<Lum32f>& row = filteredRows[static_cast<std::size_t>(y + h)];
+        if (row.empty()) {
+            filterRow(y, row);
         }
         return row;
     };
@@ -252,17 +263,20 @@ std::vector<T> filter(const std::vector<Lum32f>& taps, int width, int height, in
     std::vector<T> result;
     result.reserve(elements * static_cast<std::size_t>(height));
     std::vector<const Lum32f*> rows(static_cast<std::size_t>(2 * h + 1));
+    std::vector<Lum32f> sum(elements);
     for (int y = 0; y < height; ++y) {
         for (int d = -h; d <= h; ++d) {
             const std::optional<int> index = sourceIndex(y + d, height, top, bottom, mode);
-            rows[static_cast<std::size_t>(d + h)] = index ? filteredRow(*index).data() : constantRow.data();
+            rows[static_cast<std::size_t>(h + d)] = index ? filteredRow(*index).data() : constantRow.data();
         }
-        for (std::size_t i = 0; i < elements; ++i) {
-            result.push_back(store<T>(fold([&](int d) { return rows[static_cast<std::size_t>(d + h)][i]; })));
+        fold(
+            taps, [&](int d) { return rows[static_cast<std::size_t>(h + d)]; }, elements, sum.data());
+        for (const Lum32f value : sum) {
+            result.push_back(store<T>(value));
         }
-        // a row in memory or at the reflected far end may be needed again, one that the window has left behind not
-        if (height > 4 * h + 4 && y > h) {
-            filteredRows.erase(y - h - 1);
+        // a row that the window has left behind gives its memory back; if a reflection needs it, it is made again
+        if (y > h) {
+            std::vector<Lum32f>().swap(filteredRows[static_cast<std::size_t>(y - 1)]);
         }
     }
     return result;

@@ -123,9 +123,9 @@ TEST(GaussianSizesQuick, KnownValues)
     EXPECT_EQ(buffer, 48 * 11 * 2 + 96 + 7 * 96 + (736 + 32) + (160 + 64 + 256 + 32) + 7 * 8 + 32);
     ASSERT_EQ(lumiFilterGaussianGetBufferSize({10, 2}, 5, lumType16s, 3, &spec, &buffer), lumOk);
     EXPECT_EQ(buffer, 48 * 11 * 2 + 96 + 7 * 96 + (296 + 32) + (496 + 32) + 7 * 8 + 32);
-    // a wide row with a small kernel: the ring is the larger of the two
+    // one wide row: m = 1, P = 100031 rounded to 100032
     ASSERT_EQ(lumiFilterGaussianGetBufferSize({100000, 1}, 31, lumType8u, 1, &spec, &buffer), lumOk);
-    EXPECT_EQ(buffer, 32 * 400000 + 372 + 64);
+    EXPECT_EQ(buffer, 100032 * 62 * 2 + 96 + 32 * 200064 + (1260 + 32) + (1200064 + 32) + 32 * 8 + 32);
 }
 
 TEST(GaussianSizesQuick, RecordFollowsItsFormula)
