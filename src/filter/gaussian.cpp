@@ -111,12 +111,23 @@ template <class T, class Across>
         dst, n, isLarge, [=](int64_t x, auto lanes) { return simd::roundTo<T>(across(x, lanes)); });
 }
 
+/// Rows of source and destination that will be wanted soon. The bands are too narrow for the processor to see them
+/// coming.
+template <class T>
+struct Upcoming
+{
+    const T* src;
+    const T* dst;
+};
+
 /// Both for each step, so that the loads of the one overlap with the arithmetic of the other.
 template <class T, class Along, class Across>
 [[gnu::flatten, gnu::noinline]] void foldThrough(Along along, Lum32f* slot, Across across, T* dst, int64_t n,
-                                                 bool isLarge)
+                                                 bool isLarge, Upcoming<T> upcoming)
 {
     storeRow<stepLanes<T, decltype(across.taps)>()>(dst, n, isLarge, [=](int64_t x, auto lanes) {
+        simd::prefetch<lanes>(upcoming.src + x);
+        simd::prefetch<lanes>(upcoming.dst + x);
         simd::store(slot + x, along(x, lanes));
         return simd::roundTo<T>(across(x, lanes));
     });
@@ -134,6 +145,9 @@ int64_t bandWidth(int64_t width, int64_t kernelSize, int channels)
     return (width + bands - 1) / bands;
 }
 
+/// How far ahead of its use a row is asked for.
+constexpr int64_t rowsAhead = 1;
+
 template <class T, int channels, class Taps>
 void filterBand(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, int64_t begin, int64_t end, Border border,
                 const T* borderValue, const Taps& taps, RowRing ring, Lum32f* line, bool isLarge)
@@ -141,6 +155,9 @@ void filterBand(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, int64_t beg
     const int64_t h = taps.count() - 1;
     const int64_t n = (end - begin) * channels;
     const RowFold<channels, Taps> along{taps, line + h * channels};
+    const auto ahead = [&](Plane<const T> image, int64_t y) {
+        return image.row(y + rowsAhead < roiSize.height ? y + rowsAhead : y) + begin * channels;
+    };
     walkRows(ring.slots, roiSize.height, h, border, [&](const RingStep& step) {
         Lum32f* const slot = ring.slot(step.slot);
         T* const out = dst.row(step.output) + begin * channels;
@@ -156,7 +173,8 @@ void filterBand(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, int64_t beg
         const ExtendedRow<T, channels> row{src.row(step.row), roiSize.width, border, borderValue};
         row.read(begin - h, end + h, line);
         if (step.output >= 0)
-            foldThrough(along, slot, across, out, n, isLarge);
+            foldThrough(along, slot, across, out, n, isLarge,
+                        {ahead(src, step.row), ahead(Plane<const T>{dst.pixels, dst.step}, step.output)});
         else
             foldIn<T>(along, slot, n);
     });

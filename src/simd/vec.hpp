@@ -187,6 +187,15 @@ template <class T, int N>
         static_assert(sizeof v.raw == 0, "no scalar goes past the caches");
 }
 
+/// Asks for the cache lines of N elements that will be wanted soon. It is a hint; p lies in an image all the same.
+template <int N, class T>
+[[gnu::always_inline]] inline void prefetch(const T* p)
+{
+    constexpr int line = 64 / static_cast<int>(sizeof(T));
+    for (int i = 0; i < N; i += line)
+        _mm_prefetch(reinterpret_cast<const char*>(p + i), _MM_HINT_T0);
+}
+
 /// Makes streamed stores visible in order.
 inline void fence()
 {
