@@ -67,12 +67,14 @@ template <typename S, typename D, typename K, typename Border, typename... Scale
 Call rowPass(Job& job,
              LumStatus (*function)(const S*, Lum32s, D* const*, LumiSize, const K*, Lum32s, Lum32s, LumiBorderType,
                                    Border, Scale...),
-             Query query, int kernelSize)
+             Query query, int kernelSize, int divisor = 0)
 {
     constexpr int channels = std::is_pointer_v<Border> ? 3 : 1;
     const auto source = job.source<S>(channels);
     D** const rows = rowPointers(job, job.destination<D>(channels));
-    const Kernel<K> kernel(job, kernelSize);
+    Kernel<K> kernel(job, kernelSize);
+    if (divisor != 0)
+        kernel.divisor = divisor;
     Lum8u* const buffer = scratch(job, query, kernelSize);
     Border border{};
     if constexpr (channels == 3)
@@ -171,5 +173,10 @@ const Rows rows{joined({
     columnPasses("lumiFilterColumnPipeline_Low_16s_C3R", lumiFilterColumnPipeline_Low_16s_C3R,
                  lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R, 3),
 })};
+
+const Rows withoutScale{{{"lumiFilterRowBorderPipeline_Low_16s_C1R", "5 unscaled", {}, [](Job& job) {
+                              return rowPass(job, lumiFilterRowBorderPipeline_Low_16s_C1R,
+                                             lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R, 5, 1);
+                          }}}};
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 namespace lumcv::bench {
 
@@ -32,8 +33,13 @@ double counter(const benchmark::BenchmarkReporter::Run& run, const char* name)
 
 }  // namespace
 
-bool TableReporter::ReportContext(const Context&)
+bool TableReporter::ReportContext(const Context& context)
 {
+    // others slow the copies of memory more than the arithmetic between them, so that multiples come out too small
+    const std::vector<double>& load = context.cpu_info.load_avg;
+    if (!load.empty() && load[0] > 0.6 * context.cpu_info.num_cpus)
+        std::fprintf(stderr, "warning: load %.1f on %d processors; the multiples of a busy machine mislead\n", load[0],
+                     context.cpu_info.num_cpus);
     std::printf("%-48s %-12s %-10s %11s %8s %6s %6s %6s\n", "function (build " LUMCV_LEVEL ")", "variant", "size",
                 "time", "copies", "+-", "peer", "goal");
     return true;
