@@ -128,7 +128,7 @@ void writePage(const std::filesystem::path& path, const std::string& sourceName,
         << "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
         << "<title>lumcv gallery</title>\n<style>" << style << "</style>\n</head>\n<body>\n"
         << "<h1>lumcv gallery</h1>\n<p>Every picture was made of " << escaped(sourceName)
-        << " by the calls shown below it, on one thread, with " << escaped(version->Name) << " "
+        << " by the calls shown below it, in the processor time told there, with " << escaped(version->Name) << " "
         << escaped(version->Version)
         << ". A click on a picture shows it in full size, one on a name the whole call.</p>\n";
 
