@@ -54,6 +54,11 @@ testing::AssertionResult sameImage(const Image<T>& expected, const Image<T>& act
     for (int y = 0; y < expected.height(); ++y) {
         const T* const expectedRow = expected.row(y);
         const T* const actualRow = actual.row(y);
+        const auto elements =
+            static_cast<std::size_t>(expected.width()) * static_cast<std::size_t>(expected.channels());
+        if (std::memcmp(expectedRow, actualRow, elements * sizeof(T)) == 0) {
+            continue;
+        }
         for (int i = 0; i < expected.width() * expected.channels(); ++i) {
             if (!sameElement(expectedRow[i], actualRow[i]) && ++different == 1) {
                 std::ostringstream text;
