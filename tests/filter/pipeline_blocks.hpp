@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstddef>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -129,5 +131,15 @@ int drawDivisor(const std::vector<Kernel>& kernel, Random& random)
     }
     return static_cast<int>(std::min(magnitude, 1e6)) * (random.oneIn(4) ? -1 : 1);
 }
+
+// What a typed test calls a variant.
+struct VariantName
+{
+    template <typename V>
+    static std::string GetName(int)
+    {
+        return V::name;
+    }
+};
 
 }  // namespace lumcv::test
