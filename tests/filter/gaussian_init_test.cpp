@@ -329,33 +329,40 @@ void expectInitOrder(Entry entry)
     p.channels = 3;
     const PlacedBlock spec(recordBytes(entry, p));
     const PlacedBlock buffer(scratchBytes(entry, p));
-    expectStatusOrder(Args(spec, buffer),
-                      {
-                          {"pSpec null", lumErrNullPointer, [](Args& a) { a.pSpec = nullptr; }},
-                          {"pBuffer null", lumErrNullPointer, [](Args& a) { a.pBuffer = nullptr; }},
-                          {"width 0", lumErrSize, [](Args& a) { a.roiSize.width = 0; }},
-                          {"height 0", lumErrSize, [](Args& a) { a.roiSize.height = 0; }},
-                          {"width negative", lumErrSize, [](Args& a) { a.roiSize.width = -1; }},
-                          {"height negative", lumErrSize, [](Args& a) { a.roiSize.height = -0x7fffffff; }},
-                          {"kernel 1", lumErrArgument, [](Args& a) { a.kernelSize = 1; }},
-                          {"kernel 2", lumErrArgument, [](Args& a) { a.kernelSize = 2; }},
-                          {"kernel 4", lumErrArgument, [](Args& a) { a.kernelSize = 4; }},
-                          {"kernel negative", lumErrArgument, [](Args& a) { a.kernelSize = -3; }},
-                          {"type 0", lumErrDataType, [](Args& a) { a.dataType = 0; }},
-                          {"type 64f", lumErrDataType, [](Args& a) { a.dataType = lumType64f; }},
-                          {"no channel", lumErrValue, [](Args& a) { a.numChannels = 0; }},
-                          {"two channels", lumErrValue, [](Args& a) { a.numChannels = 2; }},
-                          {"four channels", lumErrValue, [](Args& a) { a.numChannels = 4; }},
-                          {"sigma 0", lumErrArgument, [](Args& a) { a.sigma = 0.0f; }},
-                          {"sigma -0", lumErrArgument, [](Args& a) { a.sigma = -0.0f; }},
-                          {"sigma negative", lumErrArgument, [](Args& a) { a.sigma = -1.0f; }},
-                          {"sigma not-a-number", lumErrArgument, [](Args& a) { a.sigma = Limits::quiet_NaN(); }},
-                          {"sigma negative infinite", lumErrArgument, [](Args& a) { a.sigma = -Limits::infinity(); }},
-                          {"border 0", lumErrBorder, [](Args& a) { a.borderType = 0; }},
-                          {"border 2", lumErrBorder, [](Args& a) { a.borderType = 2; }},
-                          {"border neutral", lumErrBorder, [](Args& a) { a.borderType = lumBorderNeutral; }},
-                          {"border 256", lumErrBorder, [](Args& a) { a.borderType = 256 | lumBorderReplicate; }},
-                      });
+    std::vector<Violation<Args>> order = {
+        {"pSpec null", lumErrNullPointer, [](Args& a) { a.pSpec = nullptr; }},
+        {"pBuffer null", lumErrNullPointer, [](Args& a) { a.pBuffer = nullptr; }},
+        {"width 0", lumErrSize, [](Args& a) { a.roiSize.width = 0; }},
+        {"height 0", lumErrSize, [](Args& a) { a.roiSize.height = 0; }},
+        {"width negative", lumErrSize, [](Args& a) { a.roiSize.width = -1; }},
+        {"height negative", lumErrSize, [](Args& a) { a.roiSize.height = -0x7fffffff; }},
+    };
+    if constexpr (std::is_same_v<Size, LumiSizeL>) {
+        order.push_back({"width too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.width = Lum64s{1} << 31; }});
+        order.push_back({"height too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.height = Lum64s{1} << 31; }});
+    }
+    const std::vector<Violation<Args>> parameterOrder = {
+        {"kernel 1", lumErrArgument, [](Args& a) { a.kernelSize = 1; }},
+        {"kernel 2", lumErrArgument, [](Args& a) { a.kernelSize = 2; }},
+        {"kernel 4", lumErrArgument, [](Args& a) { a.kernelSize = 4; }},
+        {"kernel negative", lumErrArgument, [](Args& a) { a.kernelSize = -3; }},
+        {"type 0", lumErrDataType, [](Args& a) { a.dataType = 0; }},
+        {"type 64f", lumErrDataType, [](Args& a) { a.dataType = lumType64f; }},
+        {"no channel", lumErrValue, [](Args& a) { a.numChannels = 0; }},
+        {"two channels", lumErrValue, [](Args& a) { a.numChannels = 2; }},
+        {"four channels", lumErrValue, [](Args& a) { a.numChannels = 4; }},
+        {"sigma 0", lumErrArgument, [](Args& a) { a.sigma = 0.0f; }},
+        {"sigma -0", lumErrArgument, [](Args& a) { a.sigma = -0.0f; }},
+        {"sigma negative", lumErrArgument, [](Args& a) { a.sigma = -1.0f; }},
+        {"sigma not-a-number", lumErrArgument, [](Args& a) { a.sigma = Limits::quiet_NaN(); }},
+        {"sigma negative infinite", lumErrArgument, [](Args& a) { a.sigma = -Limits::infinity(); }},
+        {"border 0", lumErrBorder, [](Args& a) { a.borderType = 0; }},
+        {"border 2", lumErrBorder, [](Args& a) { a.borderType = 2; }},
+        {"border neutral", lumErrBorder, [](Args& a) { a.borderType = lumBorderNeutral; }},
+        {"border 256", lumErrBorder, [](Args& a) { a.borderType = 256 | lumBorderReplicate; }},
+    };
+    order.insert(order.end(), parameterOrder.begin(), parameterOrder.end());
+    expectStatusOrder(Args(spec, buffer), order);
 }
 
 TEST(GaussianInitQuick, ChecksInOrder)

@@ -422,6 +422,8 @@ TEST(GaussianSizesQuick, BufferSizeLChecksInOrder)
             {"height 0", lumErrSize, [](Args& a) { a.roiSize.height = 0; }},
             {"width negative", lumErrSize, [](Args& a) { a.roiSize.width = std::numeric_limits<Lum64s>::min(); }},
             {"height negative", lumErrSize, [](Args& a) { a.roiSize.height = -1; }},
+            {"width too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.width = Lum64s{1} << 31; }},
+            {"height too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.height = Lum64s{1} << 31; }},
             {"kernel 1", lumErrArgument, [](Args& a) { a.kernelSize = 1; }},
             {"kernel 2", lumErrArgument, [](Args& a) { a.kernelSize = 2; }},
             {"kernel 4", lumErrArgument, [](Args& a) { a.kernelSize = 4; }},
@@ -434,6 +436,10 @@ TEST(GaussianSizesQuick, BufferSizeLChecksInOrder)
             {"border 0", lumErrBorder, [](Args& a) { a.borderType = 0; }},
             {"border neutral", lumErrBorder, [](Args& a) { a.borderType = lumBorderNeutral; }},
             {"border 256", lumErrBorder, [](Args& a) { a.borderType = 256 | lumBorderReplicate; }},
+            {"sum too large",
+             lumErrSizeTooLarge,
+             [](Args& a) { a.roiSize.width = 0x7fffffff; },
+             {"width 0", "width negative"}},
         });
 }
 

@@ -16,6 +16,7 @@ TYPED_TEST_SUITE(GaussianStatusQuick, AllFormats, FormatName);
 
 constexpr Lum64s kWidth = 10;
 constexpr Lum64s kHeight = 8;
+constexpr Lum64s kTooLarge = Lum64s{1} << 31;
 
 /// The images and blocks of a valid call.
 template <class Format>
@@ -125,6 +126,14 @@ std::vector<Violation<ApplyArgs<Format>>> applyOrder(Apply way)
         {"pDst null", lumErrNullPointer, [](Args& a) { a.pDst = nullptr; }},
         {"pSpec null", lumErrNullPointer, [](Args& a) { a.pSpec = nullptr; }},
         {"pBuffer null", lumErrNullPointer, [](Args& a) { a.pBuffer = nullptr; }},
+    };
+    if (way == Apply::Large) {
+        order.push_back({"width too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.width = kTooLarge; }});
+        order.push_back({"height too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.height = kTooLarge; }});
+        order.push_back({"srcStep too large", lumErrSizeTooLarge, [](Args& a) { a.srcStep = kTooLarge; }});
+        order.push_back({"dstStep too large", lumErrSizeTooLarge, [](Args& a) { a.dstStep = kTooLarge; }});
+    }
+    const std::vector<Violation<Args>> geometryOrder = {
         {"srcStep 0", lumErrStep, [](Args& a) { a.srcStep = 0; }},
         {"dstStep 0", lumErrStep, [](Args& a) { a.dstStep = 0; }},
         {"srcStep negative", lumErrStep, [](Args& a) { a.srcStep = -a.srcStep; }},
@@ -139,6 +148,7 @@ std::vector<Violation<ApplyArgs<Format>>> applyOrder(Apply way)
         {"border 256 and all sides", lumErrBorder, [](Args& a) { a.border = 256 | lumBorderInMem; }},
         {"border negative", lumErrBorder, [](Args& a) { a.border = -15; }},
     };
+    order.insert(order.end(), geometryOrder.begin(), geometryOrder.end());
     if (way != Apply::BorderFromRecord || Format::channels == 3) {
         order.push_back({"constant without a value", lumErrNullPointer, [](Args& a) {
                              a.border = lumBorderConstant | lumBorderInMemLeft;
@@ -244,7 +254,6 @@ TYPED_TEST(GaussianStatusQuick, EveryBorderValue)
 TYPED_TEST(GaussianStatusQuick, LargeGeometryIsRefused)
 {
     using Args = ApplyArgs<TypeParam>;
-    constexpr Lum64s tooLarge = Lum64s{0x7fffffff} + 1;
     Operands<TypeParam> operands(Apply::Large);
     const auto expectRefused = [&](const char* what, auto change) {
         Args args(operands);
@@ -254,7 +263,7 @@ TYPED_TEST(GaussianStatusQuick, LargeGeometryIsRefused)
         EXPECT_EQ(args.call(), lumErrNullPointer) << what;
     };
     Operands<TypeParam> untouched(Apply::Large);
-    for (const Lum64s value : {tooLarge, Lum64s{1} << 40, std::numeric_limits<Lum64s>::max()}) {
+    for (const Lum64s value : {kTooLarge, Lum64s{1} << 40, std::numeric_limits<Lum64s>::max()}) {
         expectRefused("width", [&](Args& a) {
             a.roiSize.width = value;
             a.srcStep = value;

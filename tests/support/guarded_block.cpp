@@ -4,11 +4,44 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <utility>
+#include <vector>
 
 namespace lumcv::test {
+
+// The pattern repeats after this many bytes; whole stretches of it are copied and compared.
+constexpr std::size_t kPatternPeriod = 65536;
+static_assert(patternByte(12345) == patternByte(12345 + kPatternPeriod));
+
+static const unsigned char* pattern()
+{
+    static const std::vector<unsigned char> bytes = [] {
+        std::vector<unsigned char> result(kPatternPeriod);
+        for (std::size_t i = 0; i < kPatternPeriod; ++i) {
+            result[i] = patternByte(i);
+        }
+        return result;
+    }();
+    return bytes.data();
+}
+
+// Calls f(offset, expected bytes, count) for the stretches of [begin, end) until one gives false.
+template <class F>
+static bool forEachStretch(std::size_t begin, std::size_t end, F f)
+{
+    while (begin < end) {
+        const std::size_t phase = begin % kPatternPeriod;
+        const std::size_t count = std::min(end - begin, kPatternPeriod - phase);
+        if (!f(begin, pattern() + phase, count)) {
+            return false;
+        }
+        begin += count;
+    }
+    return true;
+}
 
 static std::size_t pageSize()
 {
@@ -46,9 +79,10 @@ GuardedBlock::GuardedBlock(std::size_t bytes, Guard guard) : bytes_(bytes), guar
         throw std::bad_alloc();
     }
     data_ = first + blockBegin();
-    for (std::size_t i = 0; i < readable; ++i) {
-        first[i] = patternByte(i);
-    }
+    forEachStretch(0, readable, [&](std::size_t offset, const unsigned char* expected, std::size_t count) {
+        std::memcpy(first + offset, expected, count);
+        return true;
+    });
 }
 
 GuardedBlock::GuardedBlock(const GuardedBlock& other) : GuardedBlock(other.bytes_, other.guard_)
@@ -84,6 +118,12 @@ testing::AssertionResult GuardedBlock::slackIntact() const
 {
     const unsigned char* const first = mapping_ + pageSize();
     const std::size_t readable = readableBytes(bytes_);
+    const auto same = [&](std::size_t offset, const unsigned char* expected, std::size_t count) {
+        return std::memcmp(first + offset, expected, count) == 0;
+    };
+    if (forEachStretch(0, blockBegin(), same) && forEachStretch(blockBegin() + bytes_, readable, same)) {
+        return testing::AssertionSuccess();
+    }
     for (std::size_t i = 0; i < readable; ++i) {
         const bool inBlock = i >= blockBegin() && i < blockBegin() + bytes_;
         if (!inBlock && first[i] != patternByte(i)) {
