@@ -450,7 +450,7 @@ std::vector<typename V::Destination> filterFlatRows(const std::vector<typename V
 }
 
 // A case with everything that is not told drawn from the number.
-inline ColumnCase drawnCase(int number)
+inline ColumnCase drawnColumnCase(int number)
 {
     Random random(static_cast<std::uint64_t>(number) + 99);
     ColumnCase c;

@@ -50,7 +50,7 @@ TYPED_TEST(ColumnPipelineQuick, MatchesReference)
     int number = 0;
     for (const int width : {1, 4, 15, 16, 33, 67}) {
         for (const int kernelSize : {1, 2, 3, 5, 8, 17}) {
-            ColumnCase c = drawnCase(number++);
+            ColumnCase c = drawnColumnCase(number++);
             c.width = width;
             c.kernelSize = kernelSize;
             ASSERT_TRUE(matchesReference<TypeParam>(c));
@@ -68,7 +68,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOverWidthsAndKernels)
         for (const int kernelSize : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 31, 33, 64}) {
             const int repetitions = kernelSize <= 9 ? 4 : 1;
             for (int i = 0; i < repetitions; ++i) {
-                ColumnCase c = drawnCase(number++);
+                ColumnCase c = drawnColumnCase(number++);
                 c.width = width;
                 c.kernelSize = kernelSize;
                 ASSERT_TRUE(matchesReference<TypeParam>(c));
@@ -85,7 +85,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOverDivisorsAndCoefficients)
         for (const int kernelSize : {1, 3, 4, 5, 9, 20}) {
             for (const auto coefficients : {Coefficients::Small, Coefficients::Medium, Coefficients::Full}) {
                 for (const bool symmetric : {false, true}) {
-                    ColumnCase c = drawnCase(number++);
+                    ColumnCase c = drawnColumnCase(number++);
                     c.width = 93;
                     c.kernelSize = kernelSize;
                     c.divisor = divisor;
@@ -103,7 +103,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceWhereEverythingIsAligned)
     int number = 0;
     for (const int width : {16, 32, 48, 64, 65, 79, 128, 160, 320}) {
         for (const int kernelSize : {1, 2, 3, 4, 5, 7, 8, 11}) {
-            ColumnCase c = drawnCase(number++);
+            ColumnCase c = drawnColumnCase(number++);
             c.width = width;
             c.height = 4;
             c.kernelSize = kernelSize;
@@ -118,7 +118,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOnTallAndWideImages)
 {
     int number = 0;
     for (const int kernelSize : {1, 3, 5, 7, 24}) {
-        ColumnCase c = drawnCase(number++);
+        ColumnCase c = drawnColumnCase(number++);
         c.kernelSize = kernelSize;
         c.width = 5003;
         ASSERT_TRUE(matchesReference<TypeParam>(c));
@@ -133,7 +133,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOnLargeImages)
 {
     const ReportedCacheSize reported(0, 0x10000);
     for (const int kernelSize : {3, 4, 5}) {
-        ColumnCase c = drawnCase(kernelSize);
+        ColumnCase c = drawnColumnCase(kernelSize);
         c.kernelSize = kernelSize;
         c.width = 4111;
         c.height = 131;
@@ -141,7 +141,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOnLargeImages)
         c.placement = kernelSize == 4 ? Placement::PageBefore : Placement::PageAfter;
         ASSERT_TRUE(matchesReference<TypeParam>(c));
     }
-    ColumnCase c = drawnCase(5);
+    ColumnCase c = drawnColumnCase(5);
     c.kernelSize = 3;
     c.width = 4096;
     c.height = 260;
@@ -156,7 +156,7 @@ TYPED_TEST(ColumnPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
         for (const Placement placement : {Placement::PageAfter, Placement::PageBefore}) {
             for (const int kernelSize : {1, 2, 3, 5, 17}) {
                 for (const int width : {1, 8, 40}) {
-                    ColumnCase c = drawnCase(offset);
+                    ColumnCase c = drawnColumnCase(offset);
                     c.width = width;
                     c.kernelSize = kernelSize;
                     c.placement = placement;
@@ -173,7 +173,7 @@ TYPED_TEST(ColumnPipeline, ThousandTapsOverNarrowRows)
 {
     for (const int width : {1, 2, 15, 16, 17}) {
         for (const int scratchOffset : {0, 63}) {
-            ColumnCase c = drawnCase(width);
+            ColumnCase c = drawnColumnCase(width);
             c.width = width;
             c.kernelSize = 1000;
             c.scratchOffset = scratchOffset;
@@ -187,7 +187,7 @@ TYPED_TEST(ColumnPipeline, ThousandTapsOverNarrowRows)
 TYPED_TEST(ColumnPipelineQuick, RowsMayRepeat)
 {
     for (const int kernelSize : {3, 4, 5, 9}) {
-        ColumnCase c = drawnCase(kernelSize);
+        ColumnCase c = drawnColumnCase(kernelSize);
         c.width = 37;
         c.height = 6;
         c.kernelSize = kernelSize;

@@ -434,7 +434,7 @@ inline const std::vector<LumiBorderType> borderTypes = {
 };
 
 // A case with everything that is not told drawn from the number.
-inline RowCase drawnCase(int number)
+inline RowCase drawnRowCase(int number)
 {
     Random random(static_cast<std::uint64_t>(number) + 77);
     RowCase c;

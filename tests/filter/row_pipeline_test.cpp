@@ -47,7 +47,7 @@ TYPED_TEST(RowPipelineQuick, MatchesReference)
     int number = 0;
     for (const int width : {1, 4, 16, 33, 65}) {
         for (const int kernelSize : {1, 2, 3, 5, 8, 33}) {
-            RowCase c = drawnCase(number++);
+            RowCase c = drawnRowCase(number++);
             c.width = width;
             c.kernelSize = kernelSize;
             c.xAnchor = kernelSize / 2;
@@ -70,7 +70,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOverWidthsAndKernels)
         }
         for (const int kernelSize : kernelSizes) {
             for (const int xAnchor : {0, kernelSize / 2, kernelSize - 1}) {
-                RowCase c = drawnCase(number++);
+                RowCase c = drawnRowCase(number++);
                 c.width = width;
                 c.kernelSize = kernelSize;
                 c.xAnchor = xAnchor;
@@ -88,7 +88,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOverBordersAndAnchors)
             const int anchorStep = kernelSize > 9 ? 11 : 1;
             for (int xAnchor = 0; xAnchor < kernelSize; xAnchor += anchorStep) {
                 for (const LumiBorderType borderType : borderTypes) {
-                    RowCase c = drawnCase(number++);
+                    RowCase c = drawnRowCase(number++);
                     c.height = 1;
                     c.width = width;
                     c.kernelSize = kernelSize;
@@ -109,7 +109,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOverDivisorsAndCoefficients)
         for (const int kernelSize : {1, 3, 4, 5, 9, 20}) {
             for (const auto coefficients : {Coefficients::Small, Coefficients::Medium, Coefficients::Full}) {
                 for (const bool symmetric : {false, true}) {
-                    RowCase c = drawnCase(number++);
+                    RowCase c = drawnRowCase(number++);
                     c.width = 70;
                     c.kernelSize = kernelSize;
                     c.xAnchor = kernelSize / 2;
@@ -127,7 +127,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOnLongRowsAndManyRows)
 {
     int number = 0;
     for (const int kernelSize : {1, 3, 5, 7, 24}) {
-        RowCase c = drawnCase(number++);
+        RowCase c = drawnRowCase(number++);
         c.kernelSize = kernelSize;
         c.xAnchor = kernelSize - 1;
         c.width = 5003;
@@ -144,7 +144,7 @@ TYPED_TEST(RowPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
         for (const Placement placement : {Placement::PageAfter, Placement::PageBefore}) {
             for (const int kernelSize : {1, 2, 3, 5, 17}) {
                 for (const int width : {1, 40}) {
-                    RowCase c = drawnCase(offset);
+                    RowCase c = drawnRowCase(offset);
                     c.width = width;
                     c.kernelSize = kernelSize;
                     c.xAnchor = offset % kernelSize;
@@ -162,7 +162,7 @@ TYPED_TEST(RowPipeline, LongKernelOnNarrowRow)
     for (const int width : {1, 2, 7, 33}) {
         for (const LumiBorderType borderType : borderTypes) {
             for (const int xAnchor : {150, 999}) {
-                RowCase c = drawnCase(width);
+                RowCase c = drawnRowCase(width);
                 c.width = width;
                 c.kernelSize = 1000;
                 c.xAnchor = xAnchor;
@@ -364,7 +364,7 @@ TYPED_TEST(LowRowPipeline, SymmetricFiveTapsOnBothSidesOfTheLargeImage)
     int number = 0;
     for (const LumiSize size : sizes) {
         for (const auto coefficients : {Coefficients::Small, Coefficients::Full}) {
-            RowCase c = drawnCase(number);
+            RowCase c = drawnRowCase(number);
             c.placement = static_cast<Placement>(number++ % 3);
             c.width = size.width;
             c.height = size.height;
