@@ -42,7 +42,7 @@ struct AnyTaps
 template <class T, class Taps>
 constexpr int stepLanes()
 {
-    constexpr int sums = (Taps::isFixed ? 2 : 4) * simd::registerLanes<Lum32f>;
+    constexpr int sums = (Taps::isFixed ? 2 : 8) * simd::registerLanes<Lum32f>;
     return simd::registerLanes<T> > sums ? simd::registerLanes<T> : sums;
 }
 

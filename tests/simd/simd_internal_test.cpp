@@ -1,0 +1,345 @@
+// The vector types against plain loops over their lanes, for every lane count that a kernel uses and every kind of
+// vector: scalars, single registers and pairs.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cfenv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "simd/simd.hpp"
+#include "support/guarded_block.hpp"
+#include "support/random.hpp"
+
+namespace lumcv::test {
+namespace {
+
+using simd::Vec;
+
+template <class T, int N>
+using Lanes = std::array<T, N>;
+
+template <int N, class T>
+Vec<T, N> vectorOf(const Lanes<T, N>& lanes)
+{
+    return simd::load<N>(lanes.data());
+}
+
+template <class T, int N>
+Lanes<T, N> lanesOf(Vec<T, N> v)
+{
+    Lanes<T, N> lanes;
+    simd::store(lanes.data(), v);
+    return lanes;
+}
+
+/// Values of every magnitude, the ends of the type among them; floats that are not finite, too.
+template <class T, int N>
+Lanes<T, N> drawn(unsigned seed)
+{
+    Random random(seed + 1);
+    Lanes<T, N> lanes;
+    for (T& lane : lanes)
+        lane = random.value<T>(std::is_floating_point_v<T> ? Values::NonFinite : Values::Extreme);
+    return lanes;
+}
+
+template <class T>
+bool same(T a, T b)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        if (std::isnan(a) && std::isnan(b))
+            return true;
+    }
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+/// Holds each lane of `got` against expected(i).
+template <class T, int N, class Expected>
+void expectLanes(Vec<T, N> got, Expected expected)
+{
+    const auto lanes = lanesOf<T, N>(got);
+    for (int i = 0; i < N; ++i) {
+        const T want = expected(i);
+        ASSERT_TRUE(same(lanes[i], want))
+            << "lane " << i << " of " << N << ": got " << +lanes[i] << ", expected " << +want;
+    }
+}
+
+constexpr unsigned draws = 50;
+
+/// Calls check(T{}, Lanes<N>) for the lane counts of kernels: 1, 16 and whole multiples of it.
+template <class T, class Check>
+void forLaneCounts(Check check)
+{
+    check(T{}, simd::Lanes<1>{});
+    check(T{}, simd::Lanes<16>{});
+    check(T{}, simd::Lanes<32>{});
+    check(T{}, simd::Lanes<64>{});
+    if constexpr (sizeof(T) == 4) {
+        check(T{}, simd::Lanes<4>{});
+        check(T{}, simd::Lanes<8>{});
+    }
+}
+
+template <class Check>
+void forIntegers(Check check)
+{
+    forLaneCounts<Lum8u>(check);
+    forLaneCounts<Lum16u>(check);
+    forLaneCounts<Lum16s>(check);
+    forLaneCounts<Lum32s>(check);
+}
+
+TEST(Simd, IntegersWrapAround)
+{
+    forIntegers([]<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed), b = drawn<T, N>(seed + 1000);
+            const auto va = vectorOf<N>(a), vb = vectorOf<N>(b);
+            const auto wide = [](T x) { return static_cast<Lum32u>(x); };
+            expectLanes<T, N>(va + vb, [&](int i) { return static_cast<T>(wide(a[i]) + wide(b[i])); });
+            expectLanes<T, N>(va - vb, [&](int i) { return static_cast<T>(wide(a[i]) - wide(b[i])); });
+            expectLanes<T, N>(va * vb, [&](int i) { return static_cast<T>(wide(a[i]) * wide(b[i])); });
+            expectLanes<T, N>(va | vb, [&](int i) { return static_cast<T>(wide(a[i]) | wide(b[i])); });
+        }
+    });
+}
+
+TEST(Simd, SignedShiftsKeepTheSign)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) {
+        for (int places = 0; places < 8 * static_cast<int>(sizeof(T)); ++places) {
+            const auto a = drawn<T, N>(places);
+            expectLanes<T, N>(vectorOf<N>(a) >> places, [&](int i) {
+                return static_cast<T>(std::floor(static_cast<double>(a[i]) / std::ldexp(1.0, places)));
+            });
+        }
+    };
+    forLaneCounts<Lum16s>(check);
+    forLaneCounts<Lum32s>(check);
+}
+
+TEST(Simd, FloatsRoundEachOperation)
+{
+    forLaneCounts<Lum32f>([]<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed), b = drawn<T, N>(seed + 1000), c = drawn<T, N>(seed + 2000);
+            const auto va = vectorOf<N>(a), vb = vectorOf<N>(b), vc = vectorOf<N>(c);
+            expectLanes<T, N>(va * vb + vc, [&](int i) {
+                volatile T product = a[i] * b[i];
+                return product + c[i];
+            });
+            expectLanes<T, N>(va - vb, [&](int i) { return a[i] - b[i]; });
+            expectLanes<T, N>(simd::min(va, vb), [&](int i) { return a[i] < b[i] ? a[i] : b[i]; });
+            expectLanes<T, N>(simd::max(va, vb), [&](int i) { return a[i] > b[i] ? a[i] : b[i]; });
+            expectLanes<T, N>(simd::absoluteDifference(va, vb), [&](int i) { return std::fabs(a[i] - b[i]); });
+            const auto signs = lanesOf<T, N>(simd::magnitude(va));
+            for (int i = 0; i < N; ++i)
+                ASSERT_FALSE(std::signbit(signs[i])) << "lane " << i;
+        }
+    });
+}
+
+TEST(Simd, BroadcastFillsEveryLaneAndKeepsNegativeZero)
+{
+    forIntegers([]<class T, int N>(T, simd::Lanes<N>) {
+        for (const T value : {T(0), T(7), T(-1)})
+            expectLanes<T, N>(simd::broadcast<N>(value), [&](int) { return value; });
+    });
+    forLaneCounts<Lum32f>([]<class T, int N>(T, simd::Lanes<N>) {
+        for (const T value : {0.0f, -0.0f, 3.25f, std::numeric_limits<T>::infinity()})
+            expectLanes<T, N>(simd::broadcast<N>(value), [&](int) { return value; });
+    });
+}
+
+TEST(Simd, LoadsAndStoresStayWithinTheirElementsAtAnyAddress)
+{
+    forIntegers([]<class T, int N>(T, simd::Lanes<N>) {
+        const auto a = drawn<T, N>(N);
+        for (const Guard guard : {Guard::After, Guard::Before}) {
+            GuardedBlock block(N * sizeof(T), guard);
+            auto* const p = reinterpret_cast<T*>(block.data());
+            std::memcpy(block.data(), a.data(), N * sizeof(T));
+            expectLanes<T, N>(simd::load<N>(p), [&](int i) { return a[i]; });
+            std::memset(block.data(), 0, N * sizeof(T));
+            simd::store(p, vectorOf<N>(a));
+            EXPECT_EQ(std::memcmp(block.data(), a.data(), N * sizeof(T)), 0);
+        }
+        std::vector<Lum8u> bytes(N * sizeof(T) + 64);
+        for (std::size_t offset = 0; offset < 64; ++offset) {
+            simd::store(reinterpret_cast<T*>(bytes.data() + offset), vectorOf<N>(a));
+            EXPECT_EQ(std::memcmp(bytes.data() + offset, a.data(), N * sizeof(T)), 0) << "offset " << offset;
+        }
+    });
+}
+
+TEST(Simd, StreamedStoresArriveAfterTheFence)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) {
+        if constexpr (N > 1) {
+            alignas(64) std::array<T, N> to{};
+            const auto a = drawn<T, N>(N);
+            simd::stream(to.data(), vectorOf<N>(a));
+            simd::fence();
+            EXPECT_EQ(std::memcmp(to.data(), a.data(), sizeof a), 0);
+        }
+    };
+    forIntegers(check);
+    forLaneCounts<Lum32f>(check);
+}
+
+TEST(Simd, UnsignedDifferencesSaturateAndAreExact)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed), b = drawn<T, N>(seed + 1000);
+            const auto va = vectorOf<N>(a), vb = vectorOf<N>(b);
+            expectLanes<T, N>(simd::subtractSaturated(va, vb),
+                              [&](int i) { return static_cast<T>(a[i] > b[i] ? a[i] - b[i] : 0); });
+            expectLanes<T, N>(simd::absoluteDifference(va, vb),
+                              [&](int i) { return static_cast<T>(std::abs(a[i] - b[i])); });
+        }
+    };
+    forLaneCounts<Lum8u>(check);
+    forLaneCounts<Lum16u>(check);
+}
+
+TEST(Simd, MaskBytesKeepOrClear)
+{
+    forLaneCounts<Lum32f>([]<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            auto mask = drawn<Lum8u, N>(seed);
+            for (int i = 0; i < N; ++i)
+                mask[i] = (mask[i] & 3) == 0 ? 0 : mask[i];
+            GuardedBlock block(N, Guard::After);  // no mask byte beyond the last lane may be read
+            std::memcpy(block.data(), mask.data(), N);
+            const auto v = drawn<T, N>(seed + 1000);
+            expectLanes<T, N>(simd::keepWhere(block.data(), vectorOf<N>(v)),
+                              [&](int i) { return mask[i] ? v[i] : 0.0f; });
+        }
+    });
+}
+
+template <class T>
+void expectConversions()
+{
+    forLaneCounts<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed);
+            GuardedBlock block(sizeof a, Guard::After);
+            std::memcpy(block.data(), a.data(), sizeof a);
+            expectLanes<Lum32f, N>(simd::loadFloat<N>(reinterpret_cast<const T*>(block.data())),
+                                   [&](int i) { return static_cast<Lum32f>(a[i]); });
+        }
+    });
+}
+
+TEST(Simd, IntegersBecomeFloatsExactly)
+{
+    expectConversions<Lum8u>();
+    expectConversions<Lum16u>();
+    expectConversions<Lum16s>();
+}
+
+/// Nearest integer, ties to even, within T.
+template <class T>
+T rounded(Lum32f value)
+{
+    const double nearest = std::nearbyint(static_cast<double>(value));
+    constexpr auto lowest = static_cast<double>(std::numeric_limits<T>::min());
+    constexpr auto highest = static_cast<double>(std::numeric_limits<T>::max());
+    return static_cast<T>(nearest < lowest ? lowest : nearest > highest ? highest : nearest);
+}
+
+template <class T>
+void expectRounding()
+{
+    const auto check = []<int N>(Lum32f, simd::Lanes<N>) {
+        if constexpr (N == 1 || N * sizeof(T) >= 16) {
+            for (int base = -140000; base < 140000; base += 3 * N + 1) {
+                Lanes<Lum32f, N> a;
+                for (int i = 0; i < N; ++i)
+                    a[i] = static_cast<Lum32f>(base + i) * 0.5f + (i % 5 == 0 ? 0.25f : 0.0f);
+                expectLanes<T, N>(simd::roundTo<T>(vectorOf<N>(a)), [&](int i) { return rounded<T>(a[i]); });
+            }
+            for (const Lum32f value : {2147483520.0f, -2147483648.0f, 1e9f, -1e9f, 255.5f, 254.5f, -0.5f, 0.5f, 1.5f})
+                expectLanes<T, N>(simd::roundTo<T>(simd::broadcast<N>(value)), [&](int) { return rounded<T>(value); });
+        }
+    };
+    forLaneCounts<Lum32f>(check);
+}
+
+TEST(Simd, RoundingTiesToEvenAndSaturates)
+{
+    ASSERT_EQ(std::fegetround(), FE_TONEAREST);
+    expectRounding<Lum8u>();
+    expectRounding<Lum8s>();
+    expectRounding<Lum16u>();
+    expectRounding<Lum16s>();
+}
+
+TEST(Simd, SumsOfWordsWrapAndComeBackInOrder)
+{
+    const auto check = []<int N>(Lum16s, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<Lum16s, N>(seed), b = drawn<Lum16s, N>(seed + 1000), c = drawn<Lum16s, N>(seed + 2000);
+            const auto taps = drawn<Lum16s, 4>(seed + 3000);
+            const auto sums = simd::products(vectorOf<N>(a), taps[0], vectorOf<N>(b), taps[1]) +
+                              simd::product(vectorOf<N>(c), taps[2]);
+            const auto expected = [&](int i) {
+                const Lum64s sum = Lum64s{a[i]} * taps[0] + Lum64s{b[i]} * taps[1] + Lum64s{c[i]} * taps[2];
+                return static_cast<Lum32s>(static_cast<Lum32u>(sum));
+            };
+            const auto clamped = [](Lum64s v) {
+                return static_cast<Lum16s>(v < -32768 ? -32768 : v > 32767 ? 32767 : v);
+            };
+            expectLanes<Lum16s, N>(simd::saturated(sums), [&](int i) { return clamped(expected(i)); });
+            expectLanes<Lum16s, N>(simd::saturated(sums >> 14), [&](int i) {
+                return clamped(static_cast<Lum64s>(std::floor(expected(i) / 16384.0)));
+            });
+            expectLanes<Lum16s, N>(simd::saturated(sums * taps[3] >> 14), [&](int i) {
+                const auto product = static_cast<Lum32s>(static_cast<Lum32u>(Lum64s{expected(i)} * taps[3]));
+                return clamped(static_cast<Lum64s>(std::floor(product / 16384.0)));
+            });
+        }
+    };
+    forLaneCounts<Lum16s>(check);
+}
+
+template <int N>
+void expectWalks()
+{
+    for (int begin = 0; begin < 3; ++begin) {
+        for (int end = begin; end < begin + 4 * N + 40; ++end) {
+            std::vector<int> once(end), atLeastOnce(end);
+            const auto into = [&](std::vector<int>& counts) {
+                return [&counts, begin, end](int64_t x, auto lanes) {
+                    ASSERT_GE(x, begin);
+                    ASSERT_LE(x + lanes, end);
+                    for (int i = 0; i < lanes; ++i)
+                        ++counts[x + i];
+                };
+            };
+            simd::eachOnce<N>(begin, end, into(once));
+            simd::eachAtLeastOnce<N>(begin, end, into(atLeastOnce));
+            for (int x = begin; x < end; ++x) {
+                ASSERT_EQ(once[x], 1) << x << " of " << begin << ".." << end;
+                ASSERT_GE(atLeastOnce[x], 1) << x << " of " << begin << ".." << end;
+            }
+        }
+    }
+}
+
+TEST(Simd, RowsAreWalkedToTheirLastElement)
+{
+    expectWalks<1>();
+    expectWalks<16>();
+    expectWalks<32>();
+    expectWalks<64>();
+}
+
+}  // namespace
+}  // namespace lumcv::test
