@@ -2,6 +2,7 @@
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
 #include "filter/taps.hpp"
+#include "filter/words.hpp"
 #include "frame/checks.hpp"
 #include "frame/large_image.hpp"
 #include "lumcv/filter.h"
@@ -86,20 +87,6 @@ struct RowsUnderTaps<S, FixedTaps<k>>
     }
 };
 
-/// Rounds a sum to D. Sums of words are clamped to the range of words first, for they may lie beyond 32 bits.
-template <class S, class D, int lanes>
-[[gnu::always_inline]] inline auto toDestination(simd::Vec<Lum32f, lanes> sum)
-{
-    if constexpr (std::is_same_v<D, Lum32f>)
-        return sum;
-    else {
-        constexpr Lum32f lowest = std::is_signed_v<S> ? -32768.0f : 0.0f;
-        constexpr Lum32f highest = std::is_signed_v<S> ? 32767.0f : 65535.0f;
-        return simd::roundTo<D>(
-            simd::max(simd::min(sum, simd::broadcast<lanes>(highest)), simd::broadcast<lanes>(lowest)));
-    }
-}
-
 /// Sums of products in the order of the kernel, beginning with the first product.
 template <class S, class D, class Taps>
 [[gnu::flatten, gnu::noinline]] void convolve(RowsUnderTaps<S, Taps> under, Taps taps, D* dst, int64_t n, bool isLarge)
@@ -108,7 +95,10 @@ template <class S, class D, class Taps>
         auto sum = simd::loadFloat<lanes>(under.rows[0] + x) * simd::broadcast<lanes>(taps.t[0]);
         for (int64_t j = 1; j < taps.count(); ++j)
             sum = sum + simd::loadFloat<lanes>(under.rows[j] + x) * simd::broadcast<lanes>(taps.t[j]);
-        return toDestination<S, D, lanes>(sum);
+        if constexpr (std::is_same_v<D, Lum32f>)
+            return sum;
+        else
+            return simd::roundTo<D>(withinWords<std::is_signed_v<S>>(sum));
     });
 }
 
@@ -164,8 +154,6 @@ LumStatus columnPipeline(const ColumnCall<Lum32f, Lum32f>& call, const Lum32f* p
 
 // 16-bit precision.
 
-constexpr int lowScalePlaces = 14;
-
 /// The whole groups of 16 pixels: each product keeps its low 16 bits, and the sums wrap around in them.
 template <bool isScaled>
 [[gnu::flatten, gnu::noinline]] void convolveLowBody(Lum16s* const* rows, const Lum16s* taps, int64_t k, Lum16s scale,
@@ -204,7 +192,7 @@ LumStatus columnPipelineLow(const ColumnCall<Lum16s, Lum16s>& call, const Lum16s
     constexpr int64_t bodyPixels = 16;
     const int64_t width = call.roiSize.width;
     const int64_t body = call.channels * (width - width % bodyPixels);
-    const auto scale = static_cast<Lum16s>(16384.0f / static_cast<Lum32f>(divisor));
+    const Lum16s scale = lowScale(divisor);
     const bool isLarge = isLargeImage(width * call.roiSize.height);
     for (int64_t y = 0; y < call.roiSize.height; ++y) {
         Lum16s* const* rows = call.ppSrc + y;

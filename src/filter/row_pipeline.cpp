@@ -6,6 +6,7 @@
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
 #include "filter/taps.hpp"
+#include "filter/words.hpp"
 #include "frame/checks.hpp"
 #include "lumcv/filter.h"
 
@@ -109,14 +110,6 @@ void eachPiece(const RowCall<S, D, channels>& call, LineSpace<Element>& space, P
 
 // Single precision.
 
-/// The values that a row of D can hold; a sum beyond 32 bits must reach the nearer end of them before it is converted.
-template <class D>
-struct Range
-{
-    static constexpr Lum32f lowest = std::is_signed_v<D> ? -32768.0f : 0.0f;
-    static constexpr Lum32f highest = std::is_signed_v<D> ? 32767.0f : 65535.0f;
-};
-
 /// Sums of products in the order of the kernel, beginning with the first product; rounded to D.
 template <int channels, class D, class Taps>
 [[gnu::flatten, gnu::noinline]] void convolve(const Lum32f* line, Taps taps, D* dst, int64_t n)
@@ -129,8 +122,7 @@ template <int channels, class D, class Taps>
         if constexpr (std::is_same_v<D, Lum32f>)
             return sum;
         else
-            return simd::roundTo<D>(simd::max(simd::min(sum, simd::broadcast<lanes>(Range<D>::highest)),
-                                              simd::broadcast<lanes>(Range<D>::lowest)));
+            return simd::roundTo<D>(withinWords<std::is_signed_v<D>>(sum));
     });
 }
 
@@ -162,14 +154,6 @@ LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum
 }
 
 // 16-bit precision.
-
-constexpr int lowScalePlaces = 14;
-
-/// 1 / divisor with 14 fractional bits, truncated.
-Lum16s lowScale(Lum32s divisor)
-{
-    return static_cast<Lum16s>(16384.0f / static_cast<Lum32f>(divisor));
-}
 
 /// Sums of products modulo 2^32, two taps at a time.
 template <int channels, bool isScaled>
