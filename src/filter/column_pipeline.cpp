@@ -75,8 +75,8 @@ struct RowsUnderTaps
     explicit RowsUnderTaps(S* const* first) : rows(first) {}
 };
 
-template <class S, int k>
-struct RowsUnderTaps<S, FixedTaps<k>>
+template <class S, int k, class T>
+struct RowsUnderTaps<S, FixedTaps<k, T>>
 {
     const S* rows[k];
 
@@ -113,18 +113,6 @@ void eachRow(const ColumnCall<S, D>& call, const Taps& taps)
         simd::fence();
 }
 
-/// The kernel sizes that have code of their own, and all others.
-template <class S, class D>
-void runColumns(const ColumnCall<S, D>& call, const Lum32f* coefficients)
-{
-    if (call.kernelSize == 3)
-        eachRow(call, FixedTaps<3>(coefficients));
-    else if (call.kernelSize == 5)
-        eachRow(call, FixedTaps<5>(coefficients));
-    else
-        eachRow(call, AnyTaps{coefficients, call.kernelSize});
-}
-
 template <class S, class D>
 LumStatus columnPipeline(const ColumnCall<S, D>& call, const Lum16s* pKernel, Lum32s divisor)
 {
@@ -140,7 +128,7 @@ LumStatus columnPipeline(const ColumnCall<S, D>& call, const Lum16s* pKernel, Lu
     Lum32f coefficients[mostStored];
     for (Lum32s j = 0; j < call.kernelSize; ++j)
         coefficients[j] = computed[j];
-    runColumns(call, coefficients);
+    withTaps(coefficients, call.kernelSize, [&](auto taps) { eachRow(call, taps); });
     return lumOk;
 }
 
@@ -148,21 +136,21 @@ LumStatus columnPipeline(const ColumnCall<Lum32f, Lum32f>& call, const Lum32f* p
 {
     const LumStatus status = check(call, pKernel, 1);
     if (status == lumOk)
-        runColumns(call, pKernel);
+        withTaps(pKernel, call.kernelSize, [&](auto taps) { eachRow(call, taps); });
     return status;
 }
 
 // 16-bit precision.
 
 /// The whole groups of 16 pixels: each product keeps its low 16 bits, and the sums wrap around in them.
-template <bool isScaled>
-[[gnu::flatten, gnu::noinline]] void convolveLowBody(Lum16s* const* rows, const Lum16s* taps, int64_t k, Lum16s scale,
+template <bool isScaled, class Taps>
+[[gnu::flatten, gnu::noinline]] void convolveLowBody(RowsUnderTaps<Lum16s, Taps> under, Taps taps, Lum16s scale,
                                                      Lum16s* dst, int64_t n, bool isLarge)
 {
     storeRow<2 * simd::registerLanes<Lum16s>>(dst, n, isLarge, [=](int64_t x, auto lanes) {
-        auto sum = simd::load<lanes>(rows[0] + x) * simd::broadcast<lanes>(taps[0]);
-        for (int64_t j = 1; j < k; ++j)
-            sum = sum + simd::load<lanes>(rows[j] + x) * simd::broadcast<lanes>(taps[j]);
+        auto sum = simd::load<lanes>(under.rows[0] + x) * simd::broadcast<lanes>(taps.t[0]);
+        for (int64_t j = 1; j < taps.count(); ++j)
+            sum = sum + simd::load<lanes>(under.rows[j] + x) * simd::broadcast<lanes>(taps.t[j]);
         if constexpr (isScaled)
             return simd::saturated(simd::product(sum, scale) >> lowScalePlaces);
         else
@@ -194,16 +182,19 @@ LumStatus columnPipelineLow(const ColumnCall<Lum16s, Lum16s>& call, const Lum16s
     const int64_t body = call.channels * (width - width % bodyPixels);
     const Lum16s scale = lowScale(divisor);
     const bool isLarge = isLargeImage(width * call.roiSize.height);
-    for (int64_t y = 0; y < call.roiSize.height; ++y) {
-        Lum16s* const* rows = call.ppSrc + y;
-        Lum16s* const dst = call.dst.row(y);
-        if (divisor == 1)
-            convolveLowBody<false>(rows, pKernel, call.kernelSize, 1, dst, body, isLarge);
-        else
-            convolveLowBody<true>(rows, pKernel, call.kernelSize, scale, dst, body, isLarge);
-        convolveLowTail(rows, pKernel, call.kernelSize, divisor, static_cast<Lum32u>(Lum32s{scale}), dst, body,
-                        width * call.channels);
-    }
+    withTaps(pKernel, call.kernelSize, [&](auto taps) {
+        for (int64_t y = 0; y < call.roiSize.height; ++y) {
+            Lum16s* const* rows = call.ppSrc + y;
+            Lum16s* const dst = call.dst.row(y);
+            const RowsUnderTaps<Lum16s, decltype(taps)> under(rows);
+            if (divisor == 1)
+                convolveLowBody<false>(under, taps, 1, dst, body, isLarge);
+            else
+                convolveLowBody<true>(under, taps, scale, dst, body, isLarge);
+            convolveLowTail(rows, pKernel, call.kernelSize, divisor, static_cast<Lum32u>(Lum32s{scale}), dst, body,
+                            width * call.channels);
+        }
+    });
     if (isLarge)
         simd::fence();
     return lumOk;

@@ -141,34 +141,29 @@ LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum
 
     const int64_t used = slack + k * static_cast<int64_t>(sizeof(Lum32f));
     LineSpace<Lum32f> space(call.buffer + used, call.scratch.bytes(k) - used);
-    const auto run = [&](auto taps) {
+    withTaps(coefficients, k, [&](auto taps) {
         eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) { convolve<channels>(line, taps, dst, n); });
-    };
-    if (k == 3)
-        run(FixedTaps<3>(coefficients));
-    else if (k == 5)
-        run(FixedTaps<5>(coefficients));
-    else
-        run(AnyTaps{coefficients, k});
+    });
     return lumOk;
 }
 
 // 16-bit precision.
 
 /// Sums of products modulo 2^32, two taps at a time.
-template <int channels, bool isScaled>
-[[gnu::flatten, gnu::noinline]] void convolveLow(const Lum16s* line, const Lum16s* taps, int64_t k, Lum32s scale,
-                                                 Lum16s* dst, int64_t n, bool isLarge)
+template <int channels, bool isScaled, class Taps>
+[[gnu::flatten, gnu::noinline]] void convolveLow(const Lum16s* line, Taps taps, Lum32s scale, Lum16s* dst, int64_t n,
+                                                 bool isLarge)
 {
     storeRow<2 * simd::registerLanes<Lum16s>>(dst, n, isLarge, [=](int64_t x, auto lanes) {
         const Lum16s* s = line + x;
         const auto tap = [=](int64_t i) { return simd::load<lanes>(s + i * channels); };
-        auto sums = simd::product(tap(0), taps[0]);
+        const int64_t k = taps.count();
+        auto sums = simd::product(tap(0), taps.t[0]);
         int64_t i = 1;
         for (; i + 1 < k; i += 2)
-            sums = sums + simd::products(tap(i), taps[i], tap(i + 1), taps[i + 1]);
+            sums = sums + simd::products(tap(i), taps.t[i], tap(i + 1), taps.t[i + 1]);
         if (i < k)
-            sums = sums + simd::product(tap(i), taps[i]);
+            sums = sums + simd::product(tap(i), taps.t[i]);
         if constexpr (isScaled)
             sums = sums * scale >> lowScalePlaces;
         return simd::saturated(sums);
@@ -187,11 +182,13 @@ LumStatus rowPipelineLow(const RowCall<Lum16s, Lum16s, channels>& call, const Lu
     const bool isLarge = k == 5 && pKernel[0] == pKernel[4] && pKernel[1] == pKernel[3] && call.xAnchor == 2 &&
                          divisor == 1 && int64_t{call.roiSize.width} * call.roiSize.height >= smallestStreamed;
     LineSpace<Lum16s> space(call.buffer, call.scratch.bytes(k));
-    eachPiece(call, space, [&](const Lum16s* line, Lum16s* dst, int64_t n) {
-        if (divisor == 1)
-            convolveLow<channels, false>(line, pKernel, k, 1, dst, n, isLarge);
-        else
-            convolveLow<channels, true>(line, pKernel, k, lowScale(divisor), dst, n, isLarge);
+    withTaps(pKernel, k, [&](auto taps) {
+        eachPiece(call, space, [&](const Lum16s* line, Lum16s* dst, int64_t n) {
+            if (divisor == 1)
+                convolveLow<channels, false>(line, taps, 1, dst, n, isLarge);
+            else
+                convolveLow<channels, true>(line, taps, lowScale(divisor), dst, n, isLarge);
+        });
     });
     if (isLarge)
         simd::fence();

@@ -6,13 +6,13 @@
 namespace lumcv {
 
 /// A count that is known when the code is compiled; the coefficients stay in registers.
-template <int k>
+template <int k, class T = Lum32f>
 struct FixedTaps
 {
     static constexpr bool isFixed = true;
-    Lum32f t[k];
+    T t[k];
 
-    explicit FixedTaps(const Lum32f* coefficients)
+    explicit FixedTaps(const T* coefficients)
     {
         for (int i = 0; i < k; ++i)
             t[i] = coefficients[i];
@@ -25,10 +25,11 @@ struct FixedTaps
 };
 
 /// Any count, read from memory.
-struct AnyTaps
+template <class T>
+struct StoredTaps
 {
     static constexpr bool isFixed = false;
-    const Lum32f* t;
+    const T* t;
     int64_t k;
 
     int64_t count() const
@@ -36,6 +37,20 @@ struct AnyTaps
         return k;
     }
 };
+
+using AnyTaps = StoredTaps<Lum32f>;
+
+/// Calls run(taps): the counts that have code of their own, and all others.
+template <class T, class Run>
+inline void withTaps(const T* coefficients, int64_t k, Run run)
+{
+    if (k == 3)
+        run(FixedTaps<3, T>(coefficients));
+    else if (k == 5)
+        run(FixedTaps<5, T>(coefficients));
+    else
+        run(StoredTaps<T>{coefficients, k});
+}
 
 /// Lanes of a step that yields T: a whole register of results, and enough sums in flight to hide the latency of their
 /// additions.
