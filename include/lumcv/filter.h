@@ -126,10 +126,13 @@ extern "C" {
  * 8. #lumErrArgument: `divisor` is 0.
  * 9. #lumErrBorder: `borderType` is not allowed.
  *
- * The functions from 8u to 16s test the border before the divisor. The per-channel border values are not tested: they
- * are read only with #lumBorderConstant, and must then be three.
+ * 10. #lumErrNullPointer: `borderValue` of a three-channel function is null and the mode is #lumBorderConstant.
  *
- * **Queries** test `pBufferSize` (#lumErrNullPointer), then width, height and kernel size (#lumErrSize).
+ * The functions from 8u to 16s test the border before the divisor. The per-channel border values are read only with
+ * #lumBorderConstant, and must then be three.
+ *
+ * **Queries** test `pBufferSize` (#lumErrNullPointer), then width, height and kernel size (#lumErrSize), and at last
+ * that the result fits 32 bits (#lumErrSizeTooLarge).
  *
  * @see @ref column_pipeline
  *
@@ -464,7 +467,8 @@ LUMCV_API LumStatus lumiFilterRowBorderPipeline_Low_16s_C3R(const Lum16s* pSrc, 
  * 7. #lumErrNullPointer: `pBuffer` is null.
  * 8. #lumErrArgument: `divisor` is 0.
  *
- * **Queries** test `pBufferSize` (#lumErrNullPointer), then width, height and kernel size (#lumErrSize).
+ * **Queries** test `pBufferSize` (#lumErrNullPointer), then width, height and kernel size (#lumErrSize), and at last
+ * that the result fits 32 bits (#lumErrSizeTooLarge).
  *
  * @see @ref row_pipeline
  *

@@ -235,6 +235,14 @@ TEST(ColumnPipelineBufferSize, KnownValues)
     EXPECT_EQ(352, size(lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R, 9, 3));
 }
 
+// Each query has either the width or the kernel in its formula.
+TYPED_TEST(ColumnPipelineChecksQuick, BufferSizeBeyond32Bits)
+{
+    Lum32s size = -1;
+    EXPECT_EQ(lumErrSizeTooLarge, TypeParam::query({INT_MAX, 4}, INT_MAX, &size));
+    EXPECT_EQ(-1, size);
+}
+
 TYPED_TEST(ColumnPipelineChecksQuick, QueryStatusOrder)
 {
     expectQueryStatusOrder(TypeParam::query);

@@ -253,6 +253,35 @@ TYPED_TEST(ThreeChannelRowPipelineQuick, NeedsNoBorderValuesUnlessConstant)
     }
 }
 
+TYPED_TEST(ThreeChannelRowPipelineQuick, ConstantNeedsBorderValuesAndSaysSoLast)
+{
+    RowCase c;
+    c.width = 9;
+    c.kernelSize = 5;
+    c.xAnchor = 2;
+    c.borderType = lumBorderConstant;
+    const RowOperands<TypeParam> operands(c);
+    auto arguments = operands.arguments();
+    arguments.pBorderValue = nullptr;
+    EXPECT_EQ(lumErrNullPointer, TypeParam::call(arguments));
+    arguments.borderType = lumBorderConstant | 0x100;
+    EXPECT_EQ(lumErrBorder, TypeParam::call(arguments));
+}
+
+TYPED_TEST(RowPipelineChecksQuick, BufferSizeBeyond32Bits)
+{
+    const Lum64s one = TypeParam::bufferSize(1);
+    const Lum64s scale = TypeParam::bufferSize(2) - one;
+    const auto largest = static_cast<Lum32s>((INT_MAX - one) / scale + 1);
+    Lum32s size = -1;
+    EXPECT_EQ(lumOk, TypeParam::query({5, 4}, largest, &size));
+    EXPECT_EQ(one + scale * (largest - 1), size);
+    size = -1;
+    EXPECT_EQ(lumErrSizeTooLarge, TypeParam::query({5, 4}, largest + 1, &size));
+    EXPECT_EQ(lumErrSizeTooLarge, TypeParam::query({5, 4}, INT_MAX, &size));
+    EXPECT_EQ(-1, size);
+}
+
 TYPED_TEST(RowPipelineChecksQuick, BufferSizes)
 {
     for (const int kernelSize : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 64, 100, 1000, 100000}) {
