@@ -106,10 +106,11 @@ Lum32f exponential(Lum32f x)
     return static_cast<Lum32f>(sum * scale);
 }
 
-/// The weight at distance d before normalisation, for s = 1 / sigma^2.
+/// The weight at distance d before normalisation, for s = 1 / sigma^2, which is infinite where the square of a tiny
+/// sigma vanishes.
 Lum32f weight(Lum32s d, Lum32f s)
 {
-    return exponential(-0.5f * static_cast<Lum32f>(d) * static_cast<Lum32f>(d) * s);
+    return d == 0 ? 1.0f : exponential(-0.5f * static_cast<Lum32f>(d) * static_cast<Lum32f>(d) * s);
 }
 
 /// The first address not below p that is a multiple of `multiple`.

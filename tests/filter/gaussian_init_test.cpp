@@ -231,6 +231,24 @@ TEST(GaussianInitQuick, TapsOfTheFirstRecord)
     }
 }
 
+// The square of such a sigma is 0: the centre takes everything all the same.
+TEST(GaussianInitQuick, TapsOfTheFirstRecordWhenSigmaVanishes)
+{
+    using Limits = std::numeric_limits<Lum32f>;
+    for (const Lum32f sigma : {Limits::denorm_min(), Limits::min(), 1e-30f}) {
+        for (const LumDataType dataType : kDataTypes) {
+            const PlacedBlock block = makeRecord(Entry::Ordinary, parameters(5, sigma, dataType));
+            SCOPED_TRACE("type " + std::to_string(dataType) + ", sigma " + elementText(sigma));
+            if (dataType == lumType32f) {
+                EXPECT_EQ(readTable<Lum32f>(block.data(), 16, 5), (std::vector<Lum32f>{0, 0, 1, 0, 0}));
+            } else {
+                const Lum16s centre = dataType == lumType8u ? 4096 : 32767;
+                EXPECT_EQ(readTable<Lum16s>(block.data(), 16, 5), (std::vector<Lum16s>{0, 0, centre, 0, 0}));
+            }
+        }
+    }
+}
+
 // Every address, and not a byte beside the block; the tables move to their alignment inside.
 TEST(GaussianInitQuick, RecordsStandAnywhere)
 {
