@@ -207,10 +207,12 @@ LumStatus lumiFilterGaussianGetBufferSize(LumiSize roiSize, Lum32s kernelSize, L
         return checks.status();
     const LumiSizeL size = widened(roiSize);
     const int64_t spec = firstRecordSize(kernelSize, dataType) + secondRecordSize(kernelSize);
+    if (spec > largestSize)
+        return lumErrSizeTooLarge;  // which bounds the kernel, and with it the products below
     int64_t buffer = ringSize(size, kernelSize, numChannels);
     if (const int64_t pipelines = pipelineSize(size, kernelSize, dataType, numChannels); pipelines > buffer)
         buffer = pipelines;
-    if (spec > largestSize || buffer > largestSize)
+    if (buffer > largestSize)
         return lumErrSizeTooLarge;
     *pSpecSize = static_cast<Lum32s>(spec);
     *pBufferSize = static_cast<Lum32s>(buffer);
