@@ -199,16 +199,19 @@ TEST(SeparableQuick, ConstantRowsAreFormedFromTheSumOfTheKernel)
 TEST(SeparableQuick, ScaleOfAConstantRowComesLast)
 {
     // the column kernel takes the row pass over a flat row from the constant row of the same value
-    const Lum16s value = 12345;
-    const Lum32f scale = 1.0f / 11.0f;
-    const Lum32f constant = 11.0f * 12345.0f * scale;
-    const Lum32f rowPass = (7.0f * scale) * 12345.0f + (1.0f * scale) * 12345.0f + (3.0f * scale) * 12345.0f;
-    const Lum32f expected = 32767.0f * constant + -32767.0f * rowPass;
+    const Lum16s value = 12346;
+    const Lum32f pixel = value;
+    const Lum32f scale = 1.0f / 7.0f;
+    const Lum32f constant = 7.0f * pixel * scale;
+    const Lum32f scaledFirst = 7.0f * scale * pixel;
+    const Lum32f rowPass = (1.0f * scale) * pixel + (3.0f * scale) * pixel + (3.0f * scale) * pixel;
     ASSERT_NE(constant, rowPass);
-    ASSERT_GE(std::abs(expected), 1.0f);
+    ASSERT_NE(constant, scaledFirst);
+    const Lum32f expected = 32767.0f * constant + -32767.0f * rowPass;
+    ASSERT_EQ(expected, 32.0f);
     EXPECT_EQ(
-        filtered<Words>(integerKernel({7, 1, 3}, {32767, -32767, 0}, 11), &value, 1, {1, 1}, lumBorderConstant, value),
-        std::vector<Lum16s>{static_cast<Lum16s>(expected)});
+        filtered<Words>(integerKernel({1, 3, 3}, {32767, -32767, 0}, 7), &value, 1, {1, 1}, lumBorderConstant, value),
+        std::vector<Lum16s>{32});
 }
 
 TEST(SeparableQuick, ScaleFactorIsNotRead)
@@ -425,12 +428,13 @@ TYPED_TEST(Separable, EveryKernelUpTo18)
 TYPED_TEST(Separable, KernelsTallerAndWiderThanTheImage)
 {
     int number = 4;
-    for (const LumiSize kernelSize : {LumiSize{3, 400}, LumiSize{1, 401}, LumiSize{400, 3}, LumiSize{5, 129},
-                                      LumiSize{66, 65}, LumiSize{257, 100}}) {
-        for (const LumiSize size : {LumiSize{1, 1}, LumiSize{2, 3}, LumiSize{33, 7}, LumiSize{70, 20}}) {
+    for (const LumiSize kernelSize : {LumiSize{3, 400}, LumiSize{400, 3}, LumiSize{5, 129}, LumiSize{66, 65}}) {
+        for (const LumiSize size : {LumiSize{1, 1}, LumiSize{2, 3}, LumiSize{33, 7}}) {
             for (const LumiBorderType border : kBorders) {
                 Setting setting = placed(size, number);
                 setting.border = border;
+                // few denormals, which are slow
+                setting.values = Values::Ordinary;
                 expectInTurn<TypeParam>(number++, setting, kernelSize);
                 if (testing::Test::HasFailure()) {
                     return;
@@ -445,10 +449,11 @@ TYPED_TEST(Separable, KernelsTallerAndWiderThanTheImage)
 TYPED_TEST(Separable, RingOf400RowsTurnsRound)
 {
     int number = 5;
-    for (const LumiSize kernelSize : {LumiSize{1, 400}, LumiSize{3, 400}}) {
+    for (const LumiSize kernelSize : {LumiSize{1, 400}, LumiSize{3, 399}}) {
         for (const LumiBorderType border : {lumBorderMirror, lumBorderConstant}) {
-            Setting setting = placed({9, 850}, number);
+            Setting setting = placed({5, 850}, number);
             setting.border = border;
+            setting.values = Values::Ordinary;
             expectInTurn<TypeParam>(number++, setting, kernelSize);
         }
     }

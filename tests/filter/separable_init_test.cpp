@@ -53,7 +53,7 @@ TEST(SeparableSizesQuick, SpecSize)
         for (const LumDataType kernelType : {lumType16s, lumType32f}) {
             for (const Lum32s channels : kChannels) {
                 for (const LumiSize kernelSize : {LumiSize{1, 1}, LumiSize{3, 3}, LumiSize{5, 4}, LumiSize{1, 400},
-                                                  LumiSize{123456, 7}, LumiSize{0x10000000, 0xfffffff}}) {
+                                                  LumiSize{123456, 7}, LumiSize{100000000, 200000000}}) {
                     const PlacedBlock result = resultBlock(entry);
                     SpecQuery query{entry, kernelSize, kernelType, channels, true, &result};
                     ASSERT_EQ(query.call(), lumOk);
