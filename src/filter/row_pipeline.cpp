@@ -2,10 +2,10 @@
 //
 // A row is worked through in pieces. A piece whose pixels and neighbours all lie in memory is read in place if it needs
 // no conversion; any other is first laid out as a line: converted, with its border synthesised at the ends.
+#include "filter/convolution.hpp"
 #include "filter/extended_row.hpp"
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
-#include "filter/taps.hpp"
 #include "filter/words.hpp"
 #include "frame/checks.hpp"
 #include "lumcv/filter.h"
@@ -110,20 +110,12 @@ void eachPiece(const RowCall<S, D, channels>& call, LineSpace<Element>& space, P
 
 // Single precision.
 
-/// Sums of products in the order of the kernel, beginning with the first product; rounded to D.
 template <int channels, class D, class Taps>
 [[gnu::flatten, gnu::noinline]] void convolve(const Lum32f* line, Taps taps, D* dst, int64_t n)
 {
-    storeRow<stepLanes<D, Taps>()>(dst, n, false, [=](int64_t x, auto lanes) {
-        const Lum32f* s = line + x;
-        auto sum = simd::load<lanes>(s) * simd::broadcast<lanes>(taps.t[0]);
-        for (int64_t i = 1; i < taps.count(); ++i)
-            sum = sum + simd::load<lanes>(s + i * channels) * simd::broadcast<lanes>(taps.t[i]);
-        if constexpr (std::is_same_v<D, Lum32f>)
-            return sum;
-        else
-            return simd::roundTo<D>(withinWords<std::is_signed_v<D>>(sum));
-    });
+    const RowConvolution<channels, Taps> along{taps, line};
+    storeRow<stepLanes<D, Taps>()>(dst, n, false,
+                                   [=](int64_t x, auto lanes) { return simd::saturateTo<D>(along(x, lanes)); });
 }
 
 template <class S, class D, int channels, class K>

@@ -17,6 +17,30 @@ struct RowRing
     {
         return rows + index * pitch;
     }
+
+    /// The row j behind the one in slot `first`, in the order of the image; both below `slots`.
+    Lum32f* rowBehind(int64_t first, int64_t j) const
+    {
+        return slot(first + j < slots ? first + j : first + j - slots);
+    }
+};
+
+/// The rows of a ring of `count` slots in the order of the image; their addresses stay in registers.
+template <int count>
+struct RingRows
+{
+    const Lum32f* rows[count];
+
+    RingRows(const RowRing& ring, int64_t first)
+    {
+        for (int64_t j = 0; j < count; ++j)
+            rows[j] = ring.rowBehind(first, j);
+    }
+
+    [[gnu::always_inline]] const Lum32f* operator[](int64_t j) const
+    {
+        return rows[j];
+    }
 };
 
 /// One move of the ring: which row comes in, and which output row it completes.
