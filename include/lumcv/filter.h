@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief Linear filters: row and column pipelines, separable, Gaussian.
+ * @brief Linear filters: row and column pipelines, separable, Gaussian, Laplacian, lowpass, Sobel.
  */
 #ifndef LUMCV_FILTER_H
 #define LUMCV_FILTER_H
@@ -1784,6 +1784,258 @@ LUMCV_API LumStatus lumiFilterGaussianBorder_32f_C1R(const Lum32f* pSrc, Lum32s 
 LUMCV_API LumStatus lumiFilterGaussianBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                                      LumiSize roiSize, const Lum32f* pBorderValue,
                                                      const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup fixed_filters Derivative and smoothing filters
+ * @brief Laplacian, lowpass and Sobel cross with masks of 3x3 and 5x5 pixels, and the coefficients of Sobel kernels.
+ *
+ * Each filter is a step along the row and a step across the rows. With `s` the pixels of a row, `r` the results of the
+ * row step in the rows of the mask, and the index counted from the mask's centre:
+ *
+ * | Filter | Mask | Row step | Column step |
+ * |---|---|---|---|
+ * | Laplacian | 3x3 | `A = s[-1] + s[1]` and `B = 8 * s[0]` | `2 * (A[-1] + A[1]) - B[0]` |
+ * | Laplacian, first pass | 5x5 | `s[-2] + s[2] + 6 * s[0] + 4 * (s[-1] + s[1])` | `r[-2] + r[2] - 2 * r[0]` |
+ * | Laplacian, second pass | 5x5 | `s[-2] + s[2] - 2 * s[0]` | `r[-2] + r[2] + 6 * r[0] + 4 * (r[-1] + r[1])` |
+ * | Lowpass | 3x3 | `s[-1] + s[0] + s[1]` | `r[-1] + r[0] + r[1]`, divided by 9 |
+ * | Lowpass | 5x5 | `s[-2] + s[-1] + s[0] + s[1] + s[2]` | the same sum of `r`, divided by 25 |
+ * | Sobel cross | 3x3 | `s[-1] - s[1]` | `r[-1] - r[1]` |
+ * | Sobel cross | 5x5 | `s[-2] + 2 * s[-1] - 2 * s[1] - s[2]` | `r[-2] + 2 * r[-1] - 2 * r[1] - r[2]` |
+ *
+ * So the matrix of the 3x3 Laplacian is 2 0 2 / 0 -8 0 / 2 0 2, and that of the 3x3 Sobel cross, the mixed second
+ * derivative, is 1 0 -1 / 0 0 0 / -1 0 1. The result of the 5x5 Laplacian is the first pass plus the second one: the
+ * second derivative in both directions, each smoothed across. No filter but the lowpass scales its result.
+ *
+ * **Arithmetic.**
+ * - 8u to 16s: exact; every result fits 16 bits.
+ * - 8u lowpass, with `t` the sum of the mask's pixels: 3x3 `((t + 5) * 7280) >> 16`, 5x5 `(t * 2621) >> 16`. These
+ *   stand for the divisions. The first rounds to the nearest integer; the second truncates and is a little too small:
+ *   a constant image of 255 becomes 254.
+ * - 32f: the steps are computed in single precision as they are written above, from left to right, each operation
+ *   rounded by itself. The lowpass multiplies the sum of the row sums by `0.11111111f` or `0.04f`. The 5x5 Laplacian
+ *   rounds both passes and adds the second to the first.
+ *
+ * **Border.** The mask reaches one pixel (3x3) or two (5x5) beyond the ROI. What lies there follows `borderType` (see
+ * #LumiBorderType), each side by itself:
+ * - A side flagged as lying in memory, and all four with #lumBorderInMem: the pixels that are there, one or two rows or
+ *   columns of them and no more. A row above or below that is synthesised has its left and right sides in memory, if
+ *   these are flagged, next to the row that it repeats.
+ * - #lumBorderReplicate: the nearest pixel of the ROI.
+ * - #lumBorderMirror: reflected about the edge pixel, which is not repeated; where the mask reaches further than the
+ *   ROI is wide or high, the reflection goes on between both edges, also next to a side that is in memory. A single row
+ *   or column is repeated.
+ * - #lumBorderConstant: `borderValue`. A row above or below consists of it over its whole length, its ends included.
+ *
+ * **Large images** are written past the caches: those of more than half (8u) or an eighth (32f) as many pixels as the
+ * largest cache has bytes.
+ *
+ * **Scratch**, in bytes, with `w` the width, `k` 3 or 5, `h = 2 k + 15`, and `W4` the width rounded up to a multiple of
+ * 4:
+ *
+ * | Query | Bytes |
+ * |---|---|
+ * | Lowpass 8u, Sobel cross 8u to 16s | `(2 w + 30) / 32 * 32 * h + 60 k + 512 + 12 * W4 + 64` |
+ * | Lowpass 32f | `(4 w + 60) / 64 * 64 * h + 152 k + 432` |
+ * | Sobel cross 32f | `(4 w + 60) / 64 * 64 * h + 152 k + 496` |
+ * | Laplacian 8u to 16s | `(4 w + 60) / 64 * 64 * h + 84 k + 720 + 12 * W4 + 64` |
+ * | Laplacian 32f | `(8 w + 120) / 128 * 128 * h + 176 k + 704` |
+ *
+ * The divisions truncate. **Queries** test `pBufferSize` (#lumErrNullPointer), then width and height (#lumErrSize),
+ * then the mask (#lumErrMaskSize), and at last that the result fits 32 bits (#lumErrSizeTooLarge).
+ *
+ * **Checks** of the filters, in this order; the first that fails decides the status, and nothing has been written:
+ *
+ * 1. #lumErrNullPointer: `pSrc`, `pDst` or `pBuffer` is null.
+ * 2. #lumErrSize: the width or the height is below 1.
+ * 3. #lumErrStep: a stride is smaller than a row in bytes.
+ * 4. #lumErrStepAlignment: the stride of a 16s or 32f image is not a multiple of the element size.
+ * 5. #lumErrBorder: `borderType` is neither #lumBorderInMem nor at most 255 with one of the modes #lumBorderReplicate,
+ *    #lumBorderMirror and #lumBorderConstant.
+ * 6. #lumErrMaskSize: `mask` is neither #lumMask3x3 nor #lumMask5x5.
+ *
+ * Source and destination must not overlap.
+ *
+ * @see @ref pipelines, @ref gaussian
+ *
+ * @{
+ */
+
+/**
+ * Scratch size of lumiFilterLaplacianBorder_8u16s_C1R().
+ *
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param pBufferSize where the size in bytes goes
+ * @retval lumOk              the size has been written
+ * @retval lumErrNullPointer  `pBufferSize` is null
+ * @retval lumErrSize         the width or the height is below 1
+ * @retval lumErrMaskSize     `mask` is not among those listed
+ * @retval lumErrSizeTooLarge the size exceeds 2147483647
+ */
+LUMCV_API LumStatus lumiFilterLaplacianGetBufferSize_8u16s_C1R(LumiSize roiSize, LumiMaskSize mask,
+                                                               Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterLaplacianBorder_32f_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterLaplacianGetBufferSize_32f_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterLowpassBorder_8u_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterLowpassGetBufferSize_8u_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterLowpassBorder_32f_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterLowpassGetBufferSize_32f_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterSobelCrossBorder_8u16s_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossGetBufferSize_8u16s_C1R(LumiSize roiSize, LumiMaskSize mask,
+                                                                Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterSobelCrossBorder_32f_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossGetBufferSize_32f_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Applies the Laplacian to an 8u image, into a 16s image.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes; a multiple of 2
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the pixel value outside, for #lumBorderConstant
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment `dstStep` is not a multiple of 2
+ * @retval lumErrBorder        `borderType` is not allowed
+ * @retval lumErrMaskSize      `mask` is not among those listed
+ */
+LUMCV_API LumStatus lumiFilterLaplacianBorder_8u16s_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                        LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                        Lum8u borderValue, Lum8u* pBuffer);
+
+/**
+ * Applies the Laplacian to a 32f image.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes; a multiple of 4
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes; a multiple of 4
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the pixel value outside, for #lumBorderConstant
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment a stride is not a multiple of 4
+ * @retval lumErrBorder        `borderType` is not allowed
+ * @retval lumErrMaskSize      `mask` is not among those listed
+ */
+LUMCV_API LumStatus lumiFilterLaplacianBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                      LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                      Lum32f borderValue, Lum8u* pBuffer);
+
+/**
+ * Smooths an 8u image: each pixel becomes the mean of its mask.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the pixel value outside, for #lumBorderConstant
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk             the destination has been written
+ * @retval lumErrNullPointer a pointer is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrStep        a stride is smaller than a row in bytes
+ * @retval lumErrBorder      `borderType` is not allowed
+ * @retval lumErrMaskSize    `mask` is not among those listed
+ */
+LUMCV_API LumStatus lumiFilterLowpassBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                                   LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                   Lum8u borderValue, Lum8u* pBuffer);
+
+/**
+ * Smooths a 32f image: each pixel becomes the mean of its mask.
+ * @copydetails lumiFilterLaplacianBorder_32f_C1R
+ */
+LUMCV_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                    LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                    Lum32f borderValue, Lum8u* pBuffer);
+
+/**
+ * Applies the Sobel cross, the mixed second derivative, to an 8u image, into a 16s image.
+ * @copydetails lumiFilterLaplacianBorder_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossBorder_8u16s_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst,
+                                                         Lum32s dstStep, LumiSize roiSize, LumiMaskSize mask,
+                                                         LumiBorderType borderType, Lum8u borderValue, Lum8u* pBuffer);
+
+/**
+ * Applies the Sobel cross, the mixed second derivative, to a 32f image.
+ * @copydetails lumiFilterLaplacianBorder_32f_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                       LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                       Lum32f borderValue, Lum8u* pBuffer);
+
+/**
+ * Writes the coefficients of a one-dimensional Sobel kernel.
+ *
+ * The kernel begins as zeros with a 1 at its end. `kernelSize - 1 - dx` times, each element from a place that begins
+ * before the end and moves one to the left each time becomes the sum of itself and the next, from left to right: this
+ * is binomial smoothing. Then `dx` times, the place moving on, each becomes itself minus the next: a derivative. A
+ * negative `sign` negates the result. So a size of 3 gives 1, 2, 1 with `dx` 0; -1, 0, 1 with `dx` 1; and 1, -2, 1 with
+ * `dx` 2. Large kernels wrap around at 16 bits.
+ *
+ * @param pDst       where the `kernelSize` coefficients go
+ * @param kernelSize number of coefficients: odd
+ * @param dx         order of the derivative, 0 to `kernelSize - 1`
+ * @param sign       a negative value negates the kernel
+ * @retval lumOk             the kernel has been written
+ * @retval lumErrNullPointer `pDst` is null
+ * @retval lumErrSize        `kernelSize` is below 1 or even, or `dx` is negative or not below `kernelSize`
+ */
+LUMCV_API LumStatus lumiGenSobelKernel_16s(Lum16s* pDst, Lum32s kernelSize, Lum32s dx, Lum32s sign);
+
+/**
+ * Writes the coefficients of a one-dimensional Sobel kernel as floats, each operation rounded by itself.
+ *
+ * @param pDst       where the `kernelSize` coefficients go
+ * @param kernelSize number of coefficients: odd
+ * @param dx         order of the derivative, 0 to `kernelSize - 1`
+ * @param sign       a negative value negates the kernel
+ * @retval lumOk             the kernel has been written
+ * @retval lumErrNullPointer `pDst` is null
+ * @retval lumErrSize        `kernelSize` is below 1 or even, or `dx` is negative or not below `kernelSize`
+ *
+ * @see lumiGenSobelKernel_16s() for the steps
+ */
+LUMCV_API LumStatus lumiGenSobelKernel_32f(Lum32f* pDst, Lum32s kernelSize, Lum32s dx, Lum32s sign);
 
 /** @} */
 
