@@ -11,6 +11,8 @@
 //   size            its rows and columns
 //   RowSteps        the steps along the row (Steps<...>); the ring keeps a result of each
 //   across(r)       combines the results: r(i, j) is that of the row step i in the row j of the mask
+// or, where it is a sum of all rows in integers, in place of across():
+//   ofSum(total)    the result for the sum of the row step's results, which is kept up to date from row to row
 #pragma once
 
 #include "filter/bands.hpp"
@@ -112,6 +114,12 @@ struct MaskArithmetic<Lum32f>
     }
 };
 
+template <class Mask>
+inline constexpr bool isRunningSum = requires(simd::SplitWords<16> total)
+{
+    Mask::ofSum(total);
+};
+
 /// The steps of a mask at one block of a row, with the rows of the ring in the order of the image: the last one takes
 /// what the row steps make of the row that comes in.
 template <class Mask, class S, class D>
@@ -125,27 +133,39 @@ struct MaskBlock
     static constexpr int blockElements = lanes * steps;
 
     Element* rows[Mask::size];
+    Element* totals;  ///< for a mask that sums
 
     /// The row steps.
     [[gnu::always_inline]] void along(const S* s, int64_t block) const
     {
-        enter(s, rows[Mask::size - 1] + block * blockElements, typename Mask::RowSteps{});
+        enter(s, block * blockElements, typename Mask::RowSteps{});
     }
 
     /// The column step: what goes to the destination.
     [[gnu::always_inline]] auto across(int64_t block) const
     {
         const int64_t at = block * blockElements;
-        return Arithmetic::template result<D>(
-            Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); }));
+        if constexpr (isRunningSum<Mask>)
+            return Arithmetic::template result<D>(Mask::ofSum(Arithmetic::load(totals + at)));
+        else
+            return Arithmetic::template result<D>(
+                Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); }));
     }
 
   private:
     template <class... RowSteps>
-    [[gnu::always_inline]] static void enter(const S* s, Element* to, Steps<RowSteps...>)
+    [[gnu::always_inline]] void enter(const S* s, int64_t at, Steps<RowSteps...>) const
     {
-        int i = 0;
-        (Arithmetic::store(to + i++ * lanes, Arithmetic::template along<RowSteps>(s)), ...);
+        Element* const to = rows[Mask::size - 1] + at;
+        if constexpr (isRunningSum<Mask>) {
+            // the slot still holds the row that leaves the mask
+            const auto entering = Arithmetic::template along<RowSteps...>(s);
+            Arithmetic::store(totals + at, Arithmetic::load(totals + at) + (entering - Arithmetic::load(to)));
+            Arithmetic::store(to, entering);
+        } else {
+            int i = 0;
+            (Arithmetic::store(to + i++ * lanes, Arithmetic::template along<RowSteps>(s)), ...);
+        }
     }
 };
 
@@ -221,10 +241,13 @@ class MaskBand
     static constexpr int64_t lanes = Block::lanes;
     static constexpr int64_t reach = Mask::size / 2;
 
+    /// The rows of the mask, and the totals of a mask that sums.
+    static constexpr int64_t ringRows = Mask::size + (isRunningSum<Mask> ? 1 : 0);
+
   public:
     /// Bytes of space for each block of the band.
     static constexpr int64_t blockBytes =
-        lanes * static_cast<int64_t>(Mask::size * Mask::RowSteps::count * sizeof(Element) + sizeof(D));
+        lanes * static_cast<int64_t>(ringRows * Mask::RowSteps::count * sizeof(Element) + sizeof(D));
 
     /// Bytes of space beside the blocks.
     static constexpr int64_t edgeBytes = roundedUp((lanes + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64);
@@ -236,8 +259,11 @@ class MaskBand
           blocks_((end - begin + lanes - 1) / lanes),
           edge_(reinterpret_cast<S*>(space)),
           ring_{reinterpret_cast<Element*>(space + edgeBytes), blocks_ * Block::blockElements, Mask::size},
-          line_(reinterpret_cast<D*>(ring_.slot(Mask::size)))
+          line_(reinterpret_cast<D*>(ring_.slot(ringRows)))
     {
+        if constexpr (isRunningSum<Mask>)
+            for (Element* p = ring_.rows; p < ring_.slot(ringRows); p += lanes)
+                simd::store(p, simd::broadcast<lanes>(Element{0}));
     }
 
     void run()
@@ -246,6 +272,7 @@ class MaskBand
             Block block;
             for (int64_t j = 0; j < Mask::size; ++j)
                 block.rows[j] = ring_.rowBehind(step.firstSlot, j);
+            block.totals = ring_.slot(Mask::size);
             if (step.output < 0) {
                 eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t) {
                     maskIn(block, src, first, last);

@@ -122,17 +122,24 @@ template <const auto& weights, int N>
     constexpr int count = static_cast<int>(weights.size());
     static_assert(count == 3 || count == 5);
     constexpr int reach = count / 2;
-    // a load for each pair of taps; the one behind the last tap has no weight
     constexpr auto weight = [](int i) { return i < 0 || i >= count ? 0 : weights[static_cast<size_t>(i)]; };
-    const auto pair = [&]<int p>(std::integral_constant<int, p>) -> SplitWords<N> {
-        const auto bytes = load<N>(s - reach + 2 * p);
-        return {pairSums<weight(2 * p), weight(2 * p + 1)>(bytes), pairSums<weight(2 * p - 1), weight(2 * p)>(bytes)};
-    };
-    const auto sums = pair(std::integral_constant<int, 0>{}) + pair(std::integral_constant<int, 1>{});
-    if constexpr (count == 3)
-        return sums;
-    else
-        return sums + pair(std::integral_constant<int, 2>{});
+    if constexpr (count == 3 && weight(0) == weight(1) && weight(1) == weight(2)) {
+        // the pair that begins at the pixel itself belongs to the sums of both its pixels
+        const auto both = pairSums<weight(0), weight(0)>(load<N>(s));
+        return {both + pairSums<weight(0), 0>(load<N>(s - 1)), both + pairSums<0, weight(0)>(load<N>(s + 1))};
+    } else {
+        // a load for each pair of taps; the one behind the last tap has no weight
+        const auto pair = [&]<int p>(std::integral_constant<int, p>) -> SplitWords<N> {
+            const auto bytes = load<N>(s - reach + 2 * p);
+            return {pairSums<weight(2 * p), weight(2 * p + 1)>(bytes),
+                    pairSums<weight(2 * p - 1), weight(2 * p)>(bytes)};
+        };
+        const auto sums = pair(std::integral_constant<int, 0>{}) + pair(std::integral_constant<int, 1>{});
+        if constexpr (count == 3)
+            return sums;
+        else
+            return sums + pair(std::integral_constant<int, 2>{});
+    }
 }
 
 /// The words in the order of their pixels.
