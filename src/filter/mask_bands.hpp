@@ -241,6 +241,9 @@ class MaskBand
     static constexpr int64_t lanes = Block::lanes;
     static constexpr int64_t reach = Mask::size / 2;
 
+    static constexpr int64_t shortRow = 256 / static_cast<int64_t>(sizeof(S));
+    static_assert(shortRow >= lanes);
+
     /// The rows of the mask, and the totals of a mask that sums.
     static constexpr int64_t ringRows = Mask::size + (isRunningSum<Mask> ? 1 : 0);
 
@@ -250,7 +253,7 @@ class MaskBand
         lanes * static_cast<int64_t>(ringRows * Mask::RowSteps::count * sizeof(Element) + sizeof(D));
 
     /// Bytes of space beside the blocks.
-    static constexpr int64_t edgeBytes = roundedUp((lanes + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64);
+    static constexpr int64_t edgeBytes = roundedUp((shortRow + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64);
 
     MaskBand(const MaskImages<S, D>& images, int64_t begin, int64_t end, Lum8u* space)
         : images_(images),
@@ -283,7 +286,7 @@ class MaskBand
             const bool isAside = images_.isLarge || end_ - begin_ < lanes;
             D* const out = isAside ? line_ : row;
             const int64_t next = step.output + 1 < images_.roiSize.height ? step.output + 1 : step.output;
-            const D* const ahead = images_.dst.row(next) + begin_;
+            const D* const ahead = isShort() ? line_ : images_.dst.row(next) + begin_;
             eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t x) {
                 maskThrough(block, src, MaskDestination<D>{out + x, ahead + x}, first, last);
             });
@@ -294,6 +297,13 @@ class MaskBand
     }
 
   private:
+    /// Whether rows are laid out as a whole: they are short, and may have less than a block. There is no point in
+    /// asking for the next one.
+    bool isShort() const
+    {
+        return end_ - begin_ <= shortRow;
+    }
+
     /// Where block i begins within the band.
     int64_t offset(int64_t i) const
     {
@@ -308,7 +318,7 @@ class MaskBand
     {
         const int64_t height = images_.roiSize.height;
         const int64_t next = step.row + 1 < 0 ? 0 : step.row + 1 < height ? step.row + 1 : height - 1;
-        const S* const ahead = images_.src.row(next) + begin_;
+        const S* const ahead = isShort() ? edge_ : images_.src.row(next) + begin_;
         if (step.isConstant) {
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
                 edge_[x] = images_.borderValue;
@@ -326,12 +336,20 @@ class MaskBand
                 run(MaskSource<S>{row.row + x, lanes, ahead + offset(i)}, i, i + 1, offset(i));
                 return;
             }
-            const int64_t n = end_ - x < lanes ? end_ - x : lanes;
-            row.read(x - reach, x + n + reach, edge_);
-            for (int64_t j = n + 2 * reach; j < lanes + 2 * reach; ++j)
-                edge_[j] = S{};
+            row.read(x - reach, x + lanes + reach, edge_);
             run(MaskSource<S>{edge_ + reach, lanes, ahead + offset(i)}, i, i + 1, offset(i));
         };
+        if (isShort()) {
+            const int64_t n = end_ - begin_;
+            row.read(begin_ - reach, end_ + reach, edge_);
+            for (int64_t x = n + 2 * reach; x < lanes + 2 * reach; ++x)
+                edge_[x] = S{};
+            const int64_t full = n < lanes ? 1 : n / lanes;
+            run(MaskSource<S>{edge_ + reach, lanes, ahead}, 0, full, 0);
+            if (full < blocks_)
+                run(MaskSource<S>{edge_ + reach + offset(full), lanes, ahead}, full, blocks_, offset(full));
+            return;
+        }
         // the blocks [first, last) can be read in place
         const int64_t first = row.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
         const int64_t readable = row.readableTo(end_ + reach) - reach - begin_;
@@ -348,7 +366,7 @@ class MaskBand
     const MaskImages<S, D>& images_;
     int64_t begin_, end_;
     int64_t blocks_;
-    S* edge_;  ///< a block and its neighbours, laid out
+    S* edge_;  ///< a block and its neighbours, laid out, or a short row
     RingOf<Element> ring_;
     D* line_;  ///< a row of results that is not stored at once
 };
