@@ -28,14 +28,20 @@ LumStatus lumBoxFilter_32f(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum
                            LumiSize maskSize, LumiBorderType borderType, const Lum32f* pBorderValue, Lum8u* pBuffer);
 
 /// The output rows whose running sums are in flight at once.
-inline constexpr int64_t boxRows = 8;
+inline constexpr int boxRows = 8;
 
-/// The scratch of lumBoxFilter_32f, in bytes, at any address: a line of column sums for each row in flight. Its
-/// arguments are valid.
-constexpr int64_t lumBoxFilterBufferSize(LumiSize roiSize, LumiSize maskSize)
+/// Floats from one line of column sums to the next: an odd number of cache lines, so that the lines do not compete for
+/// the same cache sets.
+constexpr int64_t boxLinePitch(int64_t width, int64_t maskWidth)
 {
-    const int64_t columns = int64_t{roiSize.width} + maskSize.width - 1;
-    return boxRows * ((columns + 15) / 16 * 64) + 64;
+    constexpr int64_t lineFloats = 64 / sizeof(Lum32f);
+    return ((width + maskWidth - 1 + lineFloats - 1) / lineFloats | 1) * lineFloats;
+}
+
+/// The scratch of lumBoxFilter_32f, in bytes, at any address: a line for each row in flight. Its arguments are valid.
+constexpr int64_t boxFilterScratch(LumiSize roiSize, LumiSize maskSize)
+{
+    return boxRows * boxLinePitch(roiSize.width, maskSize.width) * static_cast<int64_t>(sizeof(Lum32f)) + 63;
 }
 
 }  // namespace lumcv

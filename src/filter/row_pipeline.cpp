@@ -4,6 +4,7 @@
 // no conversion; any other is first laid out as a line: converted, with its border synthesised at the ends.
 #include "filter/convolution.hpp"
 #include "filter/extended_row.hpp"
+#include "filter/line_space.hpp"
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
 #include "filter/words.hpp"
@@ -45,43 +46,6 @@ LumStatus check(const RowCall<S, D, channels>& call, const void* pKernel, Lum32s
         checks.require(divisor != 0, lumErrArgument).require(isFilterBorder(call.borderType), lumErrBorder);
     return checks.require((call.borderType & 15) != lumBorderConstant || call.borderValue, lumErrNullPointer).status();
 }
-
-/// A place for a line: on the stack, unless the scratch has more room. It grows with the kernel, so there is room for
-/// any.
-template <class Element>
-class LineSpace
-{
-  public:
-    LineSpace(Lum8u* scratch, int64_t scratchBytes)
-    {
-        const int64_t slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(scratch) % alignment);
-        const int64_t room = (scratchBytes - slack) / static_cast<int64_t>(sizeof(Element));
-        if (room > size_) {
-            data_ = reinterpret_cast<Element*>(scratch + slack);
-            size_ = room;
-        }
-    }
-
-    Element* data()
-    {
-        return data_;
-    }
-
-    int64_t size() const
-    {
-        return size_;
-    }
-
-    LineSpace(const LineSpace&) = delete;
-    LineSpace& operator=(const LineSpace&) = delete;
-
-  private:
-    static constexpr uintptr_t alignment = 32;
-    static constexpr int64_t stackBytes = 8192;
-    alignas(64) Element stack_[stackBytes / sizeof(Element)];
-    Element* data_ = stack_;
-    int64_t size_ = stackBytes / sizeof(Element);
-};
 
 /// Calls piece(line, dst, n) for each piece of each row: n elements are to be stored at dst, and the first tap of the
 /// first of them falls on line[0].

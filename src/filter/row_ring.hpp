@@ -5,25 +5,28 @@
 
 namespace lumcv {
 
-/// Rows of floats in scratch. Row r of the extended image, counted from the topmost one that is needed, lies in slot r
-/// mod `slots`.
-struct RowRing
+/// Rows in scratch. Row r of the extended image, counted from the topmost one that is needed, lies in slot r mod
+/// `slots`.
+template <class Element>
+struct RingOf
 {
-    Lum32f* rows;
-    int64_t pitch;  ///< floats from one slot to the next
+    Element* rows;
+    int64_t pitch;  ///< elements from one slot to the next
     int64_t slots;
 
-    Lum32f* slot(int64_t index) const
+    Element* slot(int64_t index) const
     {
         return rows + index * pitch;
     }
 
     /// The row j behind the one in slot `first`, in the order of the image; both below `slots`.
-    Lum32f* rowBehind(int64_t first, int64_t j) const
+    Element* rowBehind(int64_t first, int64_t j) const
     {
         return slot(first + j < slots ? first + j : first + j - slots);
     }
 };
+
+using RowRing = RingOf<Lum32f>;
 
 /// The rows of a ring of `count` slots in the order of the image; their addresses stay in registers.
 template <int count>

@@ -11,6 +11,7 @@
 //   stored<D>(sums)    the elements that go to the destination
 #pragma once
 
+#include "filter/bands.hpp"
 #include "filter/extended_row.hpp"
 #include "filter/row_ring.hpp"
 #include "filter/store_row.hpp"
@@ -37,17 +38,9 @@ struct BandSpace
     int64_t columns;  ///< the widest band
 };
 
-/// The width of bands, at most `widest`, that are all nearly as wide as the others.
-inline int64_t evenBands(int64_t width, int64_t widest)
-{
-    const int64_t bands = (width + widest - 1) / widest;
-    return (width + bands - 1) / bands;
-}
-
-/// Columns of a band for which the ring of so many rows and the line take a good half of a first-level cache.
+/// Columns of a band for which the ring of so many rows and the line fit a band.
 inline int64_t cachedColumns(int64_t rows, int channels)
 {
-    constexpr int64_t bandBytes = 28 * 1024;
     constexpr int64_t narrowest = 128;
     const int64_t widest = bandBytes / ((rows + 1) * channels * static_cast<int64_t>(sizeof(Lum32f)));
     return widest < narrowest ? narrowest : widest;

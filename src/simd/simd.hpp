@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simd/arithmetic.hpp"
+#include "simd/byte_taps.hpp"
 #include "simd/control.hpp"
 #include "simd/convert.hpp"
 #include "simd/row.hpp"
