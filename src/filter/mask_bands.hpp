@@ -58,7 +58,7 @@ struct MaskArithmetic<Lum8u>
     template <class Step>
     [[gnu::always_inline]] static Value along(const Lum8u* s)
     {
-        return simd::tapSums<Step::weights, lanes>(s);
+        return simd::tapSums<weightsOf<Step>, lanes>(s);
     }
 
     [[gnu::always_inline]] static Value load(const Element* p)

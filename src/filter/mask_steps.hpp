@@ -31,45 +31,130 @@ template <int factor, int N>
     return tap * simd::broadcast<N>(Lum32f{factor});
 }
 
-/// A rule over `count` taps.
-template <int count, auto rule>
-struct Step
+template <int count>
+struct StepOf
 {
     static constexpr int size = count;
+};
 
+struct Difference3 : StepOf<3>
+{
     template <class Tap>
     [[gnu::always_inline]] static constexpr auto of(Tap t)
     {
-        return rule(t);
+        return t(0) - t(2);
     }
-
-    /// The rule as a kernel: what it makes of a single 1 at each tap.
-    static constexpr std::array<int, count> weights = [] {
-        std::array<int, count> result{};
-        for (int i = 0; i < count; ++i)
-            result[static_cast<size_t>(i)] = rule([i](int tap) { return tap == i ? 1 : 0; });
-        return result;
-    }();
 };
 
-using Difference3 = Step<3, [](auto t) { return t(0) - t(2); }>;
-using Difference5 = Step<5, [](auto t) { return t(0) + times<2>(t(1)) - times<2>(t(3)) - t(4); }>;
+struct Difference5 : StepOf<5>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(0) + times<2>(t(1)) - times<2>(t(3)) - t(4);
+    }
+};
 
 /// The opposite sense: right minus left, bottom minus top.
-using NegatedDifference3 = Step<3, [](auto t) { return t(2) - t(0); }>;
-using NegatedDifference5 = Step<5, [](auto t) { return t(4) + times<2>(t(3)) - times<2>(t(1)) - t(0); }>;
+struct NegatedDifference3 : StepOf<3>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(2) - t(0);
+    }
+};
 
-using SecondDifference5 = Step<5, [](auto t) { return t(0) + t(4) - times<2>(t(2)); }>;
+struct NegatedDifference5 : StepOf<5>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(4) + times<2>(t(3)) - times<2>(t(1)) - t(0);
+    }
+};
 
-using Smooth3 = Step<3, [](auto t) { return t(0) + t(2) + times<2>(t(1)); }>;
-using Smooth5 = Step<5, [](auto t) { return t(0) + t(4) + times<6>(t(2)) + times<4>(t(1) + t(3)); }>;
-using ScharrSmooth3 = Step<3, [](auto t) { return times<3>(t(0) + t(2)) + times<10>(t(1)); }>;
+struct SecondDifference5 : StepOf<5>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(0) + t(4) - times<2>(t(2));
+    }
+};
 
-using Sum3 = Step<3, [](auto t) { return t(0) + t(1) + t(2); }>;
-using Sum5 = Step<5, [](auto t) { return t(0) + t(1) + t(2) + t(3) + t(4); }>;
+struct Smooth3 : StepOf<3>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(0) + t(2) + times<2>(t(1));
+    }
+};
 
-// What the 3x3 Laplacian keeps of a row.
-using Neighbours3 = Step<3, [](auto t) { return t(0) + t(2); }>;
-using EightfoldCentre3 = Step<3, [](auto t) { return times<8>(t(1)); }>;
+struct Smooth5 : StepOf<5>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(0) + t(4) + times<6>(t(2)) + times<4>(t(1) + t(3));
+    }
+};
+
+struct ScharrSmooth3 : StepOf<3>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return times<3>(t(0) + t(2)) + times<10>(t(1));
+    }
+};
+
+struct Sum3 : StepOf<3>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(0) + t(1) + t(2);
+    }
+};
+
+struct Sum5 : StepOf<5>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(0) + t(1) + t(2) + t(3) + t(4);
+    }
+};
+
+/// What the 3x3 Laplacian keeps of a row.
+struct Neighbours3 : StepOf<3>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return t(0) + t(2);
+    }
+};
+
+/// What the 3x3 Laplacian keeps of a row.
+struct EightfoldCentre3 : StepOf<3>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return times<8>(t(1));
+    }
+};
+
+/// A step as a kernel: what it makes of a single 1 at each tap.
+template <class Step>
+inline constexpr auto weightsOf = [] {
+    std::array<int, Step::size> weights{};
+    for (int i = 0; i < Step::size; ++i)
+        weights[static_cast<size_t>(i)] = Step::of([i](int tap) { return tap == i ? 1 : 0; });
+    return weights;
+}();
 
 }  // namespace lumcv
