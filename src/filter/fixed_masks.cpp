@@ -29,19 +29,24 @@ struct Laplacian5
     template <class Results>
     [[gnu::always_inline]] static auto across(Results r)
     {
-        return SecondDifference5::of([=](int j) { return r(0, j); }) + Smooth5::of([=](int j) { return r(1, j); });
+        return SecondDifference5::of([&](int j) { return r(0, j); }) + Smooth5::of([&](int j) { return r(1, j); });
     }
 };
+
+/// ((sum + 5) * 7280) >> 16 for each sum of nine bytes, which is the nearest integer to the mean, in one operation.
+constexpr Lum16s ninth = 3641;
+static_assert([] {
+    for (int sum = 0; sum <= 9 * 255; ++sum)
+        if ((sum * ninth + 0x4000) >> 15 != ((sum + 5) * 7280) >> 16)
+            return false;
+    return true;
+}());
 
 /// The mean of 9 or 25 elements from their sum. At most 25 * 255 = 6375, so the words stay positive.
 template <int count, int N>
 [[gnu::always_inline]] inline auto mean(simd::SplitWords<N> sum)
 {
-    if constexpr (count == 9) {
-        const auto half = simd::broadcast<N / 2>(Lum16s{5});
-        return simd::highProduct(sum + simd::SplitWords<N>{half, half}, 7280);
-    } else
-        return simd::highProduct(sum, 2621);
+    return count == 9 ? simd::roundedProduct(sum, ninth) : simd::highProduct(sum, 2621);
 }
 
 template <int count, int N>
@@ -59,7 +64,7 @@ struct Lowpass
     template <class Results>
     [[gnu::always_inline]] static auto across(Results r)
     {
-        return mean<size * size>(Sum::of([=](int j) { return r(0, j); }));
+        return mean<size * size>(Sum::of([&](int j) { return r(0, j); }));
     }
 };
 

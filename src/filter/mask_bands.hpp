@@ -39,7 +39,7 @@ struct MaskProduct
     template <class Results>
     [[gnu::always_inline]] static auto across(Results r)
     {
-        return ColumnStep::of([=](int j) { return r(0, j); });
+        return ColumnStep::of([&](int j) { return r(0, j); });
     }
 };
 
@@ -92,7 +92,7 @@ struct MaskArithmetic<Lum32f>
     template <class Step>
     [[gnu::always_inline]] static Value along(const Lum32f* s)
     {
-        return Step::of([=](int i) { return simd::load<lanes>(s + i - Step::size / 2); });
+        return Step::of([&](int i) { return simd::load<lanes>(s + i - Step::size / 2); });
     }
 
     [[gnu::always_inline]] static Value load(const Element* p)
@@ -126,40 +126,44 @@ struct MaskBlock
 
     Element* rows[Mask::size];
 
-    /// The row steps alone.
+    /// The row steps.
     [[gnu::always_inline]] void along(const S* s, int64_t block) const
     {
-        enter(s, block, typename Mask::RowSteps{});
+        enter(s, rows[Mask::size - 1] + block * blockElements, typename Mask::RowSteps{});
     }
 
-    /// Both; what goes to the destination.
-    [[gnu::always_inline]] auto through(const S* s, int64_t block) const
+    /// The column step: what goes to the destination.
+    [[gnu::always_inline]] auto across(int64_t block) const
     {
-        const auto entered = enter(s, block, typename Mask::RowSteps{});
-        return Arithmetic::template result<D>(Mask::across([=, this](int i, int j) {
-            return j == Mask::size - 1 ? entered[static_cast<size_t>(i)]
-                                       : Arithmetic::load(rows[j] + block * blockElements + i * lanes);
-        }));
+        const int64_t at = block * blockElements;
+        return Arithmetic::template result<D>(
+            Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); }));
     }
 
   private:
     template <class... RowSteps>
-    [[gnu::always_inline]] std::array<Value, steps> enter(const S* s, int64_t block, Steps<RowSteps...>) const
+    [[gnu::always_inline]] static void enter(const S* s, Element* to, Steps<RowSteps...>)
     {
-        const std::array<Value, steps> entered{Arithmetic::template along<RowSteps>(s)...};
-        for (int i = 0; i < steps; ++i)
-            Arithmetic::store(rows[Mask::size - 1] + block * blockElements + i * lanes,
-                              entered[static_cast<size_t>(i)]);
-        return entered;
+        int i = 0;
+        (Arithmetic::store(to + i++ * lanes, Arithmetic::template along<RowSteps>(s)), ...);
     }
 };
 
-/// Where the pixels of a run of blocks come from.
+/// Where a run of blocks is read, and the row that will be wanted next.
 template <class S>
 struct MaskSource
 {
     const S* first;  ///< the first pixel of the first block
     int64_t step;    ///< from block to block: `lanes`, or 0 if all are alike
+    const S* ahead;
+};
+
+/// Where a run of blocks is written, and the row that will be wanted next.
+template <class D>
+struct MaskDestination
+{
+    D* first;
+    const D* ahead;
 };
 
 template <class Block, class S>
@@ -169,11 +173,32 @@ template <class Block, class S>
         steps.along(s, block);
 }
 
+/// The column step of a block follows its row steps, so that the loads of the one overlap with the arithmetic of the
+/// other.
 template <class Block, class S, class D>
-[[gnu::flatten, gnu::noinline]] void maskThrough(Block steps, MaskSource<S> src, D* dst, int64_t block, int64_t end)
+[[gnu::flatten, gnu::noinline]] void maskThrough(Block steps, MaskSource<S> src, MaskDestination<D> dst, int64_t block,
+                                                 int64_t end)
 {
-    for (const S* s = src.first; block < end; ++block, s += src.step, dst += Block::lanes)
-        simd::store(dst, steps.through(s, block));
+    constexpr int64_t lineBytes = 64;
+    constexpr int64_t blocksOfLine = lineBytes / (Block::lanes * static_cast<int64_t>(sizeof(S)));
+    const S* s = src.first;
+    const auto one = [&] {
+        steps.along(s, block);
+        simd::store(dst.first, steps.across(block));
+        s += src.step;
+        dst.first += Block::lanes;
+        ++block;
+    };
+    while (block + blocksOfLine <= end) {
+        simd::prefetch<blocksOfLine * Block::lanes>(src.ahead);
+        simd::prefetch<blocksOfLine * Block::lanes>(dst.ahead);
+        src.ahead += blocksOfLine * Block::lanes;
+        dst.ahead += blocksOfLine * Block::lanes;
+        for (int i = 0; i < blocksOfLine; ++i)
+            one();
+    }
+    while (block < end)
+        one();
 }
 
 template <class S, class D>
@@ -230,8 +255,10 @@ class MaskBand
             D* const row = images_.dst.row(step.output) + begin_;
             const bool isAside = images_.isLarge || end_ - begin_ < lanes;
             D* const out = isAside ? line_ : row;
+            const int64_t next = step.output + 1 < images_.roiSize.height ? step.output + 1 : step.output;
+            const D* const ahead = images_.dst.row(next) + begin_;
             eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t x) {
-                maskThrough(block, src, out + x, first, last);
+                maskThrough(block, src, MaskDestination<D>{out + x, ahead + x}, first, last);
             });
             if (isAside)
                 storeRow<lanes>(row, end_ - begin_, images_.isLarge,
@@ -252,10 +279,13 @@ class MaskBand
     template <class Run>
     void eachRun(const RingStep& step, Run run)
     {
+        const int64_t height = images_.roiSize.height;
+        const int64_t next = step.row + 1 < 0 ? 0 : step.row + 1 < height ? step.row + 1 : height - 1;
+        const S* const ahead = images_.src.row(next) + begin_;
         if (step.isConstant) {
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
                 edge_[x] = images_.borderValue;
-            const MaskSource<S> constant{edge_ + reach, 0};
+            const MaskSource<S> constant{edge_ + reach, 0, ahead};
             if (blocks_ > 1)
                 run(constant, 0, blocks_ - 1, 0);
             run(constant, blocks_ - 1, blocks_, offset(blocks_ - 1));
@@ -266,14 +296,14 @@ class MaskBand
         const auto single = [&](int64_t i) {
             const int64_t x = begin_ + offset(i);
             if (row.isInMemory(x - reach, x + lanes + reach)) {
-                run(MaskSource<S>{row.row + x, lanes}, i, i + 1, offset(i));
+                run(MaskSource<S>{row.row + x, lanes, ahead + offset(i)}, i, i + 1, offset(i));
                 return;
             }
             const int64_t n = end_ - x < lanes ? end_ - x : lanes;
             row.read(x - reach, x + n + reach, edge_);
             for (int64_t j = n + 2 * reach; j < lanes + 2 * reach; ++j)
                 edge_[j] = S{};
-            run(MaskSource<S>{edge_ + reach, lanes}, i, i + 1, offset(i));
+            run(MaskSource<S>{edge_ + reach, lanes, ahead + offset(i)}, i, i + 1, offset(i));
         };
         // the blocks [first, last) can be read in place
         const int64_t first = row.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
@@ -282,7 +312,8 @@ class MaskBand
         if (first == 1)
             single(0);
         if (first < last)
-            run(MaskSource<S>{row.row + begin_ + first * lanes, lanes}, first, last, first * lanes);
+            run(MaskSource<S>{row.row + begin_ + first * lanes, lanes, ahead + first * lanes}, first, last,
+                first * lanes);
         for (int64_t i = first < last ? last : first; i < blocks_; ++i)
             single(i);
     }
