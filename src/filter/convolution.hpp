@@ -15,18 +15,19 @@ template <int lanes, class Taps, class Element>
     return sum;
 }
 
-/// Along a row of floats, `channels` of which make a pixel; line[0] lies under the first tap of x = 0.
-template <int channels, class Taps>
+/// Along a row of floats; line[0] lies under the first tap of x = 0.
+template <class Taps>
 struct RowConvolution
 {
     Taps taps;
     const Lum32f* line;
+    int64_t channels;  ///< floats of a pixel
 
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
     {
         const Lum32f* const s = line + x;
-        return sumOfProducts<lanes>(taps, [=](int64_t i) { return simd::load<lanes>(s + i * channels); });
+        return sumOfProducts<lanes>(taps, [=, this](int64_t i) { return simd::load<lanes>(s + i * channels); });
     }
 };
 

@@ -7,12 +7,13 @@
 namespace lumcv {
 namespace {
 
-/// A row of floats, folded along itself; `channels` of them make a pixel.
-template <int channels, class Taps>
+/// A row of floats, folded along itself.
+template <class Taps>
 struct RowFold
 {
     Taps taps;
-    const Lum32f* line;  ///< the pixels and their neighbours
+    const Lum32f* line;  ///< the pixels; their neighbours lie on both sides
+    int64_t channels;    ///< floats of a pixel
 
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
@@ -86,12 +87,12 @@ struct ColumnFold<AnyTaps>
     }
 };
 
-template <int channelCount, class FoldedTaps>
+template <class FoldedTaps>
 struct GaussianFolds
 {
-    static constexpr int channels = channelCount;
     using Taps = FoldedTaps;
     Taps taps;
+    int64_t channels;
 
     int64_t width() const
     {
@@ -105,7 +106,7 @@ struct GaussianFolds
 
     auto along(const Lum32f* line) const
     {
-        return RowFold<channels, Taps>{taps, line + (taps.count() - 1) * channels};
+        return RowFold<Taps>{taps, line + (taps.count() - 1) * channels, channels};
     }
 
     auto across(const RowRing& ring, int64_t firstSlot) const
@@ -131,7 +132,7 @@ void filterImage(const SeparableImages<T, T, channels>& images, const Taps& taps
 {
     // the line, a source row with both its borders, fits behind the ring: the bytes asked for beyond the rows are those
     // of its borders
-    const GaussianFolds<channels, Taps> kernel{taps};
+    const GaussianFolds<Taps> kernel{taps, channels};
     const int64_t width = images.roiSize.width;
     const int64_t pitch = gaussianRingPitch(width, channels) / static_cast<int64_t>(sizeof(Lum32f));
     const auto rows = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(buffer) + 63) / 64 * 64);

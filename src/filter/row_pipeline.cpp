@@ -74,10 +74,9 @@ void eachPiece(const RowCall<S, D, channels>& call, LineSpace<Element>& space, P
 
 // Single precision.
 
-template <int channels, class D, class Taps>
-[[gnu::flatten, gnu::noinline]] void convolve(const Lum32f* line, Taps taps, D* dst, int64_t n)
+template <class D, class Taps>
+[[gnu::flatten, gnu::noinline]] void convolve(RowConvolution<Taps> along, D* dst, int64_t n)
 {
-    const RowConvolution<channels, Taps> along{taps, line};
     storeRow<stepLanes<D, Taps>()>(dst, n, false,
                                    [=](int64_t x, auto lanes) { return simd::saturateTo<D>(along(x, lanes)); });
 }
@@ -98,7 +97,9 @@ LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum
     const int64_t used = slack + k * static_cast<int64_t>(sizeof(Lum32f));
     LineSpace<Lum32f> space(call.buffer + used, call.scratch.bytes(k) - used);
     withTaps(coefficients, k, [&](auto taps) {
-        eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) { convolve<channels>(line, taps, dst, n); });
+        eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) {
+            convolve(RowConvolution<decltype(taps)>{taps, line, channels}, dst, n);
+        });
     });
     return lumOk;
 }

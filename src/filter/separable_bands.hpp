@@ -3,7 +3,7 @@
 // narrow enough for the ring to stay in the first-level cache.
 //
 // A filter comes as a Kernel:
-//   channels, Taps     what its loops are compiled for
+//   Taps               what its loops are compiled for
 //   width(), height()  the taps along and across; before the centre lie (n - 1) / 2 of n
 //   along(line)        yields the sums of a row at (x, lanes); line[0] is the first tap of x = 0
 //   across(ring, slot) yields the sums of the ring's rows at (x, lanes); `slot` holds the first tap

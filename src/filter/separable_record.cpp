@@ -12,10 +12,11 @@ int64_t separableScratch(int64_t width, LumiSize kernelSize, int64_t elementSize
     const int64_t kw = kernelSize.width;
     const int64_t kh = kernelSize.height;
     const int64_t ring = (kw + width - 1) * kh;  // of 32 and 31 bits
-    // all else is below 2^42, and four channels of four bytes take four bits
-    if (ring > (int64_t{1} << 58))
-        return -1;
-    return 256 * kw + 8 * kh + 4 * channels * (kw * elementSize + ring);
+    int64_t size = 0;
+    const bool isTooLarge = __builtin_add_overflow(kw * elementSize, ring, &size) ||
+                            __builtin_mul_overflow(size, 4 * channels, &size) ||
+                            __builtin_add_overflow(size, 256 * kw + 8 * kh, &size);
+    return isTooLarge ? -1 : size;
 }
 
 namespace {

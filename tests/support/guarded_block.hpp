@@ -59,7 +59,6 @@ class GuardedBlock
     }
 
   private:
-    std::size_t mappedBytes() const;
     std::size_t blockBegin() const;
 
     std::size_t bytes_ = 0;
