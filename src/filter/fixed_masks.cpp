@@ -20,6 +20,19 @@ struct Laplacian3
     }
 };
 
+/// The same for words, where the row step takes the factor for nothing.
+struct WordLaplacian3
+{
+    static constexpr int size = 3;
+    using RowSteps = Steps<TwofoldNeighbours3, EightfoldCentre3>;
+
+    template <class Results>
+    [[gnu::always_inline]] static auto across(Results r)
+    {
+        return r(0, 0) + r(0, 2) - r(1, 1);
+    }
+};
+
 /// Two products in one pass: the second derivative of smoothed rows, and smoothing of the rows' second derivatives.
 struct Laplacian5
 {
@@ -29,19 +42,24 @@ struct Laplacian5
     template <class Results>
     [[gnu::always_inline]] static auto across(Results r)
     {
-        return SecondDifference5::of([=](int j) { return r(0, j); }) + Smooth5::of([=](int j) { return r(1, j); });
+        return SecondDifference5::of([&](int j) { return r(0, j); }) + Smooth5::of([&](int j) { return r(1, j); });
     }
 };
+
+/// ((sum + 5) * 7280) >> 16 for each sum of nine bytes, which is the nearest integer to the mean, in one operation.
+constexpr Lum16s ninth = 3641;
+static_assert([] {
+    for (int sum = 0; sum <= 9 * 255; ++sum)
+        if ((sum * ninth + 0x4000) >> 15 != ((sum + 5) * 7280) >> 16)
+            return false;
+    return true;
+}());
 
 /// The mean of 9 or 25 elements from their sum. At most 25 * 255 = 6375, so the words stay positive.
 template <int count, int N>
 [[gnu::always_inline]] inline auto mean(simd::SplitWords<N> sum)
 {
-    if constexpr (count == 9) {
-        const auto half = simd::broadcast<N / 2>(Lum16s{5});
-        return simd::highProduct(sum + simd::SplitWords<N>{half, half}, 7280);
-    } else
-        return simd::highProduct(sum, 2621);
+    return count == 9 ? simd::roundedProduct(sum, ninth) : simd::highProduct(sum, 2621);
 }
 
 template <int count, int N>
@@ -59,7 +77,20 @@ struct Lowpass
     template <class Results>
     [[gnu::always_inline]] static auto across(Results r)
     {
-        return mean<size * size>(Sum::of([=](int j) { return r(0, j); }));
+        return mean<size * size>(Sum::of([&](int j) { return r(0, j); }));
+    }
+};
+
+/// The sum of 25 words is cheaper kept than formed.
+struct RunningLowpass5
+{
+    static constexpr int size = 5;
+    using RowSteps = Steps<Sum5>;
+
+    template <int N>
+    [[gnu::always_inline]] static auto ofSum(simd::SplitWords<N> total)
+    {
+        return mean<size * size>(total);
     }
 };
 
@@ -180,13 +211,15 @@ LumStatus fixedMask(const MaskCall<S, D>& call, Scratch scratch)
 template <class S, class D>
 LumStatus laplacian(const MaskCall<S, D>& call, Scratch scratch)
 {
-    return fixedMask<Laplacian3, Laplacian5>(call, scratch);
+    using Mask3 = std::conditional_t<std::is_same_v<S, Lum8u>, WordLaplacian3, Laplacian3>;
+    return fixedMask<Mask3, Laplacian5>(call, scratch);
 }
 
 template <class S, class D>
 LumStatus lowpass(const MaskCall<S, D>& call, Scratch scratch)
 {
-    return fixedMask<Lowpass<Sum3>, Lowpass<Sum5>>(call, scratch);
+    using Lowpass5 = std::conditional_t<std::is_same_v<S, Lum8u>, RunningLowpass5, Lowpass<Sum5>>;
+    return fixedMask<Lowpass<Sum3>, Lowpass5>(call, scratch);
 }
 
 template <class S, class D>

@@ -11,6 +11,8 @@
 //   size            its rows and columns
 //   RowSteps        the steps along the row (Steps<...>); the ring keeps a result of each
 //   across(r)       combines the results: r(i, j) is that of the row step i in the row j of the mask
+// or, where it is a sum of all rows in integers, in place of across():
+//   ofSum(total)    the result for the sum of the row step's results, which is kept up to date from row to row
 #pragma once
 
 #include "filter/bands.hpp"
@@ -39,7 +41,7 @@ struct MaskProduct
     template <class Results>
     [[gnu::always_inline]] static auto across(Results r)
     {
-        return ColumnStep::of([=](int j) { return r(0, j); });
+        return ColumnStep::of([&](int j) { return r(0, j); });
     }
 };
 
@@ -92,7 +94,7 @@ struct MaskArithmetic<Lum32f>
     template <class Step>
     [[gnu::always_inline]] static Value along(const Lum32f* s)
     {
-        return Step::of([=](int i) { return simd::load<lanes>(s + i - Step::size / 2); });
+        return Step::of([&](int i) { return simd::load<lanes>(s + i - Step::size / 2); });
     }
 
     [[gnu::always_inline]] static Value load(const Element* p)
@@ -112,6 +114,12 @@ struct MaskArithmetic<Lum32f>
     }
 };
 
+template <class Mask>
+inline constexpr bool isRunningSum = requires(simd::SplitWords<16> total)
+{
+    Mask::ofSum(total);
+};
+
 /// The steps of a mask at one block of a row, with the rows of the ring in the order of the image: the last one takes
 /// what the row steps make of the row that comes in.
 template <class Mask, class S, class D>
@@ -125,41 +133,57 @@ struct MaskBlock
     static constexpr int blockElements = lanes * steps;
 
     Element* rows[Mask::size];
+    Element* totals;  ///< for a mask that sums
 
-    /// The row steps alone.
+    /// The row steps.
     [[gnu::always_inline]] void along(const S* s, int64_t block) const
     {
-        enter(s, block, typename Mask::RowSteps{});
+        enter(s, block * blockElements, typename Mask::RowSteps{});
     }
 
-    /// Both; what goes to the destination.
-    [[gnu::always_inline]] auto through(const S* s, int64_t block) const
+    /// The column step: what goes to the destination.
+    [[gnu::always_inline]] auto across(int64_t block) const
     {
-        const auto entered = enter(s, block, typename Mask::RowSteps{});
-        return Arithmetic::template result<D>(Mask::across([=, this](int i, int j) {
-            return j == Mask::size - 1 ? entered[static_cast<size_t>(i)]
-                                       : Arithmetic::load(rows[j] + block * blockElements + i * lanes);
-        }));
+        const int64_t at = block * blockElements;
+        if constexpr (isRunningSum<Mask>)
+            return Arithmetic::template result<D>(Mask::ofSum(Arithmetic::load(totals + at)));
+        else
+            return Arithmetic::template result<D>(
+                Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); }));
     }
 
   private:
     template <class... RowSteps>
-    [[gnu::always_inline]] std::array<Value, steps> enter(const S* s, int64_t block, Steps<RowSteps...>) const
+    [[gnu::always_inline]] void enter(const S* s, int64_t at, Steps<RowSteps...>) const
     {
-        const std::array<Value, steps> entered{Arithmetic::template along<RowSteps>(s)...};
-        for (int i = 0; i < steps; ++i)
-            Arithmetic::store(rows[Mask::size - 1] + block * blockElements + i * lanes,
-                              entered[static_cast<size_t>(i)]);
-        return entered;
+        Element* const to = rows[Mask::size - 1] + at;
+        if constexpr (isRunningSum<Mask>) {
+            // the slot still holds the row that leaves the mask
+            const auto entering = Arithmetic::template along<RowSteps...>(s);
+            Arithmetic::store(totals + at, Arithmetic::load(totals + at) + (entering - Arithmetic::load(to)));
+            Arithmetic::store(to, entering);
+        } else {
+            int i = 0;
+            (Arithmetic::store(to + i++ * lanes, Arithmetic::template along<RowSteps>(s)), ...);
+        }
     }
 };
 
-/// Where the pixels of a run of blocks come from.
+/// Where a run of blocks is read, and the row that will be wanted next.
 template <class S>
 struct MaskSource
 {
     const S* first;  ///< the first pixel of the first block
     int64_t step;    ///< from block to block: `lanes`, or 0 if all are alike
+    const S* ahead;
+};
+
+/// Where a run of blocks is written, and the row that will be wanted next.
+template <class D>
+struct MaskDestination
+{
+    D* first;
+    const D* ahead;
 };
 
 template <class Block, class S>
@@ -169,11 +193,32 @@ template <class Block, class S>
         steps.along(s, block);
 }
 
+/// The column step of a block follows its row steps, so that the loads of the one overlap with the arithmetic of the
+/// other.
 template <class Block, class S, class D>
-[[gnu::flatten, gnu::noinline]] void maskThrough(Block steps, MaskSource<S> src, D* dst, int64_t block, int64_t end)
+[[gnu::flatten, gnu::noinline]] void maskThrough(Block steps, MaskSource<S> src, MaskDestination<D> dst, int64_t block,
+                                                 int64_t end)
 {
-    for (const S* s = src.first; block < end; ++block, s += src.step, dst += Block::lanes)
-        simd::store(dst, steps.through(s, block));
+    constexpr int64_t lineBytes = 64;
+    constexpr int64_t blocksOfLine = lineBytes / (Block::lanes * static_cast<int64_t>(sizeof(S)));
+    const S* s = src.first;
+    const auto one = [&] {
+        steps.along(s, block);
+        simd::store(dst.first, steps.across(block));
+        s += src.step;
+        dst.first += Block::lanes;
+        ++block;
+    };
+    while (block + blocksOfLine <= end) {
+        simd::prefetch<blocksOfLine * Block::lanes>(src.ahead);
+        simd::prefetch<blocksOfLine * Block::lanes>(dst.ahead);
+        src.ahead += blocksOfLine * Block::lanes;
+        dst.ahead += blocksOfLine * Block::lanes;
+        for (int i = 0; i < blocksOfLine; ++i)
+            one();
+    }
+    while (block < end)
+        one();
 }
 
 template <class S, class D>
@@ -196,13 +241,19 @@ class MaskBand
     static constexpr int64_t lanes = Block::lanes;
     static constexpr int64_t reach = Mask::size / 2;
 
+    static constexpr int64_t shortRow = 256 / static_cast<int64_t>(sizeof(S));
+    static_assert(shortRow >= lanes);
+
+    /// The rows of the mask, and the totals of a mask that sums.
+    static constexpr int64_t ringRows = Mask::size + (isRunningSum<Mask> ? 1 : 0);
+
   public:
     /// Bytes of space for each block of the band.
     static constexpr int64_t blockBytes =
-        lanes * static_cast<int64_t>(Mask::size * Mask::RowSteps::count * sizeof(Element) + sizeof(D));
+        lanes * static_cast<int64_t>(ringRows * Mask::RowSteps::count * sizeof(Element) + sizeof(D));
 
     /// Bytes of space beside the blocks.
-    static constexpr int64_t edgeBytes = roundedUp((lanes + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64);
+    static constexpr int64_t edgeBytes = roundedUp((shortRow + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64);
 
     MaskBand(const MaskImages<S, D>& images, int64_t begin, int64_t end, Lum8u* space)
         : images_(images),
@@ -211,8 +262,11 @@ class MaskBand
           blocks_((end - begin + lanes - 1) / lanes),
           edge_(reinterpret_cast<S*>(space)),
           ring_{reinterpret_cast<Element*>(space + edgeBytes), blocks_ * Block::blockElements, Mask::size},
-          line_(reinterpret_cast<D*>(ring_.slot(Mask::size)))
+          line_(reinterpret_cast<D*>(ring_.slot(ringRows)))
     {
+        if constexpr (isRunningSum<Mask>)
+            for (Element* p = ring_.rows; p < ring_.slot(ringRows); p += lanes)
+                simd::store(p, simd::broadcast<lanes>(Element{0}));
     }
 
     void run()
@@ -221,6 +275,7 @@ class MaskBand
             Block block;
             for (int64_t j = 0; j < Mask::size; ++j)
                 block.rows[j] = ring_.rowBehind(step.firstSlot, j);
+            block.totals = ring_.slot(Mask::size);
             if (step.output < 0) {
                 eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t) {
                     maskIn(block, src, first, last);
@@ -230,8 +285,10 @@ class MaskBand
             D* const row = images_.dst.row(step.output) + begin_;
             const bool isAside = images_.isLarge || end_ - begin_ < lanes;
             D* const out = isAside ? line_ : row;
+            const int64_t next = step.output + 1 < images_.roiSize.height ? step.output + 1 : step.output;
+            const D* const ahead = isShort() ? line_ : images_.dst.row(next) + begin_;
             eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t x) {
-                maskThrough(block, src, out + x, first, last);
+                maskThrough(block, src, MaskDestination<D>{out + x, ahead + x}, first, last);
             });
             if (isAside)
                 storeRow<lanes>(row, end_ - begin_, images_.isLarge,
@@ -240,6 +297,13 @@ class MaskBand
     }
 
   private:
+    /// Whether rows are laid out as a whole: they are short, and may have less than a block. There is no point in
+    /// asking for the next one.
+    bool isShort() const
+    {
+        return end_ - begin_ <= shortRow;
+    }
+
     /// Where block i begins within the band.
     int64_t offset(int64_t i) const
     {
@@ -252,10 +316,13 @@ class MaskBand
     template <class Run>
     void eachRun(const RingStep& step, Run run)
     {
+        const int64_t height = images_.roiSize.height;
+        const int64_t next = step.row + 1 < 0 ? 0 : step.row + 1 < height ? step.row + 1 : height - 1;
+        const S* const ahead = isShort() ? edge_ : images_.src.row(next) + begin_;
         if (step.isConstant) {
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
                 edge_[x] = images_.borderValue;
-            const MaskSource<S> constant{edge_ + reach, 0};
+            const MaskSource<S> constant{edge_ + reach, 0, ahead};
             if (blocks_ > 1)
                 run(constant, 0, blocks_ - 1, 0);
             run(constant, blocks_ - 1, blocks_, offset(blocks_ - 1));
@@ -266,15 +333,23 @@ class MaskBand
         const auto single = [&](int64_t i) {
             const int64_t x = begin_ + offset(i);
             if (row.isInMemory(x - reach, x + lanes + reach)) {
-                run(MaskSource<S>{row.row + x, lanes}, i, i + 1, offset(i));
+                run(MaskSource<S>{row.row + x, lanes, ahead + offset(i)}, i, i + 1, offset(i));
                 return;
             }
-            const int64_t n = end_ - x < lanes ? end_ - x : lanes;
-            row.read(x - reach, x + n + reach, edge_);
-            for (int64_t j = n + 2 * reach; j < lanes + 2 * reach; ++j)
-                edge_[j] = S{};
-            run(MaskSource<S>{edge_ + reach, lanes}, i, i + 1, offset(i));
+            row.read(x - reach, x + lanes + reach, edge_);
+            run(MaskSource<S>{edge_ + reach, lanes, ahead + offset(i)}, i, i + 1, offset(i));
         };
+        if (isShort()) {
+            const int64_t n = end_ - begin_;
+            row.read(begin_ - reach, end_ + reach, edge_);
+            for (int64_t x = n + 2 * reach; x < lanes + 2 * reach; ++x)
+                edge_[x] = S{};
+            const int64_t full = n < lanes ? 1 : n / lanes;
+            run(MaskSource<S>{edge_ + reach, lanes, ahead}, 0, full, 0);
+            if (full < blocks_)
+                run(MaskSource<S>{edge_ + reach + offset(full), lanes, ahead}, full, blocks_, offset(full));
+            return;
+        }
         // the blocks [first, last) can be read in place
         const int64_t first = row.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
         const int64_t readable = row.readableTo(end_ + reach) - reach - begin_;
@@ -282,7 +357,8 @@ class MaskBand
         if (first == 1)
             single(0);
         if (first < last)
-            run(MaskSource<S>{row.row + begin_ + first * lanes, lanes}, first, last, first * lanes);
+            run(MaskSource<S>{row.row + begin_ + first * lanes, lanes, ahead + first * lanes}, first, last,
+                first * lanes);
         for (int64_t i = first < last ? last : first; i < blocks_; ++i)
             single(i);
     }
@@ -290,7 +366,7 @@ class MaskBand
     const MaskImages<S, D>& images_;
     int64_t begin_, end_;
     int64_t blocks_;
-    S* edge_;  ///< a block and its neighbours, laid out
+    S* edge_;  ///< a block and its neighbours, laid out, or a short row
     RingOf<Element> ring_;
     D* line_;  ///< a row of results that is not stored at once
 };

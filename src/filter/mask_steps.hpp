@@ -138,7 +138,15 @@ struct Neighbours3 : StepOf<3>
     }
 };
 
-/// What the 3x3 Laplacian keeps of a row.
+struct TwofoldNeighbours3 : StepOf<3>
+{
+    template <class Tap>
+    [[gnu::always_inline]] static constexpr auto of(Tap t)
+    {
+        return times<2>(t(0) + t(2));
+    }
+};
+
 struct EightfoldCentre3 : StepOf<3>
 {
     template <class Tap>

@@ -34,34 +34,54 @@ template <int N>
     return {a.even * factors, a.odd * factors};
 }
 
-/// The upper words of the 32-bit products.
+/// (a * factor) >> 16.
 template <int N>
 [[gnu::always_inline]] inline Vec<Lum16s, N> highProduct(Vec<Lum16s, N> a, Lum16s factor)
 {
     using V = Vec<Lum16s, N>;
     if constexpr (kindOf<Lum16s, N> == Kind::pair)
         return {highProduct(a.lo, factor), highProduct(a.hi, factor)};
-    else if constexpr (N == 1)
-        return {static_cast<Lum16s>(a.raw * factor >> 16)};
-    else {
-        const auto factors = bits(broadcast<N>(factor).raw);
-        if constexpr (sizeof(V) == 16)
-            return {(typename V::Raw)_mm_mulhi_epi16(bits(a.raw), factors)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_mulhi_epi16(bits(a.raw), bits(broadcast<N>(factor).raw))};
 #if defined(__AVX2__)
-        else if constexpr (sizeof(V) == 32)
-            return {(typename V::Raw)_mm256_mulhi_epi16(bits(a.raw), factors)};
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_mulhi_epi16(bits(a.raw), bits(broadcast<N>(factor).raw))};
 #endif
 #if defined(__AVX512BW__)
-        else
-            return {(typename V::Raw)_mm512_mulhi_epi16(bits(a.raw), factors)};
+    else
+        return {(typename V::Raw)_mm512_mulhi_epi16(bits(a.raw), bits(broadcast<N>(factor).raw))};
 #endif
-    }
+}
+
+/// (a * factor + 0x4000) >> 15.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16s, N> roundedProduct(Vec<Lum16s, N> a, Lum16s factor)
+{
+    using V = Vec<Lum16s, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {roundedProduct(a.lo, factor), roundedProduct(a.hi, factor)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_mulhrs_epi16(bits(a.raw), bits(broadcast<N>(factor).raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_mulhrs_epi16(bits(a.raw), bits(broadcast<N>(factor).raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_mulhrs_epi16(bits(a.raw), bits(broadcast<N>(factor).raw))};
+#endif
 }
 
 template <int N>
 [[gnu::always_inline]] inline SplitWords<N> highProduct(SplitWords<N> a, Lum16s factor)
 {
     return {highProduct(a.even, factor), highProduct(a.odd, factor)};
+}
+
+template <int N>
+[[gnu::always_inline]] inline SplitWords<N> roundedProduct(SplitWords<N> a, Lum16s factor)
+{
+    return {roundedProduct(a.even, factor), roundedProduct(a.odd, factor)};
 }
 
 /// even * v[2 i] + odd * v[2 i + 1] for each pair of bytes; both products fit a word together.
@@ -73,7 +93,12 @@ template <int even, int odd, int N>
     using V = Vec<Lum16s, N / 2>;
     if constexpr (kindOf<Lum8u, N> == Kind::pair)
         return {pairSums<even, odd>(v.lo), pairSums<even, odd>(v.hi)};
-    else {
+    else if constexpr (even == 1 && odd == 0)
+        return {(typename V::Raw)v.raw & 0xff};
+    else if constexpr (even == 0 && odd == 1) {
+        typedef Lum16u Unsigned __attribute__((vector_size(sizeof(V))));
+        return {(typename V::Raw)((Unsigned)v.raw >> 8)};
+    } else {
         constexpr auto weights = static_cast<Lum16s>(static_cast<Lum8u>(even) | static_cast<Lum8u>(odd) << 8);
         const auto pairs = bits(broadcast<N / 2>(weights).raw);
         if constexpr (sizeof(V) == 16)
@@ -97,17 +122,24 @@ template <const auto& weights, int N>
     constexpr int count = static_cast<int>(weights.size());
     static_assert(count == 3 || count == 5);
     constexpr int reach = count / 2;
-    // a load for each pair of taps; the one behind the last tap has no weight
     constexpr auto weight = [](int i) { return i < 0 || i >= count ? 0 : weights[static_cast<size_t>(i)]; };
-    const auto pair = [&]<int p>(std::integral_constant<int, p>) -> SplitWords<N> {
-        const auto bytes = load<N>(s - reach + 2 * p);
-        return {pairSums<weight(2 * p), weight(2 * p + 1)>(bytes), pairSums<weight(2 * p - 1), weight(2 * p)>(bytes)};
-    };
-    const auto sums = pair(std::integral_constant<int, 0>{}) + pair(std::integral_constant<int, 1>{});
-    if constexpr (count == 3)
-        return sums;
-    else
-        return sums + pair(std::integral_constant<int, 2>{});
+    if constexpr (count == 3 && weight(0) == weight(1) && weight(1) == weight(2)) {
+        // the pair that begins at the pixel itself belongs to the sums of both its pixels
+        const auto both = pairSums<weight(0), weight(0)>(load<N>(s));
+        return {both + pairSums<weight(0), 0>(load<N>(s - 1)), both + pairSums<0, weight(0)>(load<N>(s + 1))};
+    } else {
+        // a load for each pair of taps; the one behind the last tap has no weight
+        const auto pair = [&]<int p>(std::integral_constant<int, p>) -> SplitWords<N> {
+            const auto bytes = load<N>(s - reach + 2 * p);
+            return {pairSums<weight(2 * p), weight(2 * p + 1)>(bytes),
+                    pairSums<weight(2 * p - 1), weight(2 * p)>(bytes)};
+        };
+        const auto sums = pair(std::integral_constant<int, 0>{}) + pair(std::integral_constant<int, 1>{});
+        if constexpr (count == 3)
+            return sums;
+        else
+            return sums + pair(std::integral_constant<int, 2>{});
+    }
 }
 
 /// The words in the order of their pixels.

@@ -264,29 +264,6 @@ void expectInTurn(int number, Setting setting, LumiSize kernelSize)
     expectFiltered<C>(turn.entry, setting, kernel);
 }
 
-constexpr LumiBorderType kBorders[] = {
-    lumBorderReplicate,
-    lumBorderMirror,
-    lumBorderConstant,
-    lumBorderInMem,
-    lumBorderConstant | lumBorderInMemLeft,
-    lumBorderMirror | lumBorderInMemRight | lumBorderInMemTop,
-    lumBorderReplicate | lumBorderInMemLeft | lumBorderInMemRight | lumBorderInMemBottom,
-};
-
-Setting placed(LumiSize size, int seed)
-{
-    Random random(static_cast<std::uint64_t>(seed) + 77);
-    Setting setting;
-    setting.size = size;
-    setting.border = kBorders[seed % 7];
-    setting.guard = random.oneIn(2) ? Guard::After : Guard::Before;
-    setting.distance = random.oneIn(2) ? 0 : static_cast<std::size_t>(random.between(0, 63));
-    setting.offset = random.oneIn(2) ? 0 : static_cast<int>(random.between(0, 63));
-    setting.gap = random.oneIn(2) ? 0 : static_cast<int>(random.between(0, 40));
-    return setting;
-}
-
 TYPED_TEST(SeparableQuick, MatchesTheReference)
 {
     int number = 0;

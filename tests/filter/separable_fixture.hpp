@@ -11,6 +11,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "filter/filter_setting.hpp"
 #include "filter/pipeline_blocks.hpp"
 #include "filter/separable_reference.hpp"
 #include "support/compare.hpp"
@@ -215,41 +216,7 @@ inline Kernel drawKernels(LumDataType kernelType, LumiSize size, bool floatImage
     return kernel;
 }
 
-// One call with everything around it.
-struct Setting
-{
-    LumiSize size = {1, 1};
-    int channels = 1;
-    LumiBorderType border = lumBorderReplicate;
-    Values values = Values::Extreme;
-    int seed = 0;  // of the pixels
-    Guard guard = Guard::After;
-    std::size_t distance = 0;  // of record and scratch from the unreadable page
-    int offset = 0;            // of the images from the page's edge, in elements
-    int gap = 0;               // between rows, in elements
-
-    template <class T>
-    Layout layout(Margins margins = {}) const
-    {
-        Layout layout;
-        layout.width = size.width;
-        layout.height = size.height;
-        layout.channels = channels;
-        layout.gap = gap * static_cast<int>(sizeof(T));
-        layout.guard = guard;
-        layout.margins = margins;
-        layout.offset = offset;
-        return layout;
-    }
-};
-
-inline std::ostream& operator<<(std::ostream& stream, const Setting& s)
-{
-    return stream << s.size.width << " x " << s.size.height << " of " << s.channels << " channels, border " << s.border
-                  << ", values " << static_cast<int>(s.values) << ", seed " << s.seed << ", page "
-                  << (s.guard == Guard::After ? "after" : "before") << ", distance " << s.distance << ", offset "
-                  << s.offset << ", gap " << s.gap;
-}
+using Setting = FilterSetting;
 
 inline std::ostream& operator<<(std::ostream& stream, const Kernel& kernel)
 {
