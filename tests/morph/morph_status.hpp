@@ -12,6 +12,26 @@ namespace lumcv::test::morph {
 constexpr Lum64s kStatusWidth = 11;
 constexpr Lum64s kStatusHeight = 6;
 
+constexpr Lum64s kTooLarge = Lum64s{1} << 31;
+constexpr Lum64s kLimit = 0x7fffffff;  ///< of a size or a stride: refused by the passes of the large entries
+
+/// Dilation and erosion of 16s images and erosion of 16u images test it, dilation of 16u images does not.
+template <class Form>
+bool refusesInPlace(Operation operation)
+{
+    return Form::dataType == lumType16s || (Form::dataType == lumType16u && operation == Operation::Erode);
+}
+
+/// What the large entries call a width or height of 0x7fffffff, and a stride of that size.
+template <class Form>
+bool limitsAreOrdinaryErrors(Operation operation)
+{
+    if (operation == Operation::Dilate) {
+        return Form::channels == 1;
+    }
+    return Form::dataType == lumType8u && Form::channels <= 3;
+}
+
 /// The images and blocks of a valid call. The source has the margins that any border asks for.
 template <class Form>
 struct StatusOperands
