@@ -64,6 +64,27 @@ struct Element
     {
         return flags & flag;
     }
+
+    struct Run
+    {
+        int64_t length, first;
+    };
+
+    /// The run of a row, of an element whose rows are one each.
+    Run run(int64_t y) const
+    {
+        if (!is(shapeCross))
+            return {rowRuns[2 * y], rowRuns[2 * y + 1]};
+        if (y == rowRuns[0])
+            return {width, 0};
+        return {1, rowRuns[1]};
+    }
+
+    /// Whether the lists' 16-bit columns reach over the whole width.
+    bool hasRowLists() const
+    {
+        return width <= 0xFFFF;
+    }
 };
 
 /// A caller's mask: width * height bytes without gaps. Rotated by 180 degrees, it is read from its end.
