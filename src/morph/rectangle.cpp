@@ -14,6 +14,8 @@ constexpr int64_t cacheBytes = 24 * 1024;
 
 int64_t bandElements(int64_t elements, int64_t widest)
 {
+    if (elements <= widest)
+        return elements;
     const int64_t bands = (elements + widest - 1) / widest;
     const int64_t even = (elements + bands - 1) / bands;
     constexpr int64_t line = 64;
