@@ -180,8 +180,8 @@ TYPED_TEST(SinglePass, SmallerRoiInTheSameBlocks)
                  {LumiSize{1, 1}, LumiSize{queried.width, 1}, LumiSize{1, queried.height}, LumiSize{3, 2},
                   LumiSize{queried.width, element.height}, LumiSize{element.width, queried.height},
                   LumiSize{queried.width - 1, queried.height - 1}, LumiSize{queried.width / 2, queried.height}}) {
-                const int width = std::min(size.width, queried.width);
-                const int height = std::min(size.height, queried.height);
+                const int width = std::clamp(size.width, 1, queried.width);
+                const int height = std::clamp(size.height, 1, queried.height);
                 Setting s = inTurn(element, width, height, number++);
                 s.queriedBeyondRoi = {queried.width - width, queried.height - height};
                 expectMorphology<TypeParam>(s);
