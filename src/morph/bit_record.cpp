@@ -41,6 +41,11 @@ LumiMorphBitRecord* layBitRecord(const CallerMask& mask, int64_t roiWidth, void*
     return record;
 }
 
+void* endOf(const LumiMorphBitRecord& record)
+{
+    return const_cast<Lum8u*>(record.pSetMask) + roundedUp(int64_t{record.maskWidth} * record.maskHeight, 16);
+}
+
 LumiDilateErodeSpec* layDilateErodeSpec(const CallerMask& mask, int64_t roiWidth, void* block)
 {
     auto* const spec = alignedIn<LumiDilateErodeSpec>(block);

@@ -30,6 +30,9 @@ inline constexpr Lum32s bitModeEmpty = 3;
 /// bitRecordBytes() at least. Of a rotated mask the anchor is that of the caller's, rotated.
 LumiMorphBitRecord* layBitRecord(const CallerMask& mask, int64_t roiWidth, void* block);
 
+/// The end of the storage.
+void* endOf(const LumiMorphBitRecord& record);
+
 }  // namespace lumcv
 
 /// The record of the 64-bit functions, at the first aligned place of its block: both records follow it, each at the
