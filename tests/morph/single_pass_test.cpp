@@ -48,17 +48,12 @@ TYPED_TEST(SinglePass, EveryElement)
 {
     int number = 0;
     for (const StructuringElement& element : elementsOfEveryShape()) {
-        for (const LumiSize size :
-             {LumiSize{1, 1}, LumiSize{2, 9}, LumiSize{12, 1}, LumiSize{19, 14}, LumiSize{45, 11}, LumiSize{83, 37}}) {
-            for (const Operation operation : kSinglePasses) {
-                Setting s = inTurn(element, size.width, size.height, number);
-                s.operation = operation;
-                expectMorphology<TypeParam>(s);
-                if (::testing::Test::HasFailure()) {
-                    return;
-                }
+        for (const LumiSize size : {LumiSize{1, 1}, LumiSize{2, 9}, LumiSize{12, 1}, LumiSize{19, 14}, LumiSize{45, 11},
+                                    LumiSize{19, 15}, LumiSize{68, 23}}) {
+            expectMorphology<TypeParam>(inTurn(element, size.width, size.height, number++));
+            if (::testing::Test::HasFailure()) {
+                return;
             }
-            ++number;
         }
     }
 }
@@ -155,7 +150,7 @@ TYPED_TEST(SinglePass, ElementsLargerThanTheImage)
                                               scattered(19, 25, 3, 13), cross(17, 17, 4, 12), rectangle(40, 1)}) {
         for (const LumiSize size : {LumiSize{1, 1}, LumiSize{2, 3}, LumiSize{17, 5}, LumiSize{20, 20}, LumiSize{21, 21},
                                     LumiSize{22, 22}, LumiSize{5, 60}}) {
-            for (int i = 0; i < 4; ++i) {
+            for (int i = 0; i < 2; ++i) {
                 expectMorphology<TypeParam>(inTurn(element, size.width, size.height, number));
                 number += 3;
             }
