@@ -231,7 +231,7 @@ class BorderValue
     GuardedBlock block_;
 };
 
-/// What the call makes of a source that offers at(x, y, channel).
+/// What the call makes of a source that offers row(y).
 template <class Form, class Source>
 Image<typename Form::Element> reference(const Setting& s, const Source& source,
                                         const typename Form::Element* borderValue)
@@ -276,6 +276,13 @@ void expectMorphology(const Setting& s)
     EXPECT_TRUE(sameImage(expected, destination));
     EXPECT_TRUE(destination.gapsIntact());
     EXPECT_TRUE(scratch.intact());
+}
+
+/// Where a form begins in a list of cases that take operations, borders and so on in turn: elsewhere than the others.
+template <class Form>
+int firstNumber()
+{
+    return Form::channels * 3 + Form::dataType * 17;
 }
 
 /// A setting whose placement is drawn from its seed.
