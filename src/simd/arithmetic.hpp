@@ -164,6 +164,33 @@ template <int N>
     }
 }
 
+/// a + b, or the greatest value where that is more, for unsigned lanes.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> addSaturated(Vec<T, N> a, Vec<T, N> b)
+{
+    static_assert(std::is_same_v<T, Lum8u> || std::is_same_v<T, Lum16u>);
+    constexpr bool bytes = sizeof(T) == 1;
+    using V = Vec<T, N>;
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {addSaturated(a.lo, b.lo), addSaturated(a.hi, b.hi)};
+    else if constexpr (N == 1) {
+        constexpr T greatest = static_cast<T>(-1);
+        return {static_cast<T>(a.raw > greatest - b.raw ? greatest : a.raw + b.raw)};
+    } else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)(bytes ? _mm_adds_epu8(bits(a.raw), bits(b.raw))
+                                        : _mm_adds_epu16(bits(a.raw), bits(b.raw)))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)(bytes ? _mm256_adds_epu8(bits(a.raw), bits(b.raw))
+                                        : _mm256_adds_epu16(bits(a.raw), bits(b.raw)))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)(bytes ? _mm512_adds_epu8(bits(a.raw), bits(b.raw))
+                                        : _mm512_adds_epu16(bits(a.raw), bits(b.raw)))};
+#endif
+}
+
 /// a - b, or 0 where that is negative, for unsigned lanes.
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> subtractSaturated(Vec<T, N> a, Vec<T, N> b)
