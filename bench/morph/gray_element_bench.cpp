@@ -11,7 +11,7 @@ template <typename T>
 using Apply = LumStatus (*)(const T*, Lum32s, T*, Lum32s, LumiSize, LumiBorderType, const LumiMorphGrayRecord*);
 
 template <typename T, typename Height>
-auto grayElement(Apply<T> function, Init<Height> init, int side)
+auto grayElement(Apply<T> function, Init<Height> init, int side, int lowered = 0)
 {
     return [=](Job& job) -> Call {
         const auto s = job.source<T>();
@@ -21,7 +21,7 @@ auto grayElement(Apply<T> function, Init<Height> init, int side)
         for (int j = 0; j < side; ++j)
             for (int i = 0; i < side; ++i) {
                 const int x = i - side / 2, y = j - side / 2;
-                dome.push_back(Height(side * side / 4 - x * x - y * y));
+                dome.push_back(Height(side / 2 * (side / 2) * 2 - x * x - y * y - lowered));
             }
         auto* const record =
             reinterpret_cast<LumiMorphGrayRecord*>(job.block<Lum8u>(dome.size() * sizeof(Height) + 32));
@@ -30,9 +30,9 @@ auto grayElement(Apply<T> function, Init<Height> init, int side)
     };
 }
 
-auto bytes(Apply<Lum8u> function, int side)
+auto bytes(Apply<Lum8u> function, int side, int lowered = 0)
 {
-    return grayElement(function, lumiMorphGrayInit_8u_C1R, side);
+    return grayElement(function, lumiMorphGrayInit_8u_C1R, side, lowered);
 }
 
 auto floats(Apply<Lum32f> function, int side)
@@ -44,6 +44,7 @@ const Rows rows{{
     {"lumiGrayDilateBorder_8u_C1R", "3x3", {}, bytes(lumiGrayDilateBorder_8u_C1R, 3)},
     {"lumiGrayDilateBorder_8u_C1R", "5x5", {}, bytes(lumiGrayDilateBorder_8u_C1R, 5)},
     {"lumiGrayDilateBorder_8u_C1R", "15x15", {}, bytes(lumiGrayDilateBorder_8u_C1R, 15)},
+    {"lumiGrayDilateBorder_8u_C1R", "5x5 +-", {}, bytes(lumiGrayDilateBorder_8u_C1R, 5, 4)},
     {"lumiGrayErodeBorder_8u_C1R", "5x5", {}, bytes(lumiGrayErodeBorder_8u_C1R, 5)},
     {"lumiGrayDilateBorder_32f_C1R", "3x3", {}, floats(lumiGrayDilateBorder_32f_C1R, 3)},
     {"lumiGrayDilateBorder_32f_C1R", "5x5", {}, floats(lumiGrayDilateBorder_32f_C1R, 5)},
