@@ -229,52 +229,84 @@ LumStatus lumiMorphAdvInit_1u_C1R(LumiSize roiSize, const Lum8u* pMask, LumiSize
     return lumOk;
 }
 
-LumStatus lumiMorphOpenBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphOpenBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst,
+                                     Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType,
+                                     Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return border(Compound::open, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, borderValue, pSpec, pBuffer);
+    return border(Compound::open, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                  borderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphOpen_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep, Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType, const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphOpen_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep,
+                                 Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType,
+                                 const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return apply(Compound::open, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, pBorderValue, pSpec, pBuffer);
+    return apply(Compound::open, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                 pBorderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphCloseBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphCloseBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst,
+                                      Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType,
+                                      Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return border(Compound::close, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, borderValue, pSpec, pBuffer);
+    return border(Compound::close, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                  borderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphClose_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep, Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType, const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphClose_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep,
+                                  Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType,
+                                  const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return apply(Compound::close, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, pBorderValue, pSpec, pBuffer);
+    return apply(Compound::close, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                 pBorderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphTophatBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphTophatBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst,
+                                       Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType,
+                                       Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return border(Compound::tophat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, borderValue, pSpec, pBuffer);
+    return border(Compound::tophat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                  borderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphTophat_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep, Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType, const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphTophat_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep,
+                                   Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType,
+                                   const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return apply(Compound::tophat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, pBorderValue, pSpec, pBuffer);
+    return apply(Compound::tophat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                 pBorderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphBlackhatBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphBlackhatBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst,
+                                         Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize,
+                                         LumiBorderType borderType, Lum8u borderValue,
+                                         const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return border(Compound::blackhat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, borderValue, pSpec, pBuffer);
+    return border(Compound::blackhat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                  borderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphBlackhat_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep, Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType, const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphBlackhat_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst,
+                                     Lum64s dstStep, Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType,
+                                     const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return apply(Compound::blackhat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, pBorderValue, pSpec, pBuffer);
+    return apply(Compound::blackhat, {pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                 pBorderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphGradientBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphGradientBorder_1u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum32s srcBitOffset, Lum8u* pDst,
+                                         Lum32s dstStep, Lum32s dstBitOffset, LumiSize roiSize,
+                                         LumiBorderType borderType, Lum8u borderValue,
+                                         const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return gradientBorder({pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, borderValue, pSpec, pBuffer);
+    return gradientBorder({pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType,
+                          borderValue, pSpec, pBuffer);
 }
 
-LumStatus lumiMorphGradient_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst, Lum64s dstStep, Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType, const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
+LumStatus lumiMorphGradient_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s srcBitOffset, Lum8u* pDst,
+                                     Lum64s dstStep, Lum32s dstBitOffset, LumiSizeL roiSize, LumiBorderType borderType,
+                                     const Lum8u* pBorderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return gradient({pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, pBorderValue, pSpec, pBuffer);
+    return gradient({pSrc, srcStep, srcBitOffset}, {pDst, dstStep, dstBitOffset}, roiSize, borderType, pBorderValue,
+                    pSpec, pBuffer);
 }

@@ -68,15 +68,12 @@ template <class Bytes>
 {
     const int64_t end = begin + count;
     const int64_t last = (end - 1) >> 3;
-    const auto mergeEnd = [=](int64_t k) {
-        mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end));
-    };
+    const auto mergeEnd = [=](int64_t k) { mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end)); };
     const auto first = bytes(0, simd::Lanes<1>{}).raw;
     if (last > 0)
         mergeEnd(last);
-    simd::eachAtLeastOnce<2 * lineLanes>(begin > 0, last, [=](int64_t k, auto lanes) {
-        simd::store(row + k, bytes(k, lanes));
-    });
+    simd::eachAtLeastOnce<2 * lineLanes>(begin > 0, last,
+                                         [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
     if (begin > 0 || last == 0)
         mergeByte(row, first, maskOf(0, begin, end));
 }
@@ -110,8 +107,8 @@ template <BitOperation operation>
     const Lum8u* const far = line + (move >> 3);
     const int shift = static_cast<int>(move & 7);
     for (int64_t k = 0; k < n; k += lineLanes)
-        simd::store(line + k, combined<operation>(simd::load<lineLanes>(line + k),
-                                                  simd::loadBits<lineLanes>(far + k, shift)));
+        simd::store(line + k,
+                    combined<operation>(simd::load<lineLanes>(line + k), simd::loadBits<lineLanes>(far + k, shift)));
 }
 
 /// Makes each bit of a line the combination of `length` bits from it on.
@@ -203,9 +200,8 @@ class Pass
         Lum8u* const to = line_ + padding_;
         const int64_t step = src_.bytes.step, begin = firstByte_, end = lastByte_ + 1;
         const auto each = [&](auto bytes) {
-            simd::eachAtLeastOnce<lineLanes>(begin, end, [=](int64_t k, auto lanes) {
-                simd::store(to + k, bytes(k, lanes));
-            });
+            simd::eachAtLeastOnce<lineLanes>(begin, end,
+                                             [=](int64_t k, auto lanes) { simd::store(to + k, bytes(k, lanes)); });
         };
         if (count == 1)
             each([=](int64_t k, auto lanes) { return simd::load<lanes>(row + k); });
@@ -283,10 +279,10 @@ class Pass
     BitPlane<const Lum8u> src_;
     LumiSizeL size_;
     BitBorder border_;
-    int64_t left_, right_;           ///< the element's reach
-    int64_t firstByte_, lastByte_;   ///< of a source row, with what lies in memory beside it
-    int64_t padding_;                ///< the source row's first byte in the line
-    int64_t origin_;                 ///< its first pixel's bit in the line
+    int64_t left_, right_;          ///< the element's reach
+    int64_t firstByte_, lastByte_;  ///< of a source row, with what lies in memory beside it
+    int64_t padding_;               ///< the source row's first byte in the line
+    int64_t origin_;                ///< its first pixel's bit in the line
     int64_t lineBytes_;
     Lum8u* line_;
     Lum8u* result_;

@@ -23,7 +23,8 @@ struct BitPlane
     Plane<Byte> bytes;
     int64_t offset;
 
-    BitPlane(Byte* first, int64_t step, int64_t bitOffset) : bytes{first + (bitOffset >> 3), step}, offset(bitOffset & 7)
+    BitPlane(Byte* first, int64_t step, int64_t bitOffset)
+        : bytes{first + (bitOffset >> 3), step}, offset(bitOffset & 7)
     {
     }
 

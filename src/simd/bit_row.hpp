@@ -40,8 +40,8 @@ template <int N>
     if constexpr (N == 1)
         return {static_cast<Lum8u>((p[0] | p[1] << 8) >> shift)};
     else  // a 64-bit lane lacks its upper bits; the lane that starts a byte later has them, and agrees on all others
-        return reinterpreted<Lum8u>(joined(reinterpreted<uint64_t>(load<N>(p)), shift,
-                                           reinterpreted<uint64_t>(load<N>(p + 1)), 8 - shift));
+        return reinterpreted<Lum8u>(
+            joined(reinterpreted<uint64_t>(load<N>(p)), shift, reinterpreted<uint64_t>(load<N>(p + 1)), 8 - shift));
 }
 
 }  // namespace lumcv::simd
