@@ -169,8 +169,10 @@ LumStatus apply(Compound compound, BitOperand<const Lum8u> src, BitOperand<Lum8u
     const auto& record = *alignedIn<LumiMorphCompoundSpecL>(pSpec);
     const auto& second = *record.pSecond->pBits;
     const Borders borders = BorderParts(borderType).borders();
-    const Margins margins{borders.second.left ? second.anchorX : 0, borders.second.right ? second.rightRadius : 0,
-                          borders.second.top ? second.anchorY : 0, borders.second.bottom ? second.bottomRadius : 0};
+    Margins margins;
+    if (second.mode != bitModeEmpty)  // an empty element copies and looks at nothing around the ROI
+        margins = {borders.second.left ? second.anchorX : 0, borders.second.right ? second.rightRadius : 0,
+                   borders.second.top ? second.anchorY : 0, borders.second.bottom ? second.bottomRadius : 0};
     const LumiSizeL grown{roiSize.width + margins.left + margins.right, roiSize.height + margins.top + margins.bottom};
     const LumStatus status = bitLimits(grown, src.step, dst.step);
     if (status == lumOk)
