@@ -2546,8 +2546,8 @@ LUMCV_API LumStatus lumiGrayErodeBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcSt
  * #include <stdlib.h>
  * #include <string.h>
  *
- * LumStatus keepObject(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize, LumiPoint
- * seed)
+ * LumStatus keepObject(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
+ *                      LumiPoint seed)
  * {
  *     Lum32s bytes = 0;
  *     LumStatus status = lumiMorphReconstructGetBufferSize(roiSize, lumType8u, 1, &bytes);
