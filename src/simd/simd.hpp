@@ -3,6 +3,7 @@
 
 #include "simd/arithmetic.hpp"
 #include "simd/convert.hpp"
+#include "simd/lanes.hpp"
 #include "simd/row.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"
