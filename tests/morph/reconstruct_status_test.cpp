@@ -127,13 +127,13 @@ TEST(ReconstructSizesQuick, QueryChecksInDocumentedOrder)
     }
     expectStatusOrder(A{.pBufferSize = &bytes, .result = &bytes}, order);
 
-    order.resize(5);
-    order.erase(order.begin() + 1);  // the widths are taken by the violation that follows
-    order.erase(order.begin() + 2);
-    order.push_back({"type 7", lumErrDataType, [](A& a) { a.dataType = lumType16s; }});
-    order.push_back({"3 channels", lumErrChannels, [](A& a) { a.numChannels = 3; }});
-    order.push_back({"too large", lumErrSizeTooLarge, [](A& a) { a.roiSize.width = kIntMax; }});
-    expectStatusOrder(A{.pBufferSize = &bytes, .result = &bytes}, order);
+    // the size of the result comes last
+    expectStatusOrder(A{.pBufferSize = &bytes, .result = &bytes},
+                      {{"pBufferSize null", lumErrNullPointer, [](A& a) { a.pBufferSize = nullptr; }},
+                       {"height 0", lumErrSize, [](A& a) { a.roiSize.height = 0; }},
+                       {"type 7", lumErrDataType, [](A& a) { a.dataType = lumType16s; }},
+                       {"3 channels", lumErrChannels, [](A& a) { a.numChannels = 3; }},
+                       {"too large", lumErrSizeTooLarge, [](A& a) { a.roiSize.width = kIntMax; }}});
 }
 
 template <class C>
