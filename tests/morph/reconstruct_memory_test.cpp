@@ -15,17 +15,17 @@ namespace lumcv::test::reconstruct {
 namespace {
 
 template <class C>
-class ReconstructMemoryQuick : public testing::Test
+class ReconstructMemory : public testing::Test
 {
 };
-TYPED_TEST_SUITE(ReconstructMemoryQuick, Cases, CaseName);
+TYPED_TEST_SUITE(ReconstructMemory, Cases, CaseName);
 
 // The last byte of every row, and the first, stands at an unreadable page; the mask cannot be written.
-TYPED_TEST(ReconstructMemoryQuick, RowsStandAlone)
+TYPED_TEST(ReconstructMemory, RowsStandAlone)
 {
     using T = typename TypeParam::T;
     Random random(71);
-    for (const int width : {1, 2, 3, 4, 7, 8, 10, 11, 15, 16, 17, 31, 32, 33, 64, 65}) {
+    for (const int width : {1, 2, 4, 7, 11, 16, 17, 32, 33, 65}) {
         for (const Guard guard : {Guard::After, Guard::Before}) {
             for (const LumiDistanceNorm norm : kNorms) {
                 const Pattern maskLevels = noise(width, 6, 7, random);
@@ -53,7 +53,7 @@ TYPED_TEST(ReconstructMemoryQuick, RowsStandAlone)
 }
 
 // Scratch of exactly the queried size at any byte address, at both ends of a page.
-TYPED_TEST(ReconstructMemoryQuick, ScratchAtAnyAddress)
+TYPED_TEST(ReconstructMemory, ScratchAtAnyAddress)
 {
     using T = typename TypeParam::T;
     Random random(72);
@@ -62,23 +62,23 @@ TYPED_TEST(ReconstructMemoryQuick, ScratchAtAnyAddress)
         const Pattern markerLevels = drawMarker(levels, random);
         const Image<T> mask = imageOf<T>(TypeParam::form, Palette::Wide, levels);
         const Image<T> marker = imageOf<T>(TypeParam::form, Palette::Wide, markerLevels);
-        for (const LumiDistanceNorm norm : kNorms) {
-            Image<T> expected = marker;
-            byQueue(TypeParam::form, norm, mask, expected);
-            for (std::size_t distance = 0; distance < 64; ++distance) {
-                for (const Guard guard : {Guard::After, Guard::Before}) {
-                    Image<T> actual = marker;
-                    ASSERT_TRUE(reconstructed<TypeParam>(mask, actual, norm, guard, distance))
-                        << "distance to the page " << distance;
-                    ASSERT_TRUE(sameImage(expected, actual)) << "distance to the page " << distance;
-                }
+        Image<T> expected[] = {marker, marker};
+        byQueue(TypeParam::form, kNorms[0], mask, expected[0]);
+        byQueue(TypeParam::form, kNorms[1], mask, expected[1]);
+        for (std::size_t distance = 0; distance < 64; ++distance) {
+            for (const Guard guard : {Guard::After, Guard::Before}) {
+                const std::size_t n = (distance / 2 + static_cast<std::size_t>(guard)) % 2;
+                Image<T> actual = marker;
+                ASSERT_TRUE(reconstructed<TypeParam>(mask, actual, kNorms[n], guard, distance))
+                    << "distance to the page " << distance;
+                ASSERT_TRUE(sameImage(expected[n], actual)) << "distance to the page " << distance;
             }
         }
     }
 }
 
 // Every width and height around the lanes: the scratch of the formula does for all of them.
-TYPED_TEST(ReconstructMemoryQuick, ScratchOfEverySize)
+TYPED_TEST(ReconstructMemory, ScratchOfEverySize)
 {
     using T = typename TypeParam::T;
     Random random(73);
@@ -97,7 +97,7 @@ TYPED_TEST(ReconstructMemoryQuick, ScratchOfEverySize)
 }
 
 // What the scratch holds at first means nothing.
-TYPED_TEST(ReconstructMemoryQuick, ScratchHoldsNothing)
+TYPED_TEST(ReconstructMemory, ScratchHoldsNothing)
 {
     using T = typename TypeParam::T;
     Random random(74);
@@ -122,7 +122,7 @@ TYPED_TEST(ReconstructMemoryQuick, ScratchHoldsNothing)
 }
 
 // Scratch for a larger ROI serves a smaller one.
-TYPED_TEST(ReconstructMemoryQuick, ScratchServesSmallerRois)
+TYPED_TEST(ReconstructMemory, ScratchServesSmallerRois)
 {
     using T = typename TypeParam::T;
     Random random(75);
@@ -142,7 +142,7 @@ TYPED_TEST(ReconstructMemoryQuick, ScratchServesSmallerRois)
 }
 
 // The stride of a single row leads nowhere.
-TYPED_TEST(ReconstructMemoryQuick, StrideOfASingleRow)
+TYPED_TEST(ReconstructMemory, StrideOfASingleRow)
 {
     using T = typename TypeParam::T;
     constexpr int size = sizeof(T);
@@ -163,7 +163,7 @@ TYPED_TEST(ReconstructMemoryQuick, StrideOfASingleRow)
 }
 
 // Threads with a mask in common, each with its own marker and scratch; each call gives the same bytes.
-TYPED_TEST(ReconstructMemoryQuick, ThreadsShareAMask)
+TYPED_TEST(ReconstructMemory, ThreadsShareAMask)
 {
     using T = typename TypeParam::T;
     Random random(77);

@@ -230,6 +230,11 @@ enum class Palette
 
 inline constexpr Palette kPalettes[] = {Palette::Wide, Palette::Close, Palette::Zero};
 
+inline Palette drawPalette(Random& random)
+{
+    return kPalettes[random.between(0, 2)];
+}
+
 /// A level of the dilation as pixel; the levels of the erosion run the other way.
 template <class T>
 T pixelOf(Form form, Palette palette, int level)
