@@ -70,9 +70,9 @@ TYPED_TEST(ReconstructShapes, LongWays)
 {
     Random random(41);
     const Pattern crossing = transposed(serpentine(61, 201));
-    const Pattern labyrinth = maze(151, 101, random);
-    for (const Pattern& mask : {crossing, spiral(139, 117), labyrinth, uneven(crossing, random),
-                                uneven(labyrinth, random), percolation(160, 120, 60, random)}) {
+    const Pattern labyrinth = maze(121, 81, random);
+    for (const Pattern& mask : {crossing, spiral(99, 87), labyrinth, uneven(crossing, random),
+                                uneven(labyrinth, random), percolation(120, 90, 60, random)}) {
         expectReference<TypeParam>(drawPalette(random), mask, seedAt(mask, 0, 0));
     }
 }
