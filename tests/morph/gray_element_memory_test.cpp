@@ -25,7 +25,7 @@ TYPED_TEST(GrayElementMemory, RowsStandAlone)
 {
     using T = typename TypeParam::T;
     Random random(21);
-    for (const int width : {1, 2, 5, 8, 16, 17, 33, 66}) {
+    for (const int width : {1, 2, 5, 8, 15, 16, 17, 31, 33, 66}) {
         for (const Guard guard : {Guard::After, Guard::Before}) {
             for (const LumiSize size : {LumiSize{3, 3}, LumiSize{6, 1}, LumiSize{1, 4}, LumiSize{21, 9}}) {
                 const LumiSize roiSize = {width, 5};
