@@ -64,46 +64,85 @@ LumiMorphGrayRecord recordAt(const LumiMorphGrayRecord* pState)
     return record;
 }
 
-/// Pixels plus a height, or minus it in erosion.
-template <bool dilates, class Lanes>
-[[gnu::always_inline]] inline auto met(const Lum32f* pixels, const Lum8u* height, Lanes lanes)
+/// The pixels plus a height, or minus it in erosion.
+template <bool dilates, int N>
+[[gnu::always_inline]] inline simd::Vec<Lum32f, N> met(simd::Vec<Lum32f, N> pixels, simd::Vec<Lum32f, N> height)
 {
-    Lum32f h;
-    std::memcpy(&h, height, sizeof h);
-    if constexpr (dilates)
-        return simd::load<lanes>(pixels) + simd::broadcast<lanes>(h);
-    else
-        return simd::load<lanes>(pixels) - simd::broadcast<lanes>(h);
+    return dilates ? pixels + height : pixels - height;
 }
 
-template <bool dilates, class Lanes>
-[[gnu::always_inline]] inline auto met(const Lum8u* pixels, const Lum8u* height, Lanes lanes)
+/// Bytes with the magnitude of a height that is not negative.
+template <bool dilates, int N>
+[[gnu::always_inline]] inline simd::Vec<Lum8u, N> met(simd::Vec<Lum8u, N> pixels, simd::Vec<Lum8u, N> magnitude)
 {
-    Lum32s h;
-    std::memcpy(&h, height, sizeof h);
-    h = h < -255 ? -255 : h > 255 ? 255 : h;
-    const auto up = simd::broadcast<lanes>(static_cast<Lum8u>(h > 0 ? h : 0));
-    const auto down = simd::broadcast<lanes>(static_cast<Lum8u>(h < 0 ? -h : 0));
-    if constexpr (dilates)
-        return simd::subtractSaturated(simd::addSaturated(simd::load<lanes>(pixels), up), down);
-    else
-        return simd::addSaturated(simd::subtractSaturated(simd::load<lanes>(pixels), up), down);
+    return dilates ? simd::addSaturated(pixels, magnitude) : simd::subtractSaturated(pixels, magnitude);
 }
 
 /// The better of two; the second of equal ones.
 template <bool dilates, class V>
 [[gnu::always_inline]] inline V better(V candidate, V best)
 {
-    if constexpr (dilates)
-        return simd::max(candidate, best);
-    else
-        return simd::min(candidate, best);
+    return dilates ? simd::max(candidate, best) : simd::min(candidate, best);
 }
 
 constexpr int64_t clamped(int64_t i, int64_t n)
 {
     return i < 0 ? 0 : i >= n ? n - 1 : i;
 }
+
+/// A position of the element, and its height as the word that a broadcast puts into all lanes: four equal bytes for 8u.
+template <class T>
+struct Position
+{
+    using Word = std::conditional_t<sizeof(T) == 1, Lum32u, T>;
+    Lum32s row, column;
+    Word height;
+
+    template <int N>
+    [[gnu::always_inline]] auto heights() const
+    {
+        constexpr int words = N * static_cast<int>(sizeof(T)) / static_cast<int>(sizeof(Word));
+        return simd::reinterpreted<T>(simd::broadcast<words>(height));
+    }
+};
+
+/// Consecutive positions of the element, as many as the stack holds without regret. Of 8u, those with a negative height
+/// stand behind the others, and all have magnitudes.
+template <class T>
+struct Positions
+{
+    static constexpr int64_t most = 256;
+    int64_t first = 0, count = 0, notNegative = 0;
+    Position<T> values[most];
+
+    void read(const LumiMorphGrayRecord& record, int64_t firstPosition)
+    {
+        const int64_t left = static_cast<int64_t>(record.maskWidth) * record.maskHeight - firstPosition;
+        first = firstPosition;
+        count = left < most ? left : most;
+        notNegative = 0;
+        int64_t end = count;
+        auto row = static_cast<Lum32s>(first / record.maskWidth);
+        auto column = static_cast<Lum32s>(first % record.maskWidth);
+        for (int64_t i = 0; i < count; ++i) {
+            const Lum8u* const height = record.pMask + (first + i) * heightBytes;
+            if constexpr (sizeof(T) == 1) {
+                Lum32s value;
+                std::memcpy(&value, height, sizeof value);
+                const int magnitude = value < -255 || value > 255 ? 255 : value < 0 ? -value : value;
+                values[value < 0 ? --end : notNegative++] = {row, column, 0x01010101u * static_cast<Lum32u>(magnitude)};
+            } else {
+                values[i] = {row, column, 0};
+                std::memcpy(&values[i].height, height, sizeof values[i].height);
+                ++notNegative;
+            }
+            if (++column == record.maskWidth) {
+                column = 0;
+                ++row;
+            }
+        }
+    }
+};
 
 /// Calls body(x, lanes) for blocks that cover [begin, end), which holds restLanes at least: as wide ones as possible,
 /// and at the end one that overlaps.
@@ -124,87 +163,130 @@ class GrayElement
 {
   public:
     GrayElement(const LumiMorphGrayRecord& record, Plane<const T> src, LumiSize roiSize)
-        : record_(record), src_(src), size_(widened(roiSize)), rowHeights_(heightBytes * record.maskWidth)
+        : record_(record),
+          src_(src),
+          size_(widened(roiSize)),
+          begin_(record.anchorX),
+          end_(size_.width - (record.maskWidth - 1 - record.anchorX))
     {
+        if (end_ - begin_ < simd::restLanes)
+            begin_ = end_ = size_.width;
     }
 
-    void applyRow(T* dst, int64_t y) const
+    bool hasInside() const
     {
-        const int64_t begin = record_.anchorX;
-        const int64_t end = size_.width - (record_.maskWidth - 1 - record_.anchorX);
-        if (end - begin < simd::restLanes) {
-            applyAtEdge(dst, y, 0, size_.width);
-            return;
+        return begin_ < end_;
+    }
+
+    /// Lets a part of the element meet the pixels of a row whose neighbours all lie within the row. After the first
+    /// part the destination holds the best so far.
+    void applyInside(T* dst, int64_t y, const Positions<T>& positions) const
+    {
+        const T* neighbours[Positions<T>::most];
+        for (int64_t i = 0; i < positions.count; ++i) {
+            const Position<T>& position = positions.values[i];
+            neighbours[i] = row(y + position.row) + position.column - record_.anchorX;
         }
-        applyAtEdge(dst, y, 0, begin);
-        applyInside(dst, y, begin, end);
-        applyAtEdge(dst, y, end, size_.width);
+        meetInside(dst, neighbours, positions);
+    }
+
+    /// Lets the whole element meet the other pixels of a row.
+    void applyAtEdges(T* dst, int64_t y) const
+    {
+        meetAtEdge(dst, y, 0, begin_);
+        meetAtEdge(dst, y, end_, size_.width);
     }
 
   private:
-    /// Eight registers of results.
-    static constexpr int wideLanes = 8 * simd::registerLanes<T>;
-
+    /// The row of the source that a row of the element falls on.
     const T* row(int64_t y) const
     {
-        return src_.row(clamped(y, size_.height));
+        return src_.row(clamped(y - record_.anchorY, size_.height));
     }
 
-    /// Pixels whose neighbours all lie within the row.
-    [[gnu::flatten, gnu::noinline]] void applyInside(T* dst, int64_t y, int64_t begin, int64_t end) const
+    [[gnu::flatten, gnu::noinline]] void meetInside(T* dst, const T* const* neighbours,
+                                                    const Positions<T>& positions) const
     {
-        const int64_t firstRow = y - record_.anchorY;
-        eachBlock<wideLanes>(begin, end, [=, this](int64_t x, auto lanes) {
-            const int64_t left = x - record_.anchorX;
-            const Lum8u* height = record_.pMask;
-            auto best = met<dilates>(row(firstRow) + left, height, lanes);
-            for (int64_t j = 0; j < record_.maskHeight; ++j) {
-                const T* const pixels = row(firstRow + j) + left;
-                for (int64_t i = 0; i < record_.maskWidth; ++i, height += heightBytes)
-                    best = better<dilates>(met<dilates>(pixels + i, height, lanes), best);
-            }
+        constexpr int eightRegisters = 8 * simd::registerLanes<T>;
+        eachBlock<eightRegisters>(begin_, end_, [=, &positions](int64_t x, auto lanes) {
+            const auto candidate = [&](int64_t i, auto raises) {
+                return met<raises>(simd::load<lanes>(neighbours[i] + x), positions.values[i].template heights<lanes>());
+            };
+            constexpr auto raises = std::bool_constant<dilates>{};
+            constexpr auto lowers = std::bool_constant<!dilates>{};
+            auto best = positions.first > 0         ? simd::load<lanes>(dst + x)
+                        : positions.notNegative > 0 ? candidate(0, raises)
+                                                    : candidate(0, lowers);
+            for (int64_t i = 0; i < positions.notNegative; ++i)
+                best = better<dilates>(candidate(i, raises), best);
+            for (int64_t i = positions.notNegative; i < positions.count; ++i)
+                best = better<dilates>(candidate(i, lowers), best);
             simd::store(dst + x, best);
         });
     }
 
-    /// Pixels some of whose neighbours lie outside the row: what a few columns of the element meet is put together in a
-    /// line first, with the pixels at the ends repeated.
-    [[gnu::flatten, gnu::noinline]] void applyAtEdge(T* dst, int64_t y, int64_t begin, int64_t end) const
+    [[gnu::flatten, gnu::noinline]] void meetAtEdge(T* dst, int64_t y, int64_t begin, int64_t end) const
     {
         constexpr int n = simd::restLanes;
         constexpr int64_t columns = 33;
-        using Lanes = simd::Lanes<n>;
         for (int64_t x = begin; x < end; x += n) {
-            simd::Vec<T, n> best{};
+            simd::Vec<T, n> best;
             bool isFirst = true;
-            for (int64_t j = 0; j < record_.maskHeight; ++j) {
-                const T* const pixels = row(y - record_.anchorY + j);
-                const Lum8u* const heights = record_.pMask + j * rowHeights_;
-                for (int64_t first = 0; first < record_.maskWidth; first += columns) {
-                    const int64_t count =
-                        record_.maskWidth - first < columns ? record_.maskWidth - first : int64_t{columns};
-                    T line[columns - 1 + n];
-                    const int64_t left = x - record_.anchorX + first;
-                    for (int64_t i = 0; i < count - 1 + n; ++i)
-                        line[i] = pixels[clamped(left + i, size_.width)];
-                    for (int64_t i = 0; i < count; ++i) {
-                        const auto candidate = met<dilates>(line + i, heights + (first + i) * heightBytes, Lanes{});
+            for (int64_t j = 0; j < record_.maskHeight; ++j)
+                for (int64_t i = 0; i < record_.maskWidth; i += columns) {
+                    const int64_t count = record_.maskWidth - i < columns ? record_.maskWidth - i : columns;
+                    T line[columns - 1 + 2 * n];
+                    readLine(row(y + j), x - record_.anchorX + i, count - 1 + n, line);
+                    const Lum8u* height = record_.pMask + (j * record_.maskWidth + i) * heightBytes;
+                    for (int64_t k = 0; k < count; ++k, height += heightBytes) {
+                        const auto candidate = candidateAt(line + k, height);
                         best = isFirst ? candidate : better<dilates>(candidate, best);
                         isFirst = false;
                     }
                 }
-            }
             T results[n];
             simd::store(results, best);
-            const int64_t count = end - x < n ? end - x : n;
-            std::memcpy(dst + x, results, static_cast<size_t>(count) * sizeof(T));
+            std::memcpy(dst + x, results, static_cast<size_t>(end - x < n ? end - x : n) * sizeof(T));
+        }
+    }
+
+    /// Pixels of a row from any place on, those at its ends repeated. The line has room for restLanes more.
+    [[gnu::always_inline]] void readLine(const T* pixels, int64_t first, int64_t count, T* line) const
+    {
+        constexpr int n = simd::restLanes;
+        const int64_t begin = first >= 0 ? 0 : -first < count ? -first : count;
+        const int64_t right = size_.width - first;
+        const int64_t end = right <= begin ? begin : right < count ? right : count;
+        for (int64_t i = 0; i < begin; i += n)
+            simd::store(line + i, simd::broadcast<n>(pixels[0]));
+        simd::eachAtLeastOnce<n>(
+            begin, end, [=](int64_t i, auto lanes) { simd::store(line + i, simd::load<lanes>(pixels + first + i)); });
+        for (int64_t i = end; i < count; i += n)
+            simd::store(line + i, simd::broadcast<n>(pixels[size_.width - 1]));
+    }
+
+    /// A height of either sign, as the record holds it, with a vector of pixels.
+    [[gnu::always_inline]] static auto candidateAt(const T* pixels, const Lum8u* height)
+    {
+        constexpr int n = simd::restLanes;
+        if constexpr (sizeof(T) == 1) {
+            Lum32s value;
+            std::memcpy(&value, height, sizeof value);
+            const auto up = static_cast<Lum8u>(value < 0 ? 0 : value > 255 ? 255 : value);
+            const auto down = static_cast<Lum8u>(value > 0 ? 0 : value < -255 ? 255 : -value);
+            const auto raised = met<dilates>(simd::load<n>(pixels), simd::broadcast<n>(up));
+            return met<!dilates>(raised, simd::broadcast<n>(down));
+        } else {
+            T value;
+            std::memcpy(&value, height, sizeof value);
+            return met<dilates>(simd::load<n>(pixels), simd::broadcast<n>(value));
         }
     }
 
     LumiMorphGrayRecord record_;
     Plane<const T> src_;
     LumiSizeL size_;
-    int64_t rowHeights_;  ///< bytes
+    int64_t begin_, end_;  ///< the columns whose neighbours all lie within a row; none if they are few
 };
 
 template <bool dilates, class T>
@@ -224,9 +306,17 @@ LumStatus applyGrayElement(Plane<const T> src, Plane<T> dst, LumiSize roiSize, L
     const LumiMorphGrayRecord record = recordAt(pState);
     if (roiSize.width > record.maxWidth || roiSize.height > record.maxHeight)
         return lumErrSize;
+
     const GrayElement<dilates, T> element(record, src, roiSize);
     for (int64_t y = 0; y < roiSize.height; ++y)
-        element.applyRow(dst.row(y), y);
+        element.applyAtEdges(dst.row(y), y);
+    const int64_t positionCount = element.hasInside() ? static_cast<int64_t>(record.maskWidth) * record.maskHeight : 0;
+    Positions<T> positions;
+    for (int64_t first = 0; first < positionCount; first += positions.count) {
+        positions.read(record, first);
+        for (int64_t y = 0; y < roiSize.height; ++y)
+            element.applyInside(dst.row(y), y, positions);
+    }
     return lumOk;
 }
 

@@ -217,6 +217,70 @@ template <class T, int N>
 #endif
 }
 
+/// The smaller one, of signed 16-bit lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16s, N> min(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
+{
+    using V = Vec<Lum16s, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {min(a.lo, b.lo), min(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw < b.raw ? a.raw : b.raw};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_min_epi16(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_min_epi16(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_min_epi16(bits(a.raw), bits(b.raw))};
+#endif
+}
+
+/// The greater one, of signed 16-bit lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16s, N> max(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
+{
+    using V = Vec<Lum16s, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {max(a.lo, b.lo), max(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw > b.raw ? a.raw : b.raw};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_max_epi16(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_max_epi16(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_max_epi16(bits(a.raw), bits(b.raw))};
+#endif
+}
+
+/// a - b, held at the ends of 16 bits.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16s, N> subtractSaturated(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
+{
+    using V = Vec<Lum16s, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {subtractSaturated(a.lo, b.lo), subtractSaturated(a.hi, b.hi)};
+    else if constexpr (N == 1) {
+        const int difference = a.raw - b.raw;
+        return {static_cast<Lum16s>(difference < -32768 ? -32768 : difference > 32767 ? 32767 : difference)};
+    } else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_subs_epi16(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_subs_epi16(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_subs_epi16(bits(a.raw), bits(b.raw))};
+#endif
+}
+
 /// |a - b|, exact for unsigned integers.
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> absoluteDifference(Vec<T, N> a, Vec<T, N> b)

@@ -9,6 +9,18 @@ namespace lumcv::simd {
 template <class T>
 inline constexpr int groupLanes = 16 / static_cast<int>(sizeof(T));
 
+/// The same bits as lanes of another type.
+template <class To, class From, int N>
+[[gnu::always_inline]] inline auto reinterpreted(Vec<From, N> v)
+{
+    using V = Vec<To, N* static_cast<int>(sizeof(From)) / static_cast<int>(sizeof(To))>;
+    static_assert(kindOf<From, N> != Kind::scalar && sizeof(V) == sizeof v);
+    if constexpr (kindOf<From, N> == Kind::pair)
+        return V{reinterpreted<To>(v.lo), reinterpreted<To>(v.hi)};
+    else
+        return V{(typename V::Raw)v.raw};
+}
+
 /// Moves the lanes of each group up by d places; d lanes of `fill`, which has one value in all lanes, come in.
 template <int d, class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> movedUp(Vec<T, N> v, Vec<T, N> fill)

@@ -2,6 +2,7 @@
 // vector: scalars, single registers and pairs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cfenv>
 #include <cmath>
@@ -189,6 +190,32 @@ TEST(Simd, StreamedStoresArriveAfterTheFence)
     };
     forIntegers(check);
     forLaneCounts<Lum32f>(check);
+}
+
+TEST(Simd, ExtremesOfIntegersFollowTheSign)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed), b = drawn<T, N>(seed + 1000);
+            const auto va = vectorOf<N>(a), vb = vectorOf<N>(b);
+            expectLanes<T, N>(simd::min(va, vb), [&](int i) { return a[i] < b[i] ? a[i] : b[i]; });
+            expectLanes<T, N>(simd::max(va, vb), [&](int i) { return a[i] > b[i] ? a[i] : b[i]; });
+        }
+    };
+    forLaneCounts<Lum8u>(check);
+    forLaneCounts<Lum16u>(check);
+    forLaneCounts<Lum16s>(check);
+}
+
+TEST(Simd, SignedDifferencesSaturateAtBothEnds)
+{
+    forLaneCounts<Lum16s>([]<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed), b = drawn<T, N>(seed + 1000);
+            expectLanes<T, N>(simd::subtractSaturated(vectorOf<N>(a), vectorOf<N>(b)),
+                              [&](int i) { return static_cast<T>(std::clamp(a[i] - b[i], -32768, 32767)); });
+        }
+    });
 }
 
 TEST(Simd, UnsignedDifferencesSaturateAndAreExact)
