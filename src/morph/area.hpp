@@ -76,9 +76,10 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch);
 
 /// Grows windows along a line: with from[x] the extreme of `length` pixels from x on, `unit` elements apart, to[x]
 /// becomes that of `longer` pixels, for n elements. In `line` there is room for n + (longer - 1) * unit elements; from,
-/// line and to may be the same.
+/// line and to may be the same. What lies `ahead` bytes behind `from` is asked for on the way, if that is not 0.
 template <class Operation, class T>
-void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, int64_t unit, int64_t n);
+void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, int64_t unit, int64_t n,
+                 int64_t ahead = 0);
 
 /// The cross, or disc, of 3x3.
 template <class Operation, class T>

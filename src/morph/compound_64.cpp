@@ -66,9 +66,11 @@ LumStatus run(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderTyp
     const Stage first{elementOf(record.pFirst), border.first()};
     const Stage second{elementOf(record.pSecond), border.second()};
     const Element& element = second.element;
-    const Growth growth{
-        second.border.left ? element.anchorX : 0, second.border.right ? element.width - 1 - element.anchorX : 0,
-        second.border.top ? element.anchorY : 0, second.border.bottom ? element.height - 1 - element.anchorY : 0};
+    Growth growth;
+    if (!element.copies())
+        growth = {
+            second.border.left ? element.anchorX : 0, second.border.right ? element.width - 1 - element.anchorX : 0,
+            second.border.top ? element.anchorY : 0, second.border.bottom ? element.height - 1 - element.anchorY : 0};
 
     const LumiSizeL grown{roiSize.width + growth.left + growth.right, roiSize.height + growth.top + growth.bottom};
     const int64_t step = intermediateStep<T>(grown.width, channels);

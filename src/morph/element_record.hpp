@@ -65,6 +65,12 @@ struct Element
         return flags & flag;
     }
 
+    /// An empty element and one of a single position copy the image and look at nothing around it.
+    bool copies() const
+    {
+        return is(shapeEmpty) || (width == 1 && height == 1);
+    }
+
     struct Run
     {
         int64_t length, first;

@@ -51,7 +51,7 @@ class Pass
 
     void run()
     {
-        if (element_.is(shapeEmpty) || (element_.width == 1 && element_.height == 1))
+        if (element_.copies())
             return copyImage();
         if (border_.left && border_.right && border_.top && border_.bottom)
             return inPlace({0, 0, roi_.width, roi_.height});

@@ -4,6 +4,7 @@
 // from step to step. For others a ring holds rows of windows, from which a block of output rows is combined: the rows
 // that all of them see are taken together once, and what each sees above and below is added step by step.
 #include "morph/area.hpp"
+#include "morph/morph_sizes.hpp"
 
 namespace lumcv {
 namespace {
@@ -23,14 +24,17 @@ int64_t bandElements(int64_t elements, int64_t widest)
     return whole < widest ? whole : even;
 }
 
-/// `count` windows at the given distances.
-template <int count, class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void joinWindows(const T* from, const int64_t (&distances)[4], T* to, int64_t n)
+/// `count` windows at the given distances. What lies `ahead` bytes from them is asked for, if anything does.
+template <int count, bool asksAhead, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void joinWindows(const T* from, const int64_t (&distances)[4], T* to, int64_t n,
+                                                 int64_t ahead)
 {
     const int64_t d1 = distances[1], d2 = distances[2], d3 = distances[3];
     eachInPlace<lanesIn<T, 2>>(
         n,
         [=](int64_t x, auto lanes) {
+            if constexpr (asksAhead && lanes > 1)
+                simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
             auto extreme = Operation{}(simd::load<lanes>(from + x), simd::load<lanes>(from + x + d1));
             if constexpr (count > 2)
                 extreme = Operation{}(extreme, simd::load<lanes>(from + x + d2));
@@ -41,8 +45,8 @@ template <int count, class Operation, class T>
         [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
 }
 
-template <int size, class Operation, class T, class Lanes>
-[[gnu::always_inline]] inline auto window(const T* first, int64_t channels, Lanes lanes)
+template <int size, int channels, class Operation, class T, class Lanes>
+[[gnu::always_inline]] inline auto window(const T* first, Lanes lanes)
 {
     auto extreme = simd::load<lanes>(first);
     for (int i = 1; i < size; ++i)
@@ -50,119 +54,109 @@ template <int size, class Operation, class T, class Lanes>
     return extreme;
 }
 
-template <class V, int n>
-struct Several
+/// Calls body(x, place) for the vectors of a row of n elements, N at least, with a place for what each vector carries
+/// from row to row. The last one may overlap the one before it, but what they carry does not.
+template <int N, int carriedVectors, class T, class Body>
+[[gnu::always_inline]] inline void eachCarrying(int64_t n, T* carried, Body body)
 {
-    V of[n];
-};
-
-/// Rows that a square of `size` carries along: entry i holds the extreme of the last size - 1 - i rows of windows.
-template <class T, int size>
-struct Carried
-{
-    T* rows;
-    int64_t pitch;
-
-    T* row(int i) const
-    {
-        return rows + i * pitch;
-    }
-};
-
-/// Computes `rows` output rows from as many new rows, of which `src` is the first window, and what is carried; replaces
-/// that by the new rows if these are enough.
-template <int size, int rows, class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void advance(Plane<const T> src, Plane<T> dst, Carried<T, size> carried, int64_t n,
-                                             int64_t channels, int64_t rowsAhead)
-{
-    constexpr bool carries = rows == size - 1;
-    constexpr int N = lanesIn < T, size == 3 ? 2 : 1 > ;
-    const T* s[rows];
-    T* d[rows];
-    T* c[size - 1];
-    for (int i = 0; i < rows; ++i) {
-        s[i] = src.row(i);
-        d[i] = dst.row(i);
-    }
-    for (int i = 0; i < size - 1; ++i)
-        c[i] = carried.row(i);
-    const int64_t srcAhead = src.step * rowsAhead, dstAhead = dst.step * rowsAhead;
-    eachInPlace<N>(
-        n,
-        [=](int64_t x, auto lanes) {
-            using V = simd::Vec<T, lanes>;
-            Several<V, rows> fresh;
-            for (int i = 0; i < rows; ++i) {
-                fresh.of[i] = window<size, Operation>(s[i] + x, channels, lanes);
-                if constexpr (lanes > 1)
-                    simd::prefetch<lanes>(rowAt(s[i] + x, srcAhead, 1));
-            }
-            Several<V, rows + size - 1> results;
-            V below = fresh.of[0];
-            for (int i = 0; i < rows; ++i) {
-                if (i > 0)
-                    below = Operation{}(below, fresh.of[i]);
-                results.of[i] = Operation{}(simd::load<lanes>(c[i] + x), below);
-                if constexpr (lanes > 1)
-                    simd::prefetch<lanes>(rowAt(static_cast<const T*>(d[i] + x), dstAhead, 1));
-            }
-            if constexpr (carries) {
-                V above = fresh.of[rows - 1];
-                results.of[rows + size - 2] = above;
-                for (int i = size - 3; i >= 0; --i) {
-                    above = Operation{}(fresh.of[i], above);
-                    results.of[rows + i] = above;
-                }
-            }
-            return results;
-        },
-        [=](int64_t x, auto results) {
-            for (int i = 0; i < rows; ++i)
-                simd::store(d[i] + x, results.of[i]);
-            if constexpr (carries)
-                for (int i = 0; i < size - 1; ++i)
-                    simd::store(c[i] + x, results.of[rows + i]);
-        });
+    int64_t x = 0;
+    for (; x + N <= n; x += N, carried += carriedVectors * N)
+        body(x, carried);
+    if (x < n)
+        body(n - N, carried);
 }
 
-/// Fills what is carried from the first size - 1 rows.
-template <int size, class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, Carried<T, size> carried, int64_t n,
-                                                   int64_t channels)
+template <class T>
+inline constexpr int squareLanes = lanesIn<T, 2>;
+
+/// What a square of `size` carries for each vector: place i holds the extreme of the last size - 1 - i rows of windows.
+/// These are the first of them.
+template <int size, int channels, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, T* carried, int64_t n)
 {
-    simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=](int64_t x, auto lanes) {
-        auto above = window<size, Operation>(src.row(size - 2) + x, channels, lanes);
-        simd::store(carried.row(size - 2) + x, above);
+    constexpr int N = squareLanes<T>;
+    const int64_t step = src.step;
+    const T* const first = src.pixels;
+    eachCarrying<N, size - 1>(n, carried, [=](int64_t x, T* place) {
+        simd::Lanes<N> lanes;
+        auto above = window<size, channels, Operation>(rowAt(first + x, step, size - 2), lanes);
+        simd::store(place + (size - 2) * N, above);
         for (int i = size - 3; i >= 0; --i) {
-            above = Operation{}(window<size, Operation>(src.row(i) + x, channels, lanes), above);
-            simd::store(carried.row(i) + x, above);
+            above = Operation{}(window<size, channels, Operation>(rowAt(first + x, step, i), lanes), above);
+            simd::store(place + i * N, above);
         }
     });
 }
 
-template <int size, class Operation, class T>
-void smallSquare(Area<T> area, Scratch scratch)
+/// Computes `rows` output rows from as many new rows, of which `src` is the first window, and what is carried; replaces
+/// that by the new rows if these are enough. The rows that many further on are asked for.
+template <int size, int channels, int rows, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void advance(Plane<const T> src, Plane<T> dst, T* carried, int64_t n, int64_t rowsAhead)
+{
+    constexpr int N = squareLanes<T>;
+    const int64_t srcStep = src.step, dstStep = dst.step;
+    const int64_t srcAhead = srcStep * rowsAhead, dstAhead = dstStep * rowsAhead;
+    const T* const srcFirst = src.pixels;
+    T* const dstFirst = dst.pixels;
+    eachCarrying<N, size - 1>(n, carried, [=](int64_t x, T* place) {
+        using V = simd::Vec<T, N>;
+        simd::Lanes<N> lanes;
+        V fresh[rows];
+        V below;
+        for (int i = 0; i < rows; ++i) {
+            const T* const first = rowAt(srcFirst + x, srcStep, i);
+            T* const to = rowAt(dstFirst + x, dstStep, i);
+            simd::prefetch<N>(rowAt(first, srcAhead, 1));
+            simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
+            fresh[i] = window<size, channels, Operation>(first, lanes);
+            below = i == 0 ? fresh[0] : Operation{}(below, fresh[i]);
+            simd::store(to, Operation{}(simd::load<N>(place + i * N), below));
+        }
+        if constexpr (rows == size - 1) {
+            V above = fresh[rows - 1];
+            simd::store(place + (size - 2) * N, above);
+            for (int i = size - 3; i >= 0; --i) {
+                above = Operation{}(fresh[i], above);
+                simd::store(place + i * N, above);
+            }
+        }
+    });
+}
+
+/// The columns that are worked through at a time, or 0 if there are too few or what they carry does not fit into the
+/// scratch. Which it is does not depend on the processor level: a not-a-number comes out by the order of operations.
+template <int size, class T>
+int64_t squareBand(int64_t elements, Scratch scratch)
+{
+    constexpr int widestVector = 128;
+    static_assert(squareLanes<T> <= widestVector);
+    const int64_t band = bandElements(elements, cacheBytes / 2 / (size - 1) / static_cast<int64_t>(sizeof(T)));
+    const int64_t carriedBytes = roundedUp(band, widestVector) * (size - 1) * static_cast<int64_t>(sizeof(T));
+    return band >= widestVector && carriedBytes <= scratch.bytes ? band : 0;
+}
+
+template <int size, int channels, class Operation, class T>
+void square(Area<T> area, int64_t band, Scratch scratch)
 {
     constexpr int radius = size / 2;
     constexpr int step = size - 1;
-    const int64_t widest = cacheBytes / 2 / (step * static_cast<int64_t>(sizeof(T)));
-    const int64_t band = bandElements(area.elements, widest);
-    const Carried<T, size> carried{reinterpret_cast<T*>(scratch.begin), band};
-    for (int64_t begin = 0; begin < area.elements; begin += band) {
-        const int64_t n = begin + band < area.elements ? band : area.elements - begin;
-        const Plane<const T> src{area.src.row(-radius) + begin - radius * area.channels, area.src.step};
+    T* const carried = reinterpret_cast<T*>(scratch.begin);
+    for (int64_t end = 0; end < area.elements;) {
+        const int64_t begin = end + band <= area.elements ? end : area.elements - band;
+        end = begin + band;
+        const Plane<const T> src{area.src.row(-radius) + begin - radius * channels, area.src.step};
         const Plane<T> dst{area.dst.pixels + begin, area.dst.step};
         const auto srcFrom = [&](int64_t y) { return Plane<const T>{src.row(y), src.step}; };
         const auto dstFrom = [&](int64_t y) { return Plane<T>{dst.row(y), dst.step}; };
-        beginCarrying<size, Operation>(src, carried, n, area.channels);
+        beginCarrying<size, channels, Operation>(src, carried, band);
         int64_t y = 0;
         for (; y + step <= area.height; y += step) {
             const int64_t ahead = y + 2 * step <= area.height ? step : 0;
-            advance<size, step, Operation>(srcFrom(y + step), dstFrom(y), carried, n, area.channels, ahead);
+            advance<size, channels, step, Operation>(srcFrom(y + step), dstFrom(y), carried, band, ahead);
         }
         const auto rest = [&]<int rows>(simd::Lanes<rows>) {
             if (area.height - y == rows)
-                advance<size, rows, Operation>(srcFrom(y + step), dstFrom(y), carried, n, area.channels, 0);
+                advance<size, channels, rows, Operation>(srcFrom(y + step), dstFrom(y), carried, band, 0);
         };
         rest(simd::Lanes<1>{});
         if constexpr (step > 2) {
@@ -170,6 +164,24 @@ void smallSquare(Area<T> area, Scratch scratch)
             rest(simd::Lanes<3>{});
         }
     }
+}
+
+/// A square of 3x3 or 5x5; false if the area is too narrow.
+template <int size, class Operation, class T>
+bool smallSquare(Area<T> area, Scratch scratch)
+{
+    const int64_t band = squareBand<size, T>(area.elements, scratch);
+    if (band == 0)
+        return false;
+    if (area.channels == 1)
+        square<size, 1, Operation>(area, band, scratch);
+    if constexpr (!std::is_same_v<T, Lum16u> && !std::is_same_v<T, Lum16s>) {
+        if (area.channels == 3)
+            square<size, 3, Operation>(area, band, scratch);
+        if (area.channels == 4)
+            square<size, 4, Operation>(area, band, scratch);
+    }
+    return true;
 }
 
 /// Rows of windows: those of a ring, or those of the image itself where a window is one pixel wide.
@@ -189,7 +201,8 @@ struct WindowRows
 
 /// Combines `height` rows each into `rows` output rows; rows <= height.
 template <int rows, class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void joinRows(WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n)
+[[gnu::flatten, gnu::noinline]] void joinRows(WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n,
+                                              int64_t dstAhead)
 {
     const T* above[rows];
     const T* below[rows];
@@ -221,6 +234,9 @@ template <int rows, class Operation, class T>
         seen[rows - 1] = common;
         for (int i = rows - 2; i >= 0; --i)
             seen[i] = Operation{}(simd::load<lanes>(above[i] + x), seen[i + 1]);
+        if constexpr (lanes > 1)
+            for (int i = 0; i < rows; ++i)
+                simd::prefetch<lanes>(static_cast<const T*>(rowAt(d[i] + x, dstAhead, 1)));
         simd::store(d[0] + x, seen[0]);
         if constexpr (rows > 1) {
             V rest = simd::load<lanes>(below[1] + x);
@@ -245,53 +261,61 @@ int64_t blockRows(int64_t windowRows, int64_t remaining)
 }
 
 template <class Operation, class T>
-void joinBlock(int64_t rows, WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n)
+void joinBlock(int64_t rows, WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n, int64_t dstAhead)
 {
     switch (rows) {
         case 8:
-            return joinRows<8, Operation>(windows, height, dst, n);
+            return joinRows<8, Operation>(windows, height, dst, n, dstAhead);
         case 4:
-            return joinRows<4, Operation>(windows, height, dst, n);
+            return joinRows<4, Operation>(windows, height, dst, n, dstAhead);
         case 2:
-            return joinRows<2, Operation>(windows, height, dst, n);
+            return joinRows<2, Operation>(windows, height, dst, n, dstAhead);
         default:
-            return joinRows<1, Operation>(windows, height, dst, n);
+            return joinRows<1, Operation>(windows, height, dst, n, dstAhead);
     }
 }
 
 }  // namespace
 
 template <class Operation, class T>
-void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, int64_t unit, int64_t n)
+void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, int64_t unit, int64_t n, int64_t ahead)
 {
+    const auto join = [&]<int count>(simd::Lanes<count>, const int64_t(&distances)[4], T* result, int64_t elements) {
+        if (ahead != 0)
+            joinWindows<count, true, Operation>(from, distances, result, elements, ahead);
+        else
+            joinWindows<count, false, Operation>(from, distances, result, elements, 0);
+        ahead = 0;
+    };
     for (; longer > 4 * length; length *= 4, from = line)
-        joinWindows<4, Operation>(from, {0, length * unit, 2 * length * unit, 3 * length * unit}, line,
-                                  n + (longer - 4 * length) * unit);
+        join(simd::Lanes<4>{}, {0, length * unit, 2 * length * unit, 3 * length * unit}, line,
+             n + (longer - 4 * length) * unit);
     const int64_t last = (longer - length) * unit;
     if (longer <= 2 * length)
-        joinWindows<2, Operation>(from, {0, last, 0, 0}, to, n);
+        join(simd::Lanes<2>{}, {0, last, 0, 0}, to, n);
     else if (longer <= 3 * length)
-        joinWindows<3, Operation>(from, {0, length * unit, last, 0}, to, n);
+        join(simd::Lanes<3>{}, {0, length * unit, last, 0}, to, n);
     else
-        joinWindows<4, Operation>(from, {0, length * unit, 2 * length * unit, last}, to, n);
+        join(simd::Lanes<4>{}, {0, length * unit, 2 * length * unit, last}, to, n);
 }
 
 template <class Operation, class T>
 void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
 {
-    if (width == 3 && height == 3)
-        return smallSquare<3, Operation>(area, scratch);
-    if (width == 5 && height == 5)
-        return smallSquare<5, Operation>(area, scratch);
+    if (width == 3 && height == 3 && smallSquare<3, Operation>(area, scratch))
+        return;
+    if (width == 5 && height == 5 && smallSquare<5, Operation>(area, scratch))
+        return;
 
     const int64_t channels = area.channels;
     const int64_t left = width / 2 * channels, top = height / 2;
     const auto srcRow = [&](int64_t y) { return area.src.row(y - top) - left; };
+    const auto ahead = [&](int64_t y, int64_t rows) { return y + 2 * rows <= area.height ? rows * area.dst.step : 0; };
     if (width == 1) {
         for (int64_t y = 0; y < area.height;) {
             const int64_t rows = blockRows(height, area.height - y);
             joinBlock<Operation>(rows, WindowRows<T>{srcRow(y), area.src.step, INT64_MAX, 0}, height,
-                                 {area.dst.row(y), area.dst.step}, area.elements);
+                                 {area.dst.row(y), area.dst.step}, area.elements, ahead(y, rows));
             y += rows;
         }
         return;
@@ -300,7 +324,8 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
     T* const line = reinterpret_cast<T*>(scratch.begin);
     if (height == 1) {
         for (int64_t y = 0; y < area.height; ++y)
-            growWindows<Operation>(srcRow(y), 1, line, area.dst.row(y), width, channels, area.elements);
+            growWindows<Operation>(srcRow(y), 1, line, area.dst.row(y), width, channels, area.elements,
+                                   y + 1 < area.height ? area.src.step : 0);
         return;
     }
 
@@ -322,11 +347,12 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
             const int64_t rows = blockRows(height, area.height - y);
             for (; filled < y + rows + height - 1; ++filled) {
                 T* const to = ring + slot * band;
-                growWindows<Operation>(srcRow(filled) + begin, 1, line, to, width, channels, n);
+                growWindows<Operation>(srcRow(filled) + begin, 1, line, to, width, channels, n,
+                                       filled + 1 < area.height + height - 1 ? area.src.step : 0);
                 slot = slot + 1 == slots ? 0 : slot + 1;
             }
             joinBlock<Operation>(rows, WindowRows<T>{ring, band * elementBytes, slots, firstSlot}, height,
-                                 {area.dst.row(y) + begin, area.dst.step}, n);
+                                 {area.dst.row(y) + begin, area.dst.step}, n, ahead(y, rows));
             firstSlot = (firstSlot + rows) % slots;
             y += rows;
         }
@@ -341,13 +367,13 @@ template void rectangle<Minimum>(Area<Lum8u>, int64_t, int64_t, Scratch);
 template void rectangle<Minimum>(Area<Lum16u>, int64_t, int64_t, Scratch);
 template void rectangle<Minimum>(Area<Lum16s>, int64_t, int64_t, Scratch);
 template void rectangle<Minimum>(Area<Lum32f>, int64_t, int64_t, Scratch);
-template void growWindows<Maximum>(const Lum8u*, int64_t, Lum8u*, Lum8u*, int64_t, int64_t, int64_t);
-template void growWindows<Maximum>(const Lum16u*, int64_t, Lum16u*, Lum16u*, int64_t, int64_t, int64_t);
-template void growWindows<Maximum>(const Lum16s*, int64_t, Lum16s*, Lum16s*, int64_t, int64_t, int64_t);
-template void growWindows<Maximum>(const Lum32f*, int64_t, Lum32f*, Lum32f*, int64_t, int64_t, int64_t);
-template void growWindows<Minimum>(const Lum8u*, int64_t, Lum8u*, Lum8u*, int64_t, int64_t, int64_t);
-template void growWindows<Minimum>(const Lum16u*, int64_t, Lum16u*, Lum16u*, int64_t, int64_t, int64_t);
-template void growWindows<Minimum>(const Lum16s*, int64_t, Lum16s*, Lum16s*, int64_t, int64_t, int64_t);
-template void growWindows<Minimum>(const Lum32f*, int64_t, Lum32f*, Lum32f*, int64_t, int64_t, int64_t);
+template void growWindows<Maximum>(const Lum8u*, int64_t, Lum8u*, Lum8u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Maximum>(const Lum16u*, int64_t, Lum16u*, Lum16u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Maximum>(const Lum16s*, int64_t, Lum16s*, Lum16s*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Maximum>(const Lum32f*, int64_t, Lum32f*, Lum32f*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum8u*, int64_t, Lum8u*, Lum8u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum16u*, int64_t, Lum16u*, Lum16u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum16s*, int64_t, Lum16s*, Lum16s*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum32f*, int64_t, Lum32f*, Lum32f*, int64_t, int64_t, int64_t, int64_t);
 
 }  // namespace lumcv

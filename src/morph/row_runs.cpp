@@ -86,9 +86,12 @@ RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLeng
 
 /// The extreme of one line from each row.
 template <class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void joinLines(const T* const* lines, int64_t count, T* dst, int64_t n)
+[[gnu::flatten, gnu::noinline]] void joinLines(const T* const* lines, int64_t count, T* dst, int64_t n,
+                                               int64_t dstAhead)
 {
     simd::eachAtLeastOnce<lanesIn<T, 8>>(0, n, [=](int64_t x, auto lanes) {
+        if constexpr (lanes > 1)
+            simd::prefetch<lanes>(static_cast<const T*>(rowAt(dst + x, dstAhead, 1)));
         auto extreme = simd::load<lanes>(lines[0] + x);
         for (int64_t i = 1; i < count; ++i)
             extreme = Operation{}(extreme, simd::load<lanes>(lines[i] + x));
@@ -178,28 +181,34 @@ void rowRuns(Area<T> area, const Element& element, Scratch scratch)
 
     for (int64_t begin = 0; begin < area.elements; begin += layout.band) {
         const int64_t n = begin + layout.band < area.elements ? layout.band : area.elements - begin;
-        int64_t filled = 0;
+        const int64_t slotElements = layout.lines * pitch;
+        int64_t filled = 0, slot = 0, firstSlot = 0;
         for (int64_t y = 0; y < area.height; ++y) {
             for (; filled < y + element.height; ++filled) {
+                const bool isLast = filled + 1 == area.height + element.height - 1;
                 const T* from = srcRow(filled, begin);
                 int64_t length = 1;
-                T* to = ring + filled % layout.slots * layout.lines * pitch;
+                T* to = ring + slot * slotElements;
                 for (int i = hasSingle; i < lengths.count; ++i, to += pitch) {
                     const int64_t longer = lengths.length[i];
                     growWindows<Operation>(from, length, to, to, longer, channels,
-                                           n + (element.width - longer) * channels);
+                                           n + (element.width - longer) * channels,
+                                           length == 1 && !isLast ? area.src.step : 0);
                     from = to;
                     length = longer;
                 }
+                slot = slot + 1 == layout.slots ? 0 : slot + 1;
             }
             const T* lines[mostRows];
             for (int64_t i = 0; i < count; ++i) {
-                const T* const line =
-                    runs[i].line < 0 ? srcRow(y + runs[i].row, begin)
-                                     : ring + ((y + runs[i].row) % layout.slots * layout.lines + runs[i].line) * pitch;
-                lines[i] = line + runs[i].first;
+                const Run& run = runs[i];
+                int64_t at = firstSlot + run.row;
+                at = at < layout.slots ? at : at - layout.slots;
+                lines[i] = (run.line < 0 ? srcRow(y + run.row, begin) : ring + at * slotElements + run.line * pitch) +
+                           run.first;
             }
-            joinLines<Operation>(lines, count, area.dst.row(y) + begin, n);
+            joinLines<Operation>(lines, count, area.dst.row(y) + begin, n, y + 1 < area.height ? area.dst.step : 0);
+            firstSlot = firstSlot + 1 == layout.slots ? 0 : firstSlot + 1;
         }
     }
 }

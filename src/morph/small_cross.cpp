@@ -9,29 +9,30 @@ template <int rows, class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void crossRows(Plane<const T> src, Plane<T> dst, int64_t n, int64_t channels,
                                                int64_t rowsAhead)
 {
-    const T* s[rows + 2];
-    T* d[rows];
-    for (int i = 0; i < rows + 2; ++i)
-        s[i] = src.row(i - 1);
-    for (int i = 0; i < rows; ++i)
-        d[i] = dst.row(i);
-    const int64_t srcAhead = src.step * rowsAhead, dstAhead = dst.step * rowsAhead;
-    simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=](int64_t x, auto lanes) {
+    const int64_t srcStep = src.step, dstStep = dst.step;
+    const int64_t srcAhead = srcStep * rowsAhead, dstAhead = dstStep * rowsAhead;
+    const T* const srcFirst = src.pixels;
+    T* const dstFirst = dst.pixels;
+    simd::eachAtLeastOnce<lanesIn<T, 2>>(0, n, [=](int64_t x, auto lanes) {
         using V = simd::Vec<T, lanes>;
-        V above = simd::load<lanes>(s[0] + x);
-        V centre = simd::load<lanes>(s[1] + x);
+        const T* row = srcFirst + x;
+        V above = simd::load<lanes>(rowAt(row, srcStep, -1));
+        V centre = simd::load<lanes>(row);
         for (int i = 0; i < rows; ++i) {
+            T* const to = rowAt(dstFirst + x, dstStep, i);
+            const T* const next = rowAt(row, srcStep, 1);
             if constexpr (lanes > 1) {
-                simd::prefetch<lanes>(rowAt(s[i + 2] + x, srcAhead, 1));
-                simd::prefetch<lanes>(rowAt(static_cast<const T*>(d[i] + x), dstAhead, 1));
+                simd::prefetch<lanes>(rowAt(next, srcAhead, 1));
+                simd::prefetch<lanes>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
             }
-            const V below = simd::load<lanes>(s[i + 2] + x);
-            V extreme = Operation{}(above, simd::load<lanes>(s[i + 1] + x - channels));
+            const V below = simd::load<lanes>(next);
+            V extreme = Operation{}(above, simd::load<lanes>(row - channels));
             extreme = Operation{}(extreme, centre);
-            extreme = Operation{}(extreme, simd::load<lanes>(s[i + 1] + x + channels));
-            simd::store(d[i] + x, Operation{}(extreme, below));
+            extreme = Operation{}(extreme, simd::load<lanes>(row + channels));
+            simd::store(to, Operation{}(extreme, below));
             above = centre;
             centre = below;
+            row = next;
         }
     });
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simd/arithmetic.hpp"
+#include "simd/bit_row.hpp"
 #include "simd/convert.hpp"
 #include "simd/lanes.hpp"
 #include "simd/row.hpp"

@@ -79,14 +79,13 @@ StatusTable<Form> compoundOrder(Operation operation, Generation generation)
     }
     if (large) {
         const Passes passes(operation);
-        order.push_back({"width at the limit",
-                         sizeLimitStatus<Form>(passes.first),
+        order.push_back({"width at the limit", sizeLimitStatus<Form>(passes.first),
                          [](Args& a) {
                              a.roiSize.width = kLimit;
                              a.srcStep = kLimit * 64;
                              a.dstStep = kLimit * 64;
                          },
-                         {"srcStep misaligned", "dstStep misaligned"}});
+                         misalignments<Form>()});
         order.push_back(
             {"height at the limit", sizeLimitStatus<Form>(passes.first), [](Args& a) { a.roiSize.height = kLimit; }});
         order.push_back(

@@ -122,6 +122,16 @@ StatusTable<Form> emptyRois()
     };
 }
 
+/// The names of the violations that a stride which grows with the width takes back.
+template <class Form>
+std::vector<std::string> misalignments()
+{
+    if (sizeof(typename Form::Element) == 1) {
+        return {};
+    }
+    return {"srcStep misaligned", "dstStep misaligned"};
+}
+
 template <class Form>
 StatusTable<Form> strides()
 {

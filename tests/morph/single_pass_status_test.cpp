@@ -47,14 +47,13 @@ std::vector<Violation<StatusArguments<Form>>> singlePassOrder(Operation operatio
         const LumStatus sizeStatus = ordinaryErrors ? lumErrSize : lumErrSizeTooLarge;
         const LumStatus stepStatus = ordinaryErrors ? lumErrStep : lumErrSizeTooLarge;
         // the strides grow with the width, so that its row fits
-        order.push_back({"width at the limit",
-                         sizeStatus,
+        order.push_back({"width at the limit", sizeStatus,
                          [](Args& a) {
                              a.roiSize.width = kLimit;
                              a.srcStep = kLimit * 64;
                              a.dstStep = kLimit * 64;
                          },
-                         {"srcStep misaligned", "dstStep misaligned"}});
+                         misalignments<Form>()});
         order.push_back({"height at the limit", sizeStatus, [](Args& a) { a.roiSize.height = kLimit; }});
         order.push_back({"srcStep at the limit", stepStatus, [](Args& a) { a.srcStep = kTooLarge; }});
         order.push_back({"dstStep at the limit", stepStatus, [](Args& a) { a.dstStep = kTooLarge; }});

@@ -48,17 +48,12 @@ TYPED_TEST(SinglePass, EveryElement)
 {
     int number = 0;
     for (const StructuringElement& element : elementsOfEveryShape()) {
-        for (const LumiSize size :
-             {LumiSize{1, 1}, LumiSize{2, 9}, LumiSize{12, 1}, LumiSize{19, 14}, LumiSize{45, 11}, LumiSize{83, 37}}) {
-            for (const Operation operation : kSinglePasses) {
-                Setting s = inTurn(element, size.width, size.height, number);
-                s.operation = operation;
-                expectMorphology<TypeParam>(s);
-                if (::testing::Test::HasFailure()) {
-                    return;
-                }
+        for (const LumiSize size : {LumiSize{1, 1}, LumiSize{2, 9}, LumiSize{12, 1}, LumiSize{19, 14}, LumiSize{45, 11},
+                                    LumiSize{19, 15}, LumiSize{68, 23}}) {
+            expectMorphology<TypeParam>(inTurn(element, size.width, size.height, number++));
+            if (::testing::Test::HasFailure()) {
+                return;
             }
-            ++number;
         }
     }
 }
@@ -155,7 +150,7 @@ TYPED_TEST(SinglePass, ElementsLargerThanTheImage)
                                               scattered(19, 25, 3, 13), cross(17, 17, 4, 12), rectangle(40, 1)}) {
         for (const LumiSize size : {LumiSize{1, 1}, LumiSize{2, 3}, LumiSize{17, 5}, LumiSize{20, 20}, LumiSize{21, 21},
                                     LumiSize{22, 22}, LumiSize{5, 60}}) {
-            for (int i = 0; i < 4; ++i) {
+            for (int i = 0; i < 2; ++i) {
                 expectMorphology<TypeParam>(inTurn(element, size.width, size.height, number));
                 number += 3;
             }
@@ -180,8 +175,8 @@ TYPED_TEST(SinglePass, SmallerRoiInTheSameBlocks)
                  {LumiSize{1, 1}, LumiSize{queried.width, 1}, LumiSize{1, queried.height}, LumiSize{3, 2},
                   LumiSize{queried.width, element.height}, LumiSize{element.width, queried.height},
                   LumiSize{queried.width - 1, queried.height - 1}, LumiSize{queried.width / 2, queried.height}}) {
-                const int width = std::min(size.width, queried.width);
-                const int height = std::min(size.height, queried.height);
+                const int width = std::clamp(size.width, 1, queried.width);
+                const int height = std::clamp(size.height, 1, queried.height);
                 Setting s = inTurn(element, width, height, number++);
                 s.queriedBeyondRoi = {queried.width - width, queried.height - height};
                 expectMorphology<TypeParam>(s);
