@@ -2374,8 +2374,8 @@ typedef struct LumiMorphGrayRecord LumiMorphGrayRecord;
  * #include <lumcv/lumcv.h>
  * #include <stdlib.h>
  *
- * // the background below bright spots smaller than five pixels
- * LumStatus background(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize)
+ * // the height to which a dome of 5x5 pixels can be lifted below the image, at each place of its middle
+ * LumStatus liftDome(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize)
  * {
  *     const Lum32s dome[25] = {0, 1, 2, 1, 0, 1, 3, 4, 3, 1, 2, 4, 5, 4, 2, 1, 3, 4, 3, 1, 0, 1, 2, 1, 0};
  *     const LumiSize domeSize = {5, 5};
@@ -2546,8 +2546,8 @@ LUMCV_API LumStatus lumiGrayErodeBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcSt
  * #include <stdlib.h>
  * #include <string.h>
  *
- * LumStatus keepObject(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize, LumiPoint
- * seed)
+ * LumStatus keepObject(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
+ *                      LumiPoint seed)
  * {
  *     Lum32s bytes = 0;
  *     LumStatus status = lumiMorphReconstructGetBufferSize(roiSize, lumType8u, 1, &bytes);

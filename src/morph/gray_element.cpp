@@ -230,7 +230,7 @@ class GrayElement
         constexpr int n = simd::restLanes;
         constexpr int64_t columns = 33;
         for (int64_t x = begin; x < end; x += n) {
-            simd::Vec<T, n> best;
+            auto best = simd::broadcast<n>(T{0});
             bool isFirst = true;
             for (int64_t j = 0; j < record_.maskHeight; ++j)
                 for (int64_t i = 0; i < record_.maskWidth; i += columns) {
