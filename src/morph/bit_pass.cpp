@@ -7,6 +7,7 @@
 
 #include <cstring>
 
+#include "morph/morph_sizes.hpp"
 #include "simd/simd.hpp"
 
 namespace lumcv {
@@ -90,6 +91,18 @@ template <class Bytes>
         writeRow(row, begin, count, [=](int64_t k, auto lanes) { return simd::loadBits<lanes>(bytes + k, shift); });
 }
 
+/// Writes each bit of a line combined with the one before and the one behind it; the line has the bit offset of the
+/// row.
+template <BitOperation operation>
+[[gnu::flatten]] void writeTriples(Lum8u* row, int64_t begin, int64_t count, const Lum8u* line)
+{
+    writeRow(row, begin, count, [=](int64_t k, auto lanes) {
+        const auto sides =
+            combined<operation>(simd::loadBits<lanes>(line + k - 1, 7), simd::loadBits<lanes>(line + k, 1));
+        return combined<operation>(sides, simd::load<lanes>(line + k));
+    });
+}
+
 /// Combines each bit of a line of n bytes with the bits that lie `moves` behind it, all less than 8.
 template <BitOperation operation, int... moves>
 [[gnu::flatten, gnu::noinline]] void combineNear(Lum8u* line, int64_t n)
@@ -162,23 +175,37 @@ class Pass
         }
     }
 
+    /// Rows go through in batches: what has just been stored in a line is better not loaded again at once.
     void rectangle(BitPlane<Lum8u> dst)
     {
-        const int64_t top = element_.anchorY, bottom = element_.bottomRadius;
-        for (int64_t y = 0; y < size_.height; ++y) {
-            int64_t first = y - top, last = y + bottom;
-            const bool above = first < 0 && !border_.sides.top, below = last >= size_.height && !border_.sides.bottom;
-            if ((above || below) && border_.isConstant && border_.value == decisive(operation)) {
-                setBits(dst.bytes.row(y), dst.offset, dst.offset + size_.width, border_.value);
-                continue;
+        constexpr int64_t longestBatch = 4;
+        const int64_t lineStep = result_ - line_;
+        const int64_t fitting =
+            static_cast<int64_t>(bitScratchBytes(size_, {element_.maskWidth, element_.maskHeight}) / lineStep);
+        const int64_t batch = fitting < longestBatch ? fitting : longestBatch;
+        Lum8u* const lines = line_;
+        const bool isNarrow = element_.maskWidth == 3 && dst.offset == src_.offset;
+        for (int64_t begin = 0; begin < size_.height; begin += batch) {
+            const int64_t end = begin + batch < size_.height ? begin + batch : size_.height;
+            bool isDecided[longestBatch];
+            for (int64_t y = begin; y < end; ++y) {
+                line_ = lines + (y - begin) * lineStep;
+                isDecided[y - begin] = !readRowsUnder(y);
+                if (!isDecided[y - begin] && !isNarrow)
+                    growRuns<operation>(line_, lineBytes_, element_.maskWidth);
             }
-            first = above ? 0 : first;
-            last = below ? size_.height - 1 : last;
-            readRows(src_.bytes.row(first), last - first + 1);
-            extend();
-            growRuns<operation>(line_, lineBytes_, element_.maskWidth);
-            writeLine(dst.bytes.row(y), dst.offset, size_.width, line_, origin_ - left_);
+            for (int64_t y = begin; y < end; ++y) {
+                line_ = lines + (y - begin) * lineStep;
+                Lum8u* const row = dst.bytes.row(y);
+                if (isDecided[y - begin])
+                    setBits(row, dst.offset, dst.offset + size_.width, border_.value);
+                else if (isNarrow)
+                    writeTriples<operation>(row, dst.offset, size_.width, line_ + padding_);
+                else
+                    writeLine(row, dst.offset, size_.width, line_, origin_ - left_);
+            }
         }
+        line_ = lines;
     }
 
     void anyShape(BitPlane<Lum8u> dst)
@@ -194,6 +221,21 @@ class Pass
     }
 
   private:
+    /// Combines the rows under the element, with their borders, into the line; false if a border row decides all
+    /// pixels.
+    bool readRowsUnder(int64_t y)
+    {
+        int64_t first = y - element_.anchorY, last = y + element_.bottomRadius;
+        const bool above = first < 0 && !border_.sides.top, below = last >= size_.height && !border_.sides.bottom;
+        if ((above || below) && border_.isConstant && border_.value == decisive(operation))
+            return false;
+        first = above ? 0 : first;
+        last = below ? size_.height - 1 : last;
+        readRows(src_.bytes.row(first), last - first + 1);
+        extend();
+        return true;
+    }
+
     /// Combines rows, as they lie in memory, into the line.
     [[gnu::flatten]] void readRows(const Lum8u* row, int64_t count)
     {
