@@ -84,6 +84,29 @@ RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLeng
     return {lines, band < possible ? band : possible, excess, element.height};
 }
 
+/// Windows of several lengths that begin at the same pixel, each from the one before it.
+template <class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void nestedWindows(const T* from, const int64_t* lengths, int count, T* to,
+                                                   int64_t pitch, int64_t channels, int64_t n, int64_t ahead)
+{
+    simd::eachAtLeastOnce<lanesIn<T, 4>>(0, n, [=](int64_t x, auto lanes) {
+        if constexpr (lanes > 1)
+            simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
+        const T* next = from + x;
+        const T* const first = next;
+        auto extreme = simd::load<lanes>(next);
+        T* line = to + x;
+        for (int i = 0; i < count; ++i, line += pitch) {
+            const T* const last = first + (lengths[i] - 1) * channels;
+            while (next != last) {
+                next += channels;
+                extreme = Operation{}(extreme, simd::load<lanes>(next));
+            }
+            simd::store(line, extreme);
+        }
+    });
+}
+
 /// The extreme of one line from each row.
 template <class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void joinLines(const T* const* lines, int64_t count, T* dst, int64_t n,
@@ -168,6 +191,27 @@ void rowRuns(Area<T> area, const Element& element, Scratch scratch)
         return area.src.row(y - element.anchorY) + begin - element.anchorX * channels;
     };
 
+    // short windows are grown pixel by pixel, as long as that is less than a line for each doubling
+    constexpr int64_t longestNested = 12;
+    const int64_t longest = lengths.length[lengths.count - 1];
+    const auto fillSlot = [&](const T* from, T* to, int64_t n, int64_t ahead) {
+        if (layout.lines == 0)
+            return;
+        if (longest <= longestNested) {
+            nestedWindows<Operation>(from, lengths.length + hasSingle, static_cast<int>(layout.lines), to, pitch,
+                                     channels, n + (element.width - longest) * channels, ahead);
+            return;
+        }
+        int64_t length = 1;
+        for (int i = hasSingle; i < lengths.count; ++i, to += pitch) {
+            const int64_t longer = lengths.length[i];
+            growWindows<Operation>(from, length, to, to, longer, channels, n + (element.width - longer) * channels,
+                                   length == 1 ? ahead : 0);
+            from = to;
+            length = longer;
+        }
+    };
+
     struct Run
     {
         int64_t row, first;
@@ -186,17 +230,7 @@ void rowRuns(Area<T> area, const Element& element, Scratch scratch)
         for (int64_t y = 0; y < area.height; ++y) {
             for (; filled < y + element.height; ++filled) {
                 const bool isLast = filled + 1 == area.height + element.height - 1;
-                const T* from = srcRow(filled, begin);
-                int64_t length = 1;
-                T* to = ring + slot * slotElements;
-                for (int i = hasSingle; i < lengths.count; ++i, to += pitch) {
-                    const int64_t longer = lengths.length[i];
-                    growWindows<Operation>(from, length, to, to, longer, channels,
-                                           n + (element.width - longer) * channels,
-                                           length == 1 && !isLast ? area.src.step : 0);
-                    from = to;
-                    length = longer;
-                }
+                fillSlot(srcRow(filled, begin), ring + slot * slotElements, n, isLast ? 0 : area.src.step);
                 slot = slot + 1 == layout.slots ? 0 : slot + 1;
             }
             const T* lines[mostRows];
