@@ -152,8 +152,13 @@ class Pass
         const int64_t most = (lineElements - elements) / pitch + 1;
         for (int64_t y = 0; y < area.height; y += most) {
             const int64_t rows = y + most < area.height ? most : area.height - y;
-            kernelOnElements({extended_ + (y + top_) * pitch + left_ * channels_, byteStep(pitch)}, {line, 0},
-                             (rows - 1) * pitch + elements, 1);
+            const Area<T> along{{extended_ + (y + top_) * pitch + left_ * channels_, byteStep(pitch)},
+                                {line, 0},
+                                (rows - 1) * pitch + elements,
+                                1,
+                                channels_};
+            if (!element_.is(shapeRowRuns) || !rowRunsAlong<Operation>(along, pitch, element_, ring_))
+                anyShape<Operation>(along, element_);
             for (int64_t i = 0; i < rows; ++i) {
                 askFor(dst_, area.x * channels_, area.y + y + i, roi_.height);
                 copyFew(line + i * pitch, elements, dstAt(area.x, area.y + y + i));
@@ -166,6 +171,12 @@ class Pass
     {
         constexpr int64_t word = 8 / static_cast<int64_t>(sizeof(T));
         if (n < word) {
+            constexpr int64_t half = word / 2;
+            if (n >= half) {  // word is twice as much
+                copyPixel<half>(from, to);
+                copyPixel<half>(from + n - half, to + n - half);
+                return;
+            }
             for (int64_t i = 0; i < n; ++i)
                 copyPixel<1>(from + i, to + i);
             return;
@@ -277,21 +288,17 @@ class Pass
         std::memcpy(to, from, elements * sizeof(T));
     }
 
+    /// The kernel for the element's shape; all give the same image.
     void kernel(Plane<const T> src, Plane<T> dst, int64_t width, int64_t height) const
     {
-        if (width >= 1 && height >= 1)
-            kernelOnElements(src, dst, width * channels_, height);
-    }
-
-    /// The kernel for the element's shape; all give the same image.
-    void kernelOnElements(Plane<const T> src, Plane<T> dst, int64_t elements, int64_t height) const
-    {
-        const Area<T> area{src, dst, elements, height, channels_};
+        if (width < 1 || height < 1)
+            return;
+        const Area<T> area{src, dst, width * channels_, height, channels_};
         if (element_.is(shapeRectangle))
             rectangle<Operation>(area, element_.width, element_.height, ring_);
         else if ((element_.flags & (shapeDisc | shapeDisc5x5 | shapeDisc7x7)) == shapeDisc)
             smallCross<Operation>(area);
-        else if (element_.is(shapeRowRuns) && height > 1 && fitsRowRuns(area, element_, ring_))
+        else if (element_.is(shapeRowRuns) && fitsRowRuns(area, element_, ring_))
             rowRuns<Operation>(area, element_, ring_);
         else
             anyShape<Operation>(area, element_);
