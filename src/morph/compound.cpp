@@ -111,8 +111,10 @@ void compound(const Stage& first, const Stage& second, int channels, Plane<const
     const Plane<const T> secondSrc = constant(from(between.image, growth.left * channels, growth.top));
     const int64_t elements = roi.width * channels;
 
+    // in place, the first pass must have read all of the source before the second one writes
+    const int64_t rows = src.pixels == dst.pixels ? roi.height : stripRows(between.image.step, second.element.height);
     int64_t done = 0;  // rows of the intermediate image
-    eachStrip(roi.height, stripRows(between.image.step, second.element.height), [&](int64_t begin, int64_t end) {
+    eachStrip(roi.height, rows, [&](int64_t begin, int64_t end) {
         const int64_t below = growth.top + end + second.element.height / 2;
         const int64_t needed = end == roi.height || below > grown.height ? grown.height : below;
         passRows<typename Operation::First>(first, channels, grownSrc, between.image, grown, done, needed, borderValue,
