@@ -2,8 +2,8 @@
 #include "filter/derivative.hpp"
 
 #include "filter/mask_bands.hpp"
-#include "filter/pipeline_sizes.hpp"
 #include "frame/checks.hpp"
+#include "frame/rounding.hpp"
 
 namespace lumcv {
 namespace {

@@ -19,9 +19,9 @@
 #include "filter/extended_row.hpp"
 #include "filter/line_space.hpp"
 #include "filter/mask_steps.hpp"
-#include "filter/pipeline_sizes.hpp"
 #include "filter/row_ring.hpp"
 #include "filter/store_row.hpp"
+#include "frame/rounding.hpp"
 
 namespace lumcv {
 

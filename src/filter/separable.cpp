@@ -2,10 +2,10 @@
 #include <cstring>
 
 #include "filter/convolution.hpp"
-#include "filter/pipeline_sizes.hpp"
 #include "filter/separable_bands.hpp"
 #include "filter/separable_record.hpp"
 #include "frame/checks.hpp"
+#include "frame/rounding.hpp"
 
 namespace lumcv {
 namespace {

@@ -44,6 +44,32 @@ enum class Negative
     zero
 };
 
+// The operations that the functions are named for.
+
+struct Open
+{
+    using Order = Opening;
+    static constexpr Finish finish = Finish::none;
+};
+
+struct Close
+{
+    using Order = Closing;
+    static constexpr Finish finish = Finish::none;
+};
+
+struct Tophat
+{
+    using Order = Opening;
+    static constexpr Finish finish = Finish::fromSource;
+};
+
+struct Blackhat
+{
+    using Order = Closing;
+    static constexpr Finish finish = Finish::minusSource;
+};
+
 /// The geometry of an opening or closing: the first pass covers a larger area than the second where that is to find
 /// pixels of its own beyond the ROI.
 struct Growth

@@ -54,9 +54,9 @@ Element elementOf(const LumiDilateErodeSpec* pSpec)
 }
 
 /// The first pass covers what the second one sees of a side in memory.
-template <class Operation, int channels, class T>
+template <class Compound, int channels, class T>
 LumStatus run(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderType borderType, const T* borderValue,
-              const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer, Finish finish)
+              const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
     const auto checks = argumentChecks<channels>(src, dst, roiSize, borderType, borderValue, pSpec, pBuffer);
     if (checks.failed())
@@ -76,37 +76,14 @@ LumStatus run(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderTyp
     const int64_t step = intermediateStep<T>(grown.width, channels);
     const LumStatus status =
         Checks{}
-            .then(PassRules<typename Operation::First, T, channels>::limits(grown, src.step, step))
-            .then(PassRules<typename Operation::Second, T, channels>::limits(roiSize, step, dst.step))
+            .then(PassRules<typename Compound::Order::First, T, channels>::limits(grown, src.step, step))
+            .then(PassRules<typename Compound::Order::Second, T, channels>::limits(roiSize, step, dst.step))
             .status();
     if (status == lumOk)
-        compound<Operation>(first, second, channels, src, dst, roiSize, growth, borderValue, finish,
-                            record.keepNegative ? Negative::kept : Negative::zero, pBuffer);
+        compound<typename Compound::Order>(first, second, channels, src, dst, roiSize, growth, borderValue,
+                                           Compound::finish, record.keepNegative ? Negative::kept : Negative::zero,
+                                           pBuffer);
     return status;
-}
-
-template <int channels, class T, class... Rest>
-LumStatus open(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Opening, channels>(src, dst, rest..., Finish::none);
-}
-
-template <int channels, class T, class... Rest>
-LumStatus close(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Closing, channels>(src, dst, rest..., Finish::none);
-}
-
-template <int channels, class T, class... Rest>
-LumStatus tophat(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Opening, channels>(src, dst, rest..., Finish::fromSource);
-}
-
-template <int channels, class T, class... Rest>
-LumStatus blackhat(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Closing, channels>(src, dst, rest..., Finish::minusSource);
 }
 
 /// Both passes read the source. The record has no say in what becomes of negative differences.
@@ -140,256 +117,256 @@ LumStatus lumiMorphOpen_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst,
                                  LumiBorderType borderType, const Lum8u* pBorderValue,
                                  const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpen_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                  LumiBorderType borderType, const Lum8u* pBorderValue,
                                  const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpen_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                  LumiBorderType borderType, const Lum8u* pBorderValue,
                                  const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpen_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum16u* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpen_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum16s* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpen_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum32f* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpen_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum32f* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpen_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum32f* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return open<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                   pBuffer);
+    return run<Open, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphClose_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum8u* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphClose_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum8u* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphClose_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                   LumiBorderType borderType, const Lum8u* pBorderValue,
                                   const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphClose_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum16u* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphClose_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum16s* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphClose_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum32f* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphClose_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum32f* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphClose_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum32f* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return close<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return run<Close, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphTophat_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum8u* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophat_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum8u* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophat_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                    LumiBorderType borderType, const Lum8u* pBorderValue,
                                    const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophat_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                     LumiBorderType borderType, const Lum16u* pBorderValue,
                                     const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophat_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                     LumiBorderType borderType, const Lum16s* pBorderValue,
                                     const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophat_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                     LumiBorderType borderType, const Lum32f* pBorderValue,
                                     const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophat_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                     LumiBorderType borderType, const Lum32f* pBorderValue,
                                     const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophat_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                     LumiBorderType borderType, const Lum32f* pBorderValue,
                                     const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return tophat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                      LumiBorderType borderType, const Lum8u* pBorderValue,
                                      const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                      LumiBorderType borderType, const Lum8u* pBorderValue,
                                      const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                      LumiBorderType borderType, const Lum8u* pBorderValue,
                                      const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum16u* pBorderValue,
                                       const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum16s* pBorderValue,
                                       const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum32f* pBorderValue,
                                       const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum32f* pBorderValue,
                                       const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhat_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum32f* pBorderValue,
                                       const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphGradient_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,

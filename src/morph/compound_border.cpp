@@ -28,9 +28,9 @@ Element elementAt(const void* record)
 }
 
 /// The flags are the first pass's alone.
-template <class Operation, int channels, class T>
+template <class Compound, int channels, class T>
 LumStatus run(Plane<const T> src, Plane<T> dst, LumiSize roiSize, LumiBorderType borderType, const T* borderValue,
-              const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer, Finish finish)
+              const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
     const bool hasMode = isMorphologyMode(borderType);
     const LumStatus status = argumentChecks<channels>(src, dst, roiSize, borderType, borderValue, pSpec, pBuffer)
@@ -42,33 +42,10 @@ LumStatus run(Plane<const T> src, Plane<T> dst, LumiSize roiSize, LumiBorderType
     const auto& record = *alignedIn<LumiMorphCompoundSpec>(pSpec);
     const Stage first{elementAt(record.pFirst), Border(withStageFlags(borderType))};
     const Stage second{elementAt(record.pSecond), Border(hasMode ? borderType & 15 : lumBorderNeutral)};
-    compound<Operation>(first, second, channels, src, dst, widened(roiSize), Growth{}, borderValue, finish,
-                        std::is_same_v<T, Lum32f> ? Negative::zero : Negative::kept, pBuffer);
+    compound<typename Compound::Order>(first, second, channels, src, dst, widened(roiSize), Growth{}, borderValue,
+                                       Compound::finish, std::is_same_v<T, Lum32f> ? Negative::zero : Negative::kept,
+                                       pBuffer);
     return lumOk;
-}
-
-template <int channels, class T, class... Rest>
-LumStatus open(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Opening, channels>(src, dst, rest..., Finish::none);
-}
-
-template <int channels, class T, class... Rest>
-LumStatus close(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Closing, channels>(src, dst, rest..., Finish::none);
-}
-
-template <int channels, class T, class... Rest>
-LumStatus tophat(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Opening, channels>(src, dst, rest..., Finish::fromSource);
-}
-
-template <int channels, class T, class... Rest>
-LumStatus blackhat(Plane<const T> src, Plane<T> dst, Rest... rest)
-{
-    return run<Closing, channels>(src, dst, rest..., Finish::minusSource);
 }
 
 /// Both passes read the source with the same border and the caller's element; that border cannot be neutral.
@@ -101,252 +78,256 @@ LumStatus lumiMorphOpenBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* p
                                      LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec,
                                      Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpenBorder_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                      LumiBorderType borderType, const Lum8u borderValue[3],
                                      const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return open<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec, pBuffer);
+    return run<Open, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpenBorder_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                      LumiBorderType borderType, const Lum8u borderValue[4],
                                      const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return open<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec, pBuffer);
+    return run<Open, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpenBorder_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
                                       LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue,
                                       const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpenBorder_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
                                       LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue,
                                       const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpenBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                       LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue,
                                       const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return open<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                   pBuffer);
+    return run<Open, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpenBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                       LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[3],
                                       const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return open<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec, pBuffer);
+    return run<Open, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphOpenBorder_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                       LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[4],
                                       const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return open<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec, pBuffer);
+    return run<Open, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                       LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec,
                                       Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                       LumiBorderType borderType, const Lum8u borderValue[3],
                                       const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return close<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                       LumiBorderType borderType, const Lum8u borderValue[4],
                                       const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return close<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
                                        LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue,
                                        const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
                                        LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue,
                                        const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                        LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue,
                                        const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return close<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                        LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[3],
                                        const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return close<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphCloseBorder_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                        LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[4],
                                        const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return close<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return run<Close, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                        LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec,
                                        Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                        LumiBorderType borderType, const Lum8u borderValue[3],
                                        const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return tophat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                        LumiBorderType borderType, const Lum8u borderValue[4],
                                        const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return tophat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
                                         LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue,
                                         const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
                                         LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue,
                                         const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                         LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue,
                                         const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return tophat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                         LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[3],
                                         const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return tophat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphTophatBorder_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                         LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[4],
                                         const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return tophat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return run<Tophat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                          pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
                                          LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue,
                                          const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
                                          LumiSize roiSize, LumiBorderType borderType, const Lum8u borderValue[3],
                                          const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
                                          LumiSize roiSize, LumiBorderType borderType, const Lum8u borderValue[4],
                                          const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
                                           LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue,
                                           const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
                                           LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue,
                                           const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                           LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue,
                                           const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                           LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[3],
                                           const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphBlackhatBorder_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                           LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[4],
                                           const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    return blackhat<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                       pBuffer);
+    return run<Blackhat, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                            pBuffer);
 }
 
 LumStatus lumiMorphGradientBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,

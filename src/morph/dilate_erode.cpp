@@ -30,18 +30,6 @@ LumStatus apply(Plane<const T> src, Plane<T> dst, LumiSize roiSize, LumiBorderTy
     return status;
 }
 
-template <int channels, class... Arguments>
-LumStatus dilate(Arguments... arguments)
-{
-    return apply<Maximum, channels>(arguments...);
-}
-
-template <int channels, class... Arguments>
-LumStatus erode(Arguments... arguments)
-{
-    return apply<Minimum, channels>(arguments...);
-}
-
 }  // namespace
 }  // namespace lumcv
 
@@ -51,126 +39,126 @@ LumStatus lumiDilateBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst
                                   LumiBorderType borderType, Lum8u borderValue, const LumiMorphMaskRecord* pSpec,
                                   Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilateBorder_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                   LumiBorderType borderType, const Lum8u borderValue[3],
                                   const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return dilate<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }
 
 LumStatus lumiDilateBorder_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                   LumiBorderType borderType, const Lum8u borderValue[4],
                                   const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return dilate<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }
 
 LumStatus lumiDilateBorder_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep, LumiSize roiSize,
                                    LumiBorderType borderType, Lum16u borderValue, const LumiMorphMaskRecord* pSpec,
                                    Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilateBorder_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep, LumiSize roiSize,
                                    LumiBorderType borderType, Lum16s borderValue, const LumiMorphMaskRecord* pSpec,
                                    Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilateBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
                                    LumiBorderType borderType, Lum32f borderValue, const LumiMorphMaskRecord* pSpec,
                                    Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilateBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
                                    LumiBorderType borderType, const Lum32f borderValue[3],
                                    const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return dilate<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }
 
 LumStatus lumiDilateBorder_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
                                    LumiBorderType borderType, const Lum32f borderValue[4],
                                    const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return dilate<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }
 
 LumStatus lumiErodeBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                  LumiBorderType borderType, Lum8u borderValue, const LumiMorphMaskRecord* pSpec,
                                  Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErodeBorder_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                  LumiBorderType borderType, const Lum8u borderValue[3],
                                  const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return erode<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }
 
 LumStatus lumiErodeBorder_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                  LumiBorderType borderType, const Lum8u borderValue[4],
                                  const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return erode<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }
 
 LumStatus lumiErodeBorder_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep, LumiSize roiSize,
                                   LumiBorderType borderType, Lum16u borderValue, const LumiMorphMaskRecord* pSpec,
                                   Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErodeBorder_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep, LumiSize roiSize,
                                   LumiBorderType borderType, Lum16s borderValue, const LumiMorphMaskRecord* pSpec,
                                   Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErodeBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
                                   LumiBorderType borderType, Lum32f borderValue, const LumiMorphMaskRecord* pSpec,
                                   Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErodeBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
                                   LumiBorderType borderType, const Lum32f borderValue[3],
                                   const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return erode<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }
 
 LumStatus lumiErodeBorder_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
                                   LumiBorderType borderType, const Lum32f borderValue[4],
                                   const LumiMorphMaskRecord* pSpec, Lum8u* pBuffer)
 {
-    return erode<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                             pBuffer);
 }

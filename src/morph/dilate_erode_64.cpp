@@ -31,18 +31,6 @@ LumStatus apply(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderT
     return status;
 }
 
-template <int channels, class... Arguments>
-LumStatus dilate(Arguments... arguments)
-{
-    return apply<Maximum, channels>(arguments...);
-}
-
-template <int channels, class... Arguments>
-LumStatus erode(Arguments... arguments)
-{
-    return apply<Minimum, channels>(arguments...);
-}
-
 }  // namespace
 }  // namespace lumcv
 
@@ -52,126 +40,126 @@ LumStatus lumiDilate_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lu
                               LumiBorderType borderType, const Lum8u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilate_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                               LumiBorderType borderType, const Lum8u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return dilate<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilate_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                               LumiBorderType borderType, const Lum8u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return dilate<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilate_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                LumiBorderType borderType, const Lum16u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                                Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilate_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                LumiBorderType borderType, const Lum16s* pBorderValue, const LumiDilateErodeSpec* pSpec,
                                Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilate_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                LumiBorderType borderType, const Lum32f* pBorderValue, const LumiDilateErodeSpec* pSpec,
                                Lum8u* pBuffer)
 {
-    return dilate<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilate_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                LumiBorderType borderType, const Lum32f* pBorderValue, const LumiDilateErodeSpec* pSpec,
                                Lum8u* pBuffer)
 {
-    return dilate<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiDilate_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                                LumiBorderType borderType, const Lum32f* pBorderValue, const LumiDilateErodeSpec* pSpec,
                                Lum8u* pBuffer)
 {
-    return dilate<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                     pBuffer);
+    return apply<Maximum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                              LumiBorderType borderType, const Lum8u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                              Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                              LumiBorderType borderType, const Lum8u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                              Lum8u* pBuffer)
 {
-    return erode<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                              LumiBorderType borderType, const Lum8u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                              Lum8u* pBuffer)
 {
-    return erode<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep, LumiSizeL roiSize,
                               LumiBorderType borderType, const Lum16u* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep, LumiSizeL roiSize,
                               LumiBorderType borderType, const Lum16s* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                               LumiBorderType borderType, const Lum32f* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return erode<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                               LumiBorderType borderType, const Lum32f* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return erode<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }
 
 LumStatus lumiErode_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep, LumiSizeL roiSize,
                               LumiBorderType borderType, const Lum32f* pBorderValue, const LumiDilateErodeSpec* pSpec,
                               Lum8u* pBuffer)
 {
-    return erode<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue, pSpec,
-                    pBuffer);
+    return apply<Minimum, 4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, pBorderValue,
+                             pSpec, pBuffer);
 }

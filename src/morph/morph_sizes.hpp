@@ -4,18 +4,13 @@
 
 #include <cstdint>
 
+#include "frame/rounding.hpp"
 #include "lumcv/types.h"
 
 namespace lumcv {
 
 /// Holds any product and sum of the formulas.
 __extension__ typedef __int128 Bytes;
-
-template <class Number>
-constexpr Number roundedUp(Number n, int multiple)
-{
-    return (n + multiple - 1) / multiple * multiple;
-}
 
 /// The pixels of an image type.
 struct PixelType
