@@ -170,8 +170,6 @@ template <class S, class D, int channels>
         run(FixedTaps<3>(k.x), FixedTaps<3>(k.y));
     else if (k.width == 5 && k.height == 5)
         run(FixedTaps<5>(k.x), FixedTaps<5>(k.y));
-    else if (k.width == 7 && k.height == 7)
-        run(FixedTaps<7>(k.x), FixedTaps<7>(k.y));
     else
         run(AnyTaps{k.x, k.width}, AnyTaps{k.y, k.height});
 }
