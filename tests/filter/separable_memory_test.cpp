@@ -284,15 +284,14 @@ TYPED_TEST(SeparableLarge, CacheSizeChangesNoPixel)
         int bytes;
     };
     int number = 0;
-    for (const LumiSize size : {LumiSize{1021, 517}, LumiSize{3, 180001}, LumiSize{600001, 1}}) {
+    for (const LumiSize size : {LumiSize{1021, 517}, LumiSize{600001, 1}}) {
         Setting setting;
         setting.size = size;
-        setting.channels = number == 1 ? 3 : 1;
         setting.offset = number + 1;
         setting.gap = number;
         setting.guard = number % 2 == 0 ? Guard::After : Guard::Before;
         const LumiBorderType border = number % 2 == 0 ? lumBorderConstant : lumBorderMirror;
-        const LumiSize kernelSize = number == 0 ? LumiSize{3, 3} : number == 1 ? LumiSize{2, 5} : LumiSize{5, 2};
+        const LumiSize kernelSize = number == 0 ? LumiSize{3, 3} : LumiSize{5, 2};
         const Bench<TypeParam> bench(setting, kernelOf<TypeParam>(kernelSize, number));
         ++number;
         const Image<D> expected = bench.expected(size, border);
