@@ -16,6 +16,9 @@ namespace {
 /// Bytes that a line is worked on in at a time, beyond the end of what counts as well.
 constexpr int lineLanes = simd::registerLanes<Lum8u>;
 
+/// Bytes of a row of an image at a time.
+constexpr int rowLanes = 64;
+
 template <BitOperation operation, class V>
 [[gnu::always_inline]] inline V combined(V a, V b)
 {
@@ -62,6 +65,21 @@ void setBits(Lum8u* line, int64_t begin, int64_t end, bool value)
     mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
 }
 
+/// The same, quickly where few bits are concerned; the seven bytes behind them are rewritten as they are.
+[[gnu::always_inline]] inline void setFew(Lum8u* line, int64_t begin, int64_t end, bool value)
+{
+    if (end - begin > 56) {
+        setBits(line, begin, end, value);
+        return;
+    }
+    Lum8u* const first = line + (begin >> 3);
+    const uint64_t mask = ((uint64_t{1} << (end - begin)) - 1) << (begin & 7);
+    uint64_t word;
+    std::memcpy(&word, first, sizeof word);
+    word = value ? word | mask : word & ~mask;
+    std::memcpy(first, &word, sizeof word);
+}
+
 /// Writes bits [begin, begin + count) of a row, begin being 0 to 7: bytes(k, lanes) are its bytes from k on. The other
 /// bits of the bytes at the ends stay.
 template <class Bytes>
@@ -73,8 +91,8 @@ template <class Bytes>
     const auto first = bytes(0, simd::Lanes<1>{}).raw;
     if (last > 0)
         mergeEnd(last);
-    simd::eachAtLeastOnce<2 * lineLanes>(begin > 0, last,
-                                         [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
+    simd::eachAtLeastOnce<rowLanes>(begin > 0, last,
+                                    [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
     if (begin > 0 || last == 0)
         mergeByte(row, first, maskOf(0, begin, end));
 }
@@ -240,27 +258,27 @@ class Pass
     [[gnu::flatten]] void readRows(const Lum8u* row, int64_t count)
     {
         Lum8u* const to = line_ + padding_;
-        const int64_t step = src_.bytes.step, begin = firstByte_, end = lastByte_ + 1;
-        const auto each = [&](auto bytes) {
-            simd::eachAtLeastOnce<lineLanes>(begin, end,
-                                             [=](int64_t k, auto lanes) { simd::store(to + k, bytes(k, lanes)); });
+        const int64_t step = src_.bytes.step;
+        const Lum8u* const second = row + step;
+        const Lum8u* const third = second + step;
+        const auto each = [=, this](auto bytes) {
+            simd::eachAtLeastOnce<rowLanes>(firstByte_, lastByte_ + 1,
+                                            [=](int64_t k, auto lanes) { simd::store(to + k, bytes(k, lanes)); });
+        };
+        const auto two = [=](int64_t k, auto lanes) {
+            return combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(second + k));
+        };
+        const auto three = [=](int64_t k, auto lanes) {
+            return combined<operation>(two(k, lanes), simd::load<lanes>(third + k));
         };
         if (count == 1)
             each([=](int64_t k, auto lanes) { return simd::load<lanes>(row + k); });
         else if (count == 2)
-            each([=](int64_t k, auto lanes) {
-                return combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(row + step + k));
-            });
-        else if (count == 3)
-            each([=](int64_t k, auto lanes) {
-                return combined<operation>(
-                    combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(row + step + k)),
-                    simd::load<lanes>(row + 2 * step + k));
-            });
+            each(two);
         else
             each([=](int64_t k, auto lanes) {
-                auto result = simd::load<lanes>(row + k);
-                for (int64_t i = 1; i < count; ++i)
+                auto result = three(k, lanes);
+                for (int64_t i = 3; i < count; ++i)
                     result = combined<operation>(result, simd::load<lanes>(row + i * step + k));
                 return result;
             });
@@ -271,9 +289,9 @@ class Pass
     {
         const int64_t end = origin_ + size_.width;
         if (!border_.sides.left)
-            setBits(line_, origin_ - left_, origin_, border_.isConstant ? border_.value : bitAt(line_, origin_));
+            setFew(line_, origin_ - left_, origin_, border_.isConstant ? border_.value : bitAt(line_, origin_));
         if (!border_.sides.right)
-            setBits(line_, end, end + right_, border_.isConstant ? border_.value : bitAt(line_, end - 1));
+            setFew(line_, end, end + right_, border_.isConstant ? border_.value : bitAt(line_, end - 1));
     }
 
     /// Combines the result with what one row of the element sees.
