@@ -65,19 +65,19 @@ void setBits(Lum8u* line, int64_t begin, int64_t end, bool value)
     mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
 }
 
-/// The same, quickly where few bits are concerned; the seven bytes behind them are rewritten as they are.
+/// The same, quickly where few bits are concerned: single bytes are loaded at once from a vector that has just been
+/// stored.
 [[gnu::always_inline]] inline void setFew(Lum8u* line, int64_t begin, int64_t end, bool value)
 {
-    if (end - begin > 56) {
+    const int64_t firstByte = begin >> 3, lastByte = (end - 1) >> 3;
+    if (begin >= end || lastByte - firstByte > 1) {
         setBits(line, begin, end, value);
         return;
     }
-    Lum8u* const first = line + (begin >> 3);
-    const uint64_t mask = ((uint64_t{1} << (end - begin)) - 1) << (begin & 7);
-    uint64_t word;
-    std::memcpy(&word, first, sizeof word);
-    word = value ? word | mask : word & ~mask;
-    std::memcpy(first, &word, sizeof word);
+    const auto bits = static_cast<Lum8u>(value ? 0xFF : 0);
+    mergeByte(line + firstByte, bits, maskOf(firstByte, begin, end));
+    if (lastByte > firstByte)
+        mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
 }
 
 /// Writes bits [begin, begin + count) of a row, begin being 0 to 7: bytes(k, lanes) are its bytes from k on. The other
@@ -87,14 +87,13 @@ template <class Bytes>
 {
     const int64_t end = begin + count;
     const int64_t last = (end - 1) >> 3;
-    const auto mergeEnd = [=](int64_t k) { mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end)); };
-    const auto first = bytes(0, simd::Lanes<1>{}).raw;
-    if (last > 0)
-        mergeEnd(last);
-    simd::eachAtLeastOnce<rowLanes>(begin > 0, last,
+    const auto merge = [=](int64_t k) { mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end)); };
+    if (begin > 0 || end < 8)
+        merge(0);
+    if (last > 0 && end % 8 != 0)
+        merge(last);
+    simd::eachAtLeastOnce<rowLanes>(begin > 0, end >> 3,
                                     [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
-    if (begin > 0 || last == 0)
-        mergeByte(row, first, maskOf(0, begin, end));
 }
 
 /// The same of bits that stand in a line from some bit on.
@@ -196,7 +195,7 @@ class Pass
     /// Rows go through in batches: what has just been stored in a line is better not loaded again at once.
     void rectangle(BitPlane<Lum8u> dst)
     {
-        constexpr int64_t longestBatch = 4;
+        constexpr int64_t longestBatch = 16;
         const int64_t lineStep = result_ - line_;
         const int64_t fitting =
             static_cast<int64_t>(bitScratchBytes(size_, {element_.maskWidth, element_.maskHeight}) / lineStep);
