@@ -1,0 +1,350 @@
+// Dilation and erosion of 1-bit images, in vectors of bits.
+//
+// A source row is brought into a line of scratch byte by byte as it lies in memory, and the bits of its border are
+// written beside it. What the element sees of the row is then the line, moved by some bits; the last move brings the
+// result to the destination's bit offset. Of a rectangle the rows are combined first and the columns once for all rows.
+#include "morph/bit_pass.hpp"
+
+#include <cstring>
+
+#include "simd/simd.hpp"
+
+namespace lumcv {
+namespace {
+
+/// Bytes that a line is worked on in at a time, beyond the end of what counts as well.
+constexpr int lineLanes = simd::registerLanes<Lum8u>;
+
+template <BitOperation operation, class V>
+[[gnu::always_inline]] inline V combined(V a, V b)
+{
+    if constexpr (operation == BitOperation::dilation)
+        return a | b;
+    else
+        return a & b;
+}
+
+/// The bit that decides a pixel whatever the others are.
+constexpr bool decisive(BitOperation operation)
+{
+    return operation == BitOperation::dilation;
+}
+
+bool bitAt(const Lum8u* line, int64_t bit)
+{
+    return line[bit >> 3] >> (bit & 7) & 1;
+}
+
+/// The bits of a byte in [begin, end), of which some lie in it.
+Lum8u maskOf(int64_t byte, int64_t begin, int64_t end)
+{
+    const int64_t first = begin > 8 * byte ? begin - 8 * byte : 0;
+    const int64_t last = end < 8 * byte + 8 ? end - 8 * byte : 8;
+    return static_cast<Lum8u>((0xFF << first) & (0xFF >> (8 - last)));
+}
+
+void mergeByte(Lum8u* byte, Lum8u value, Lum8u mask)
+{
+    *byte = static_cast<Lum8u>((*byte & ~mask) | (value & mask));
+}
+
+void setBits(Lum8u* line, int64_t begin, int64_t end, bool value)
+{
+    if (begin >= end)
+        return;
+    const auto bits = static_cast<Lum8u>(value ? 0xFF : 0);
+    const int64_t firstByte = begin >> 3, lastByte = (end - 1) >> 3;
+    mergeByte(line + firstByte, bits, maskOf(firstByte, begin, end));
+    if (firstByte == lastByte)
+        return;
+    std::memset(line + firstByte + 1, bits, static_cast<size_t>(lastByte - firstByte - 1));
+    mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
+}
+
+/// Writes bits [begin, begin + count) of a row, begin being 0 to 7: bytes(k, lanes) are its bytes from k on. The other
+/// bits of the bytes at the ends stay.
+template <class Bytes>
+[[gnu::always_inline]] inline void writeRow(Lum8u* row, int64_t begin, int64_t count, Bytes bytes)
+{
+    const int64_t end = begin + count;
+    const int64_t last = (end - 1) >> 3;
+    const auto mergeEnd = [=](int64_t k) { mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end)); };
+    const auto first = bytes(0, simd::Lanes<1>{}).raw;
+    if (last > 0)
+        mergeEnd(last);
+    simd::eachAtLeastOnce<2 * lineLanes>(begin > 0, last,
+                                         [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
+    if (begin > 0 || last == 0)
+        mergeByte(row, first, maskOf(0, begin, end));
+}
+
+/// The same of bits that stand in a line from some bit on.
+[[gnu::flatten]] void writeLine(Lum8u* row, int64_t begin, int64_t count, const Lum8u* line, int64_t lineBit)
+{
+    const int64_t origin = lineBit - begin;
+    const Lum8u* const bytes = line + (origin >> 3);
+    const int shift = static_cast<int>(origin & 7);
+    if (shift == 0)
+        writeRow(row, begin, count, [=](int64_t k, auto lanes) { return simd::load<lanes>(bytes + k); });
+    else
+        writeRow(row, begin, count, [=](int64_t k, auto lanes) { return simd::loadBits<lanes>(bytes + k, shift); });
+}
+
+/// Combines each bit of a line of n bytes with the bits that lie `moves` behind it, all less than 8.
+template <BitOperation operation, int... moves>
+[[gnu::flatten, gnu::noinline]] void combineNear(Lum8u* line, int64_t n)
+{
+    for (int64_t k = 0; k < n; k += lineLanes) {
+        auto result = simd::load<lineLanes>(line + k);
+        ((result = combined<operation>(result, simd::loadBits<lineLanes>(line + k, moves))), ...);
+        simd::store(line + k, result);
+    }
+}
+
+template <BitOperation operation>
+[[gnu::flatten, gnu::noinline]] void combineFar(Lum8u* line, int64_t n, int64_t move)
+{
+    const Lum8u* const far = line + (move >> 3);
+    const int shift = static_cast<int>(move & 7);
+    for (int64_t k = 0; k < n; k += lineLanes)
+        simd::store(line + k,
+                    combined<operation>(simd::load<lineLanes>(line + k), simd::loadBits<lineLanes>(far + k, shift)));
+}
+
+/// Makes each bit of a line the combination of `length` bits from it on.
+template <BitOperation operation>
+void growRuns(Lum8u* line, int64_t n, int64_t length)
+{
+    if (length == 3) {
+        combineNear<operation, 1, 2>(line, n);
+        return;
+    }
+    if (length == 5) {
+        combineNear<operation, 1, 2, 3, 4>(line, n);
+        return;
+    }
+    for (int64_t grown = 1; grown < length;) {
+        const int64_t move = 2 * grown <= length ? grown : length - grown;
+        if (move == 1)
+            combineNear<operation, 1>(line, n);
+        else
+            combineFar<operation>(line, n, move);
+        grown += move;
+    }
+}
+
+template <BitOperation operation>
+class Pass
+{
+  public:
+    Pass(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, LumiSizeL size, BitBorder border, Lum8u* scratch)
+        : element_(element),
+          src_(src),
+          size_(size),
+          border_(border),
+          left_(element.anchorX),
+          right_(element.rightRadius),
+          firstByte_((src.offset - (border.sides.left ? left_ : 0)) >> 3),
+          lastByte_((src.offset + size.width - 1 + (border.sides.right ? right_ : 0)) >> 3),
+          padding_((left_ + 14) >> 3),
+          origin_(8 * padding_ + src.offset),
+          lineBytes_(((origin_ + size.width + right_) >> 3) + 1),
+          line_(scratch),
+          result_(scratch + lineBytes_ + (element.maskWidth >> 3) + lineLanes + 2)
+    {
+    }
+
+    void copy(BitPlane<Lum8u> dst)
+    {
+        for (int64_t y = 0; y < size_.height; ++y) {
+            readRows(src_.bytes.row(y), 1);
+            writeLine(dst.bytes.row(y), dst.offset, size_.width, line_, origin_);
+        }
+    }
+
+    void rectangle(BitPlane<Lum8u> dst)
+    {
+        const int64_t top = element_.anchorY, bottom = element_.bottomRadius;
+        for (int64_t y = 0; y < size_.height; ++y) {
+            int64_t first = y - top, last = y + bottom;
+            const bool above = first < 0 && !border_.sides.top, below = last >= size_.height && !border_.sides.bottom;
+            if ((above || below) && border_.isConstant && border_.value == decisive(operation)) {
+                setBits(dst.bytes.row(y), dst.offset, dst.offset + size_.width, border_.value);
+                continue;
+            }
+            first = above ? 0 : first;
+            last = below ? size_.height - 1 : last;
+            readRows(src_.bytes.row(first), last - first + 1);
+            extend();
+            growRuns<operation>(line_, lineBytes_, element_.maskWidth);
+            writeLine(dst.bytes.row(y), dst.offset, size_.width, line_, origin_ - left_);
+        }
+    }
+
+    void anyShape(BitPlane<Lum8u> dst)
+    {
+        const int64_t bytes = (dst.offset + size_.width + 7) >> 3;
+        const Lum8u neutral = operation == BitOperation::dilation ? 0 : 0xFF;
+        for (int64_t y = 0; y < size_.height; ++y) {
+            std::memset(result_, neutral, static_cast<size_t>(bytes));
+            for (int64_t j = 0; j < element_.maskHeight; ++j)
+                meetRow(element_.pSetMask + j * element_.maskWidth, y + j - element_.anchorY, dst.offset, bytes);
+            writeLine(dst.bytes.row(y), dst.offset, size_.width, result_, dst.offset);
+        }
+    }
+
+  private:
+    /// Combines rows, as they lie in memory, into the line.
+    [[gnu::flatten]] void readRows(const Lum8u* row, int64_t count)
+    {
+        Lum8u* const to = line_ + padding_;
+        const int64_t step = src_.bytes.step, begin = firstByte_, end = lastByte_ + 1;
+        const auto each = [&](auto bytes) {
+            simd::eachAtLeastOnce<lineLanes>(begin, end,
+                                             [=](int64_t k, auto lanes) { simd::store(to + k, bytes(k, lanes)); });
+        };
+        if (count == 1)
+            each([=](int64_t k, auto lanes) { return simd::load<lanes>(row + k); });
+        else if (count == 2)
+            each([=](int64_t k, auto lanes) {
+                return combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(row + step + k));
+            });
+        else if (count == 3)
+            each([=](int64_t k, auto lanes) {
+                return combined<operation>(
+                    combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(row + step + k)),
+                    simd::load<lanes>(row + 2 * step + k));
+            });
+        else
+            each([=](int64_t k, auto lanes) {
+                auto result = simd::load<lanes>(row + k);
+                for (int64_t i = 1; i < count; ++i)
+                    result = combined<operation>(result, simd::load<lanes>(row + i * step + k));
+                return result;
+            });
+    }
+
+    /// Writes the bits of the border beside the pixels in the line.
+    void extend()
+    {
+        const int64_t end = origin_ + size_.width;
+        if (!border_.sides.left)
+            setBits(line_, origin_ - left_, origin_, border_.isConstant ? border_.value : bitAt(line_, origin_));
+        if (!border_.sides.right)
+            setBits(line_, end, end + right_, border_.isConstant ? border_.value : bitAt(line_, end - 1));
+    }
+
+    /// Combines the result with what one row of the element sees.
+    void meetRow(const Lum8u* set, int64_t y, int64_t dstOffset, int64_t bytes)
+    {
+        int64_t first = 0, last = element_.maskWidth - 1;
+        while (first <= last && set[first] == 0)
+            ++first;
+        if (first > last)
+            return;
+        while (set[last] == 0)
+            --last;
+        const bool isOutside = (y < 0 && !border_.sides.top) || (y >= size_.height && !border_.sides.bottom);
+        if (isOutside && border_.isConstant) {
+            if (border_.value == decisive(operation))
+                std::memset(result_, border_.value ? 0xFF : 0, static_cast<size_t>(bytes));
+            return;
+        }
+        readRows(src_.bytes.row(!isOutside ? y : y < 0 ? 0 : size_.height - 1), 1);
+        extend();
+        int64_t count = 0;
+        for (int64_t i = first; i <= last; ++i)
+            count += set[i] != 0;
+        const int64_t origin = origin_ - left_ - dstOffset;
+        if (count == last - first + 1) {
+            growRuns<operation>(line_, lineBytes_, count);
+            meet(origin + first, bytes);
+        } else
+            for (int64_t i = first; i <= last; ++i)
+                if (set[i])
+                    meet(origin + i, bytes);
+    }
+
+    /// Combines the result with the line from some bit on.
+    [[gnu::flatten, gnu::noinline]] void meet(int64_t bit, int64_t bytes)
+    {
+        const Lum8u* const from = line_ + (bit >> 3);
+        const int shift = static_cast<int>(bit & 7);
+        for (int64_t k = 0; k < bytes; k += lineLanes)
+            simd::store(result_ + k, combined<operation>(simd::load<lineLanes>(result_ + k),
+                                                         simd::loadBits<lineLanes>(from + k, shift)));
+    }
+
+    const LumiMorphBitRecord& element_;
+    BitPlane<const Lum8u> src_;
+    LumiSizeL size_;
+    BitBorder border_;
+    int64_t left_, right_;          ///< the element's reach
+    int64_t firstByte_, lastByte_;  ///< of a source row, with what lies in memory beside it
+    int64_t padding_;               ///< the source row's first byte in the line
+    int64_t origin_;                ///< its first pixel's bit in the line
+    int64_t lineBytes_;
+    Lum8u* line_;
+    Lum8u* result_;
+};
+
+bool isRectangle(const LumiMorphBitRecord& element)
+{
+    const int64_t positions = int64_t{element.maskWidth} * element.maskHeight;
+    for (int64_t i = 0; i < positions; ++i)
+        if (element.pSetMask[i] == 0)
+            return false;
+    return true;
+}
+
+template <BitOperation operation>
+void work(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size,
+          BitBorder border, Lum8u* scratch)
+{
+    if (element.mode == bitModeEmpty || (element.maskWidth == 1 && element.maskHeight == 1)) {
+        border.sides = Border(lumBorderReplicate);  // nothing beside the ROI is looked at
+        Pass<operation>(element, src, size, border, scratch).copy(dst);
+        return;
+    }
+    Pass<operation> pass(element, src, size, border, scratch);
+    if (isRectangle(element))
+        pass.rectangle(dst);
+    else
+        pass.anyShape(dst);
+}
+
+}  // namespace
+
+void bitPass(BitOperation operation, const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst,
+             LumiSizeL size, BitBorder border, Lum8u* scratch)
+{
+    if (operation == BitOperation::dilation)
+        work<BitOperation::dilation>(element, src, dst, size, border, scratch);
+    else
+        work<BitOperation::erosion>(element, src, dst, size, border, scratch);
+}
+
+[[gnu::flatten]] void subtractBits(BitPlane<const Lum8u> minuend, BitPlane<const Lum8u> subtrahend, BitPlane<Lum8u> dst,
+                                   LumiSizeL size, Lum8u* scratch)
+{
+    // a byte ahead of each row, since the destination's offset may be the greater one
+    const int64_t lineBytes = (size.width + 14) / 8 + 1 + lineLanes;
+    const BitPlane<const Lum8u> operands[2] = {minuend, subtrahend};
+    const Lum8u* lines[2];
+    int shifts[2];
+    for (int i = 0; i < 2; ++i) {
+        const int64_t origin = 8 + operands[i].offset - dst.offset;
+        lines[i] = scratch + i * lineBytes + (origin >> 3);
+        shifts[i] = static_cast<int>(origin & 7);
+    }
+    for (int64_t y = 0; y < size.height; ++y) {
+        for (int i = 0; i < 2; ++i)
+            std::memcpy(scratch + i * lineBytes + 1, operands[i].bytes.row(y),
+                        static_cast<size_t>((operands[i].offset + size.width + 7) >> 3));
+        writeRow(dst.bytes.row(y), dst.offset, size.width, [=](int64_t k, auto lanes) {
+            return simd::loadBits<lanes>(lines[0] + k, shifts[0]) & ~simd::loadBits<lanes>(lines[1] + k, shifts[1]);
+        });
+    }
+}
+
+}  // namespace lumcv
