@@ -1,4 +1,4 @@
-// The pixel forms of morphology and the entry points of each; bits have a file of their own.
+// The pixel forms of morphology and the entry points of each.
 #pragma once
 
 #include <lumcv/lumcv.h>
@@ -12,6 +12,9 @@
 #include "morph/morph_reference.hpp"
 
 namespace lumcv::test::morph {
+
+/// The type code of 1-bit images.
+constexpr LumDataType kBits = 0;
 
 /// A pointer to a record of whatever type the parameter has.
 struct AnyRecord
@@ -182,6 +185,25 @@ struct Form32fC4
                         lumiMorphTophat_32f_C4R_L, lumiMorphBlackhat_32f_C4R_L, lumiMorphGradient_32f_C4R_L);
 };
 
+struct Form1u
+{
+    using Element = Lum8u;
+    static constexpr int channels = 1;
+    static constexpr LumDataType dataType = kBits;
+    static constexpr const char* name = "1u_C1R";
+    static constexpr auto getSize = lumiMorphologyBorderGetSize_1u_C1R;
+    static constexpr auto init = lumiMorphologyBorderInit_1u_C1R;
+    static constexpr auto advGetSize = lumiMorphAdvGetSize_1u_C1R;
+    static constexpr auto advInit = lumiMorphAdvInit_1u_C1R;
+    static constexpr auto ordinary = std::make_tuple(
+        lumiDilateBorder_1u_C1R, lumiErodeBorder_1u_C1R, lumiMorphOpenBorder_1u_C1R, lumiMorphCloseBorder_1u_C1R,
+        lumiMorphTophatBorder_1u_C1R, lumiMorphBlackhatBorder_1u_C1R, lumiMorphGradientBorder_1u_C1R);
+    static constexpr auto large =
+        std::make_tuple(lumiDilate_1u_C1R_L, lumiErode_1u_C1R_L, lumiMorphOpen_1u_C1R_L, lumiMorphClose_1u_C1R_L,
+                        lumiMorphTophat_1u_C1R_L, lumiMorphBlackhat_1u_C1R_L, lumiMorphGradient_1u_C1R_L);
+};
+
+/// The forms of whole elements.
 using AllForms = ::testing::Types<Form8uC1, Form8uC3, Form8uC4, Form16uC1, Form16sC1, Form32fC1, Form32fC3, Form32fC4>;
 
 /// What a typed test calls a form.

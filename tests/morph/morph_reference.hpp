@@ -92,7 +92,7 @@ inline std::optional<int> resolve(int i, int size, bool beforeInMemory, bool beh
     }
 }
 
-/// Pixels of any rectangle of the plane.
+/// Pixels of a rectangle of the plane around or beside the origin.
 template <class T>
 struct Plane
 {
@@ -106,17 +106,14 @@ struct Plane
                    static_cast<std::size_t>(itsChannels))
     {
     }
+    /// The pixel of column 0, which is one of the plane's.
     T* row(int y)
     {
-        return elements.data() + static_cast<std::ptrdiff_t>(y - top) * width * channels;
+        return elements.data() + (static_cast<std::ptrdiff_t>(y - top) * width - left) * channels;
     }
     const T* row(int y) const
     {
         return const_cast<Plane*>(this)->row(y);
-    }
-    T at(int x, int y, int c) const
-    {
-        return row(y)[(x - left) * channels + c];
     }
 
     int left;
@@ -137,22 +134,19 @@ T neutralValue(Operation pass, bool bits)
     return pass == Operation::Dilate ? std::numeric_limits<T>::lowest() : std::numeric_limits<T>::max();
 }
 
-/// What one pass makes of the rectangle `area` of a source that offers at(x, y, channel). A position of the element
-/// weighs the pixel at its offset; neither operation reflects the element. Of equal pixels the last one stays, in the
-/// order of the element's rows, which tells the two zeros of floats apart.
+/// What one pass makes of the rectangle `area` of a source that offers row(y), the pixel of column 0 of a row. A
+/// position of the element weighs the pixel at its offset; neither operation reflects the element. Of equal pixels the
+/// last one stays, in the order of the element's rows, which tells the two zeros of floats apart.
 template <class T, class Source>
 Plane<T> singlePass(Operation pass, const Offsets& offsets, Plane<T> area, const Source& source, PassBorder border,
                     const T* borderValue, bool bits = false)
 {
     const int channels = area.channels;
     const auto rowElements = static_cast<std::size_t>(area.width * channels);
+    const std::ptrdiff_t rowBegin = static_cast<std::ptrdiff_t>(area.left) * channels;
     if (offsets.isIdentity) {
         for (int y = area.top; y < area.top + area.height; ++y) {
-            for (int x = area.left; x < area.left + area.width; ++x) {
-                for (int c = 0; c < channels; ++c) {
-                    area.row(y)[(x - area.left) * channels + c] = source.at(x, y, c);
-                }
-            }
+            std::copy_n(source.row(y) + rowBegin, rowElements, area.row(y) + rowBegin);
         }
         return area;
     }
@@ -172,11 +166,12 @@ Plane<T> singlePass(Operation pass, const Offsets& offsets, Plane<T> area, const
     for (int y = -radiusY; y < area.height + radiusY; ++y) {
         const std::optional<int> row =
             resolve(y, area.height, border.has(lumBorderInMemTop), border.has(lumBorderInMemBottom), border.mode);
-        T* out = extended.row(area.top + y);
+        const T* const in = row ? source.row(area.top + *row) + rowBegin : nullptr;
+        T* out = extended.row(area.top + y) + rowBegin - radiusX * channels;
         for (const std::optional<int>& column : columns) {
             for (int c = 0; c < channels; ++c) {
                 if (row && column) {
-                    *out++ = source.at(area.left + *column, area.top + *row, c);
+                    *out++ = in[*column * channels + c];
                 } else {
                     *out++ = border.mode == lumBorderNeutral ? neutralValue<T>(pass, bits) : borderValue[c];
                 }
@@ -184,17 +179,22 @@ Plane<T> singlePass(Operation pass, const Offsets& offsets, Plane<T> area, const
         }
     }
     for (int y = area.top; y < area.top + area.height; ++y) {
-        T* const result = area.row(y);
-        bool first = true;
+        T* const result = area.row(y) + rowBegin;
+        const auto candidates = [&](const Offset& offset) {
+            return static_cast<const T*>(extended.row(y + offset.y) + rowBegin + offset.x * channels);
+        };
+        std::copy_n(candidates(offsets.list.front()), rowElements, result);
         for (const Offset& offset : offsets.list) {
-            const T* const candidates = extended.row(y + offset.y) + (radiusX + offset.x) * channels;
-            for (std::size_t i = 0; i < rowElements; ++i) {
-                const T candidate = candidates[i];
-                if (first || (pass == Operation::Dilate ? candidate >= result[i] : candidate <= result[i])) {
-                    result[i] = candidate;
+            const T* const candidate = candidates(offset);
+            if (pass == Operation::Dilate) {
+                for (std::size_t i = 0; i < rowElements; ++i) {
+                    result[i] = result[i] > candidate[i] ? result[i] : candidate[i];
+                }
+            } else {
+                for (std::size_t i = 0; i < rowElements; ++i) {
+                    result[i] = result[i] < candidate[i] ? result[i] : candidate[i];
                 }
             }
-            first = false;
         }
     }
     return area;
@@ -313,13 +313,11 @@ Plane<T> morphology(const Recipe& recipe, const StructuringElement& element, con
     constexpr bool isFloat = !std::numeric_limits<T>::is_integer;
     const bool clampNegative = bits || (large ? recipe.setMode < 4 : isFloat);
     for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            for (int c = 0; c < channels; ++c) {
-                T& pixel = result.row(y)[x * channels + c];
-                const T original = source.at(x, y, c);
-                pixel = erodesFirst ? difference(original, pixel, clampNegative)
-                                    : difference(pixel, original, clampNegative);
-            }
+        const T* const original = source.row(y);
+        T* const pixel = result.row(y);
+        for (int i = 0; i < width * channels; ++i) {
+            pixel[i] = erodesFirst ? difference(original[i], pixel[i], clampNegative)
+                                   : difference(pixel[i], original[i], clampNegative);
         }
     }
     return result;
