@@ -93,6 +93,11 @@ bool fitsRowRuns(const Area<T>& area, const Element& element, Scratch scratch);
 template <class Operation, class T>
 void rowRuns(Area<T> area, const Element& element, Scratch scratch);
 
+/// The same for an area of one row, in a block whose rows are `pitch` elements long and lie behind one another: windows
+/// along all of it serve every row of the element. False, and nothing done, if the scratch has no room for them.
+template <class Operation, class T>
+bool rowRunsAlong(Area<T> area, int64_t pitch, const Element& element, Scratch scratch);
+
 /// An element of any shape.
 template <class Operation, class T>
 void anyShape(Area<T> area, const Element& element);

@@ -141,8 +141,10 @@ class Pass
                 n -= (element_.height - 1) * pitch;
                 growWindows<Operation>(extended_, 1, extended_, extended_, element_.height, pitch, n);
             }
-            for (int64_t y = 0; y < area.height; ++y)
-                store(extended_ + y * pitch, elements, dstAt(area.x, area.y + y));
+            for (int64_t y = 0; y < area.height; ++y) {
+                askFor(dst_, area.x * channels_, area.y + y, roi_.height);
+                copyFew(extended_ + y * pitch, elements, dstAt(area.x, area.y + y));
+            }
             return;
         }
         constexpr int64_t lineElements = 4096 / static_cast<int64_t>(sizeof(T));
@@ -150,17 +152,48 @@ class Pass
         const int64_t most = (lineElements - elements) / pitch + 1;
         for (int64_t y = 0; y < area.height; y += most) {
             const int64_t rows = y + most < area.height ? most : area.height - y;
-            kernelOnElements({extended_ + (y + top_) * pitch + left_ * channels_, byteStep(pitch)}, {line, 0},
-                             (rows - 1) * pitch + elements, 1);
-            for (int64_t i = 0; i < rows; ++i)
-                store(line + i * pitch, elements, dstAt(area.x, area.y + y + i));
+            const Area<T> along{{extended_ + (y + top_) * pitch + left_ * channels_, byteStep(pitch)},
+                                {line, 0},
+                                (rows - 1) * pitch + elements,
+                                1,
+                                channels_};
+            if (!element_.is(shapeRowRuns) || !rowRunsAlong<Operation>(along, pitch, element_, ring_))
+                anyShape<Operation>(along, element_);
+            for (int64_t i = 0; i < rows; ++i) {
+                askFor(dst_, area.x * channels_, area.y + y + i, roi_.height);
+                copyFew(line + i * pitch, elements, dstAt(area.x, area.y + y + i));
+            }
         }
     }
 
-    static void store(const T* from, int64_t n, T* to)
+    /// Copies fewer bytes than a loop of vectors is worth.
+    [[gnu::always_inline]] static inline void copyFew(const T* from, int64_t n, T* to)
     {
-        for (int64_t i = 0; i < n; ++i)
-            to[i] = from[i];
+        constexpr int64_t word = 8 / static_cast<int64_t>(sizeof(T));
+        if (n < word) {
+            constexpr int64_t half = word / 2;
+            if (n >= half) {  // word is twice as much
+                copyPixel<half>(from, to);
+                copyPixel<half>(from + n - half, to + n - half);
+                return;
+            }
+            for (int64_t i = 0; i < n; ++i)
+                copyPixel<1>(from + i, to + i);
+            return;
+        }
+        for (int64_t i = 0; i + word <= n; i += word)
+            copyPixel<word>(from + i, to + i);
+        copyPixel<word>(from + n - word, to + n - word);
+    }
+
+    /// Columns of an image are far apart: each row is a cache line of its own, to be asked for in time.
+    static constexpr int64_t rowsAhead = 12;
+
+    template <class Pixel>
+    static void askFor(Plane<Pixel> image, int64_t x, int64_t y, int64_t height)
+    {
+        if (y + rowsAhead < height)
+            simd::prefetch<1>(static_cast<const T*>(image.row(y + rowsAhead) + x));
     }
 
     /// The whole image from copies of pieces that fit into the scratch: rows of full width or, where the element is a
@@ -212,18 +245,18 @@ class Pass
             outside = neutral;
         }
 
-        // of a few columns, what each one shows is the same in every row
-        constexpr int64_t fewPixels = 32;
+        // of a few columns, what each one shows is the same in every row: synthesised pixels, pixels of the image, and
+        // again synthesised ones
+        constexpr int64_t fewPixels = 64;
         const bool isFew = part.width <= fewPixels;
-        int64_t column[fewPixels];
         ExtendedRow<T, channels> row{nullptr, roi_.width, border, outside};
-        for (int64_t i = 0; isFew && i < part.width; ++i) {
-            const int64_t x = part.x + i;
-            const bool isInMemory = row.isInMemory(x, x + 1);
-            column[i] = isInMemory                         ? x
-                        : border.mode == lumBorderConstant ? beyond
-                                                           : borderIndex(x, roi_.width, border.mode);
-        }
+        const int64_t partEnd = part.x + part.width;
+        const int64_t first = row.readableFrom(part.x) < partEnd ? row.readableFrom(part.x) : partEnd;
+        const int64_t last = row.readableTo(partEnd) > first ? row.readableTo(partEnd) : first;
+        int64_t column[fewPixels];
+        for (int64_t i = 0; isFew && i < part.width; ++i)
+            column[i] =
+                border.mode == lumBorderConstant ? 0 : borderIndex(part.x + i, roi_.width, border.mode) * channels;
 
         T* to = extended_;
         for (int64_t i = 0; i < part.height; ++i, to += part.width * channels) {
@@ -236,32 +269,31 @@ class Pass
             }
             row.row = src_.row(isInMemory ? y : borderIndex(y, roi_.height, border.mode));
             if (!isFew) {
-                row.read(part.x, part.x + part.width, to);
+                row.read(part.x, partEnd, to);
                 continue;
             }
-            for (int64_t x = 0; x < part.width; ++x)
-                copyPixel<channels>(column[x] == beyond ? outside : row.row + column[x] * channels, to + x * channels);
+            askFor(src_, first * channels, y, roi_.height);
+            const T* const synthesised = border.mode == lumBorderConstant ? outside : row.row;
+            for (int64_t x = part.x; x < first; ++x)
+                copyPixel<channels>(synthesised + column[x - part.x], to + (x - part.x) * channels);
+            copyFew(row.row + first * channels, (last - first) * channels, to + (first - part.x) * channels);
+            for (int64_t x = last; x < partEnd; ++x)
+                copyPixel<channels>(synthesised + column[x - part.x], to + (x - part.x) * channels);
         }
     }
 
-    static constexpr int64_t beyond = INT64_MIN;
-
-    template <int channels>
-    static void copyPixel(const T* from, T* to)
+    template <int elements>
+    [[gnu::always_inline]] static inline void copyPixel(const T* from, T* to)
     {
-        std::memcpy(to, from, channels * sizeof(T));
-    }
-
-    void kernel(Plane<const T> src, Plane<T> dst, int64_t width, int64_t height) const
-    {
-        if (width >= 1 && height >= 1)
-            kernelOnElements(src, dst, width * channels_, height);
+        std::memcpy(to, from, elements * sizeof(T));
     }
 
     /// The kernel for the element's shape; all give the same image.
-    void kernelOnElements(Plane<const T> src, Plane<T> dst, int64_t elements, int64_t height) const
+    void kernel(Plane<const T> src, Plane<T> dst, int64_t width, int64_t height) const
     {
-        const Area<T> area{src, dst, elements, height, channels_};
+        if (width < 1 || height < 1)
+            return;
+        const Area<T> area{src, dst, width * channels_, height, channels_};
         if (element_.is(shapeRectangle))
             rectangle<Operation>(area, element_.width, element_.height, ring_);
         else if ((element_.flags & (shapeDisc | shapeDisc5x5 | shapeDisc7x7)) == shapeDisc)

@@ -130,7 +130,7 @@ int64_t squareBand(int64_t elements, Scratch scratch)
 {
     constexpr int widestVector = 128;
     static_assert(squareLanes<T> <= widestVector);
-    const int64_t band = bandElements(elements, cacheBytes / 2 / (size - 1) / static_cast<int64_t>(sizeof(T)));
+    const int64_t band = bandElements(elements, cacheBytes / 3 / (size - 1) / static_cast<int64_t>(sizeof(T)));
     const int64_t carriedBytes = roundedUp(band, widestVector) * (size - 1) * static_cast<int64_t>(sizeof(T));
     return band >= widestVector && carriedBytes <= scratch.bytes ? band : 0;
 }
@@ -212,24 +212,19 @@ template <int rows, class Operation, class T>
         below[i] = windows.row(i == 0 ? rows - 1 : height - 1 + i);
         d[i] = dst.row(i);
     }
-    // what all rows see, [rows, height), in two pieces where the ring begins again
-    const int64_t firstSlot = windows.first + rows, endSlot = windows.first + height;
-    const auto piece = [&](int64_t from, int64_t to) { return to > from ? to - from : 0; };
-    const int64_t straight = piece(firstSlot, endSlot < windows.slots ? endSlot : windows.slots);
-    const int64_t again = height - rows - straight;
-    const T* const straightRow = rowAt(windows.rows, windows.step, firstSlot);
-    const T* const againRow =
-        rowAt(windows.rows, windows.step, firstSlot > windows.slots ? firstSlot - windows.slots : 0);
-    const int64_t step = windows.step;
-    simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=](int64_t x, auto lanes) {
+    // what all rows see, most of it by a table of where its rows lie in the ring
+    constexpr int64_t tableRows = 64;
+    const T* table[tableRows];
+    const int64_t tabled = height - rows < tableRows ? height - rows : tableRows;
+    for (int64_t i = 0; i < tabled; ++i)
+        table[i] = windows.row(rows + i);
+    simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=, &table](int64_t x, auto lanes) {
         using V = simd::Vec<T, lanes>;
         V common = simd::load<lanes>(above[rows - 1] + x);
-        const T* row = straightRow + x;
-        for (int64_t i = straight; i > 0; --i, row = rowAt(row, step, 1))
-            common = Operation{}(common, simd::load<lanes>(row));
-        row = againRow + x;
-        for (int64_t i = again; i > 0; --i, row = rowAt(row, step, 1))
-            common = Operation{}(common, simd::load<lanes>(row));
+        for (int64_t i = 0; i < tabled; ++i)
+            common = Operation{}(common, simd::load<lanes>(table[i] + x));
+        for (int64_t i = rows + tabled; i < height; ++i)
+            common = Operation{}(common, simd::load<lanes>(windows.row(i) + x));
         V seen[rows];  // by each output row, down to the last common one
         seen[rows - 1] = common;
         for (int i = rows - 2; i >= 0; --i)
@@ -348,7 +343,7 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
             for (; filled < y + rows + height - 1; ++filled) {
                 T* const to = ring + slot * band;
                 growWindows<Operation>(srcRow(filled) + begin, 1, line, to, width, channels, n,
-                                       filled + 1 < area.height + height - 1 ? area.src.step : 0);
+                                       filled + mostRows < area.height + height - 1 ? mostRows * area.src.step : 0);
                 slot = slot + 1 == slots ? 0 : slot + 1;
             }
             joinBlock<Operation>(rows, WindowRows<T>{ring, band * elementBytes, slots, firstSlot}, height,

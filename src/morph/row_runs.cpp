@@ -52,6 +52,23 @@ struct RunLengths
     }
 };
 
+/// A row of the element: which line of an image row it takes, and from where on.
+struct Run
+{
+    int64_t row, first;
+    int64_t line;  ///< negative: the image row itself
+};
+
+int64_t listRuns(const Element& element, const RunLengths& lengths, int64_t channels, Run* runs)
+{
+    const int64_t firstLine = lengths.length[0] == 1;
+    int64_t count = 0;
+    for (int64_t y = 0; y < element.height; ++y)
+        if (const auto run = element.run(y); run.length > 0)
+            runs[count++] = {y, run.first * channels, lengths.indexOf(run.length) - firstLine};
+    return count;
+}
+
 /// Where the windows of a ring lie: for each image row one line for each length above 1.
 struct RingLayout
 {
@@ -82,6 +99,62 @@ RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLeng
     band = band < area.elements ? band : area.elements;
     const int64_t possible = widest(scratch.bytes);
     return {lines, band < possible ? band : possible, excess, element.height};
+}
+
+/// Windows of several lengths that begin at the same pixel, each from the one before it, for x in [begin, end).
+template <class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void nestedWindows(const T* from, const int64_t* lengths, int64_t count, T* to,
+                                                   int64_t pitch, int64_t channels, int64_t begin, int64_t end,
+                                                   int64_t ahead)
+{
+    simd::eachAtLeastOnce<lanesIn<T, 4>>(begin, end, [=](int64_t x, auto lanes) {
+        if constexpr (lanes > 1)
+            simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
+        const T* next = from + x;
+        const T* const first = next;
+        auto extreme = simd::load<lanes>(next);
+        T* line = to + x;
+        for (int64_t i = 0; i < count; ++i, line += pitch) {
+            const T* const last = first + (lengths[i] - 1) * channels;
+            while (next != last) {
+                next += channels;
+                extreme = Operation{}(extreme, simd::load<lanes>(next));
+            }
+            simd::store(line, extreme);
+        }
+    });
+}
+
+/// Fills a line for each length above 1 with all its windows in so many elements.
+template <class Operation, class T>
+void fillLines(const T* from, const RunLengths& lengths, T* to, int64_t pitch, int64_t channels, int64_t elements,
+               int64_t ahead)
+{
+    // short windows are grown pixel by pixel, as long as that is less than a line for each doubling
+    constexpr int64_t longestNested = 12;
+    const int first = lengths.length[0] == 1;
+    const int64_t lines = lengths.count - first;
+    const auto windows = [&](int64_t length) { return elements - (length - 1) * channels; };
+    if (lines == 0)
+        return;
+    if (lengths.length[lengths.count - 1] <= longestNested) {
+        const int64_t* const length = lengths.length + first;
+        nestedWindows<Operation>(from, length, lines, to, pitch, channels, 0, windows(length[lines - 1]), ahead);
+        for (int64_t count = lines - 1; count > 0; --count) {
+            // the shorter windows go further; a vector that overlaps what is there costs less than a few elements
+            const int64_t end = windows(length[count - 1]), missing = end - windows(length[count]);
+            const int64_t whole = missing < lanesIn<T, 4> ? lanesIn<T, 4> : missing;
+            nestedWindows<Operation>(from, length, count, to, pitch, channels, end < whole ? 0 : end - whole, end, 0);
+        }
+        return;
+    }
+    int64_t length = 1;
+    for (int i = first; i < lengths.count; ++i, to += pitch) {
+        const int64_t longer = lengths.length[i];
+        growWindows<Operation>(from, length, to, to, longer, channels, windows(longer), length == 1 ? ahead : 0);
+        from = to;
+        length = longer;
+    }
 }
 
 /// The extreme of one line from each row.
@@ -163,21 +236,12 @@ void rowRuns(Area<T> area, const Element& element, Scratch scratch)
     const RingLayout layout = ringLayout(area, element, lengths, scratch);
     const int64_t pitch = layout.pitch(), channels = area.channels;
     T* const ring = reinterpret_cast<T*>(scratch.begin);
-    const bool hasSingle = lengths.length[0] == 1;
     const auto srcRow = [&](int64_t y, int64_t begin) {
         return area.src.row(y - element.anchorY) + begin - element.anchorX * channels;
     };
 
-    struct Run
-    {
-        int64_t row, first;
-        int64_t line;  ///< negative: a single pixel
-    };
     Run runs[mostRows];
-    int64_t count = 0;
-    for (int64_t j = 0; j < element.height; ++j)
-        if (const auto run = element.run(j); run.length > 0)
-            runs[count++] = {j, run.first * channels, lengths.indexOf(run.length) - hasSingle};
+    const int64_t count = listRuns(element, lengths, channels, runs);
 
     for (int64_t begin = 0; begin < area.elements; begin += layout.band) {
         const int64_t n = begin + layout.band < area.elements ? layout.band : area.elements - begin;
@@ -186,17 +250,8 @@ void rowRuns(Area<T> area, const Element& element, Scratch scratch)
         for (int64_t y = 0; y < area.height; ++y) {
             for (; filled < y + element.height; ++filled) {
                 const bool isLast = filled + 1 == area.height + element.height - 1;
-                const T* from = srcRow(filled, begin);
-                int64_t length = 1;
-                T* to = ring + slot * slotElements;
-                for (int i = hasSingle; i < lengths.count; ++i, to += pitch) {
-                    const int64_t longer = lengths.length[i];
-                    growWindows<Operation>(from, length, to, to, longer, channels,
-                                           n + (element.width - longer) * channels,
-                                           length == 1 && !isLast ? area.src.step : 0);
-                    from = to;
-                    length = longer;
-                }
+                fillLines<Operation>(srcRow(filled, begin), lengths, ring + slot * slotElements, pitch, channels,
+                                     n + layout.excess, isLast ? 0 : area.src.step);
                 slot = slot + 1 == layout.slots ? 0 : slot + 1;
             }
             const T* lines[mostRows];
@@ -211,6 +266,29 @@ void rowRuns(Area<T> area, const Element& element, Scratch scratch)
             firstSlot = firstSlot + 1 == layout.slots ? 0 : firstSlot + 1;
         }
     }
+}
+
+template <class Operation, class T>
+bool rowRunsAlong(Area<T> area, int64_t pitch, const Element& element, Scratch scratch)
+{
+    if (element.height > mostRows)
+        return false;
+    const RunLengths lengths(element);
+    const int64_t channels = area.channels;
+    const int64_t seen = area.elements + (element.height - 1) * pitch + (element.width - 1) * channels;
+    const int64_t lineBytes = seen * static_cast<int64_t>(sizeof(T));
+    if (lengths.areTooMany || lineBytes * lengths.count > scratch.bytes)
+        return false;
+    Run runs[mostRows];
+    const int64_t count = listRuns(element, lengths, channels, runs);
+    const T* const src = area.src.pixels - element.anchorY * pitch - element.anchorX * channels;
+    T* const windows = reinterpret_cast<T*>(scratch.begin);
+    fillLines<Operation>(src, lengths, windows, seen, channels, seen, 0);
+    const T* lines[mostRows];
+    for (int64_t i = 0; i < count; ++i)
+        lines[i] = (runs[i].line < 0 ? src : windows + runs[i].line * seen) + runs[i].row * pitch + runs[i].first;
+    joinLines<Operation>(lines, count, area.dst.pixels, area.elements, 0);
+    return true;
 }
 
 template <class Operation, class T>
@@ -230,13 +308,21 @@ template bool fitsRowRuns(const Area<Lum16u>&, const Element&, Scratch);
 template bool fitsRowRuns(const Area<Lum16s>&, const Element&, Scratch);
 template bool fitsRowRuns(const Area<Lum32f>&, const Element&, Scratch);
 template void rowRuns<Maximum>(Area<Lum8u>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum8u>, int64_t, const Element&, Scratch);
 template void rowRuns<Maximum>(Area<Lum16u>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum16u>, int64_t, const Element&, Scratch);
 template void rowRuns<Maximum>(Area<Lum16s>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum16s>, int64_t, const Element&, Scratch);
 template void rowRuns<Maximum>(Area<Lum32f>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum32f>, int64_t, const Element&, Scratch);
 template void rowRuns<Minimum>(Area<Lum8u>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum8u>, int64_t, const Element&, Scratch);
 template void rowRuns<Minimum>(Area<Lum16u>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum16u>, int64_t, const Element&, Scratch);
 template void rowRuns<Minimum>(Area<Lum16s>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum16s>, int64_t, const Element&, Scratch);
 template void rowRuns<Minimum>(Area<Lum32f>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum32f>, int64_t, const Element&, Scratch);
 template void anyShape<Maximum>(Area<Lum8u>, const Element&);
 template void anyShape<Maximum>(Area<Lum16u>, const Element&);
 template void anyShape<Maximum>(Area<Lum16s>, const Element&);

@@ -15,13 +15,13 @@ namespace lumcv::test::gray {
 namespace {
 
 template <class C>
-class GrayElementMemoryQuick : public testing::Test
+class GrayElementMemory : public testing::Test
 {
 };
-TYPED_TEST_SUITE(GrayElementMemoryQuick, Cases, CaseName);
+TYPED_TEST_SUITE(GrayElementMemory, Cases, CaseName);
 
 // The last byte of every row, and the first, stands at an unreadable page; the source cannot be written.
-TYPED_TEST(GrayElementMemoryQuick, RowsStandAlone)
+TYPED_TEST(GrayElementMemory, RowsStandAlone)
 {
     using T = typename TypeParam::T;
     Random random(21);
@@ -50,7 +50,7 @@ TYPED_TEST(GrayElementMemoryQuick, RowsStandAlone)
 }
 
 // The pixels around the ROI would win, and are neither read for the result nor written.
-TYPED_TEST(GrayElementMemoryQuick, NeighboursOfTheRoiTakeNoPart)
+TYPED_TEST(GrayElementMemory, NeighboursOfTheRoiTakeNoPart)
 {
     using T = typename TypeParam::T;
     using Limits = std::numeric_limits<T>;
@@ -66,7 +66,7 @@ TYPED_TEST(GrayElementMemoryQuick, NeighboursOfTheRoiTakeNoPart)
 }
 
 // The element's entries are read to the last and no further, and may change or go away once Init has seen them.
-TYPED_TEST(GrayElementMemoryQuick, InitCopiesTheElement)
+TYPED_TEST(GrayElementMemory, InitCopiesTheElement)
 {
     using T = typename TypeParam::T;
     Random random(23);
@@ -94,7 +94,7 @@ TYPED_TEST(GrayElementMemoryQuick, InitCopiesTheElement)
 }
 
 // A record of exactly the queried size at any byte address, at both ends of a page; apply does not write it.
-TYPED_TEST(GrayElementMemoryQuick, RecordAtAnyAddress)
+TYPED_TEST(GrayElementMemory, RecordAtAnyAddress)
 {
     using T = typename TypeParam::T;
     Random random(24);
@@ -117,7 +117,7 @@ TYPED_TEST(GrayElementMemoryQuick, RecordAtAnyAddress)
 }
 
 // The words of the record and behind them the element as it stands, neither turned nor sorted.
-TYPED_TEST(GrayElementMemoryQuick, LayoutOfTheRecord)
+TYPED_TEST(GrayElementMemory, LayoutOfTheRecord)
 {
     using T = typename TypeParam::T;
     Random random(25);
@@ -135,7 +135,7 @@ TYPED_TEST(GrayElementMemoryQuick, LayoutOfTheRecord)
 }
 
 // One record for any ROI up to the one given to Init, one after the other.
-TYPED_TEST(GrayElementMemoryQuick, RecordServesSmallerRois)
+TYPED_TEST(GrayElementMemory, RecordServesSmallerRois)
 {
     using T = typename TypeParam::T;
     Random random(26);
@@ -155,7 +155,7 @@ TYPED_TEST(GrayElementMemoryQuick, RecordServesSmallerRois)
 }
 
 // The largest ROI costs nothing.
-TYPED_TEST(GrayElementMemoryQuick, RecordOfTheLargestRoi)
+TYPED_TEST(GrayElementMemory, RecordOfTheLargestRoi)
 {
     using T = typename TypeParam::T;
     Random random(27);
@@ -170,7 +170,7 @@ TYPED_TEST(GrayElementMemoryQuick, RecordOfTheLargestRoi)
 }
 
 // The stride of a single row leads nowhere.
-TYPED_TEST(GrayElementMemoryQuick, StrideOfASingleRow)
+TYPED_TEST(GrayElementMemory, StrideOfASingleRow)
 {
     using T = typename TypeParam::T;
     constexpr int size = sizeof(T);
@@ -190,7 +190,7 @@ TYPED_TEST(GrayElementMemoryQuick, StrideOfASingleRow)
 }
 
 // Threads share a record that cannot be written, and each call gives the same bytes.
-TYPED_TEST(GrayElementMemoryQuick, ThreadsShareARecord)
+TYPED_TEST(GrayElementMemory, ThreadsShareARecord)
 {
     using T = typename TypeParam::T;
     Random random(29);
