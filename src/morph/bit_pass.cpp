@@ -16,6 +16,9 @@ namespace {
 /// Bytes that a line is worked on in at a time, beyond the end of what counts as well.
 constexpr int lineLanes = simd::registerLanes<Lum8u>;
 
+/// Bytes of a row of an image at a time.
+constexpr int rowLanes = 64;
+
 template <BitOperation operation, class V>
 [[gnu::always_inline]] inline V combined(V a, V b)
 {
@@ -62,6 +65,21 @@ void setBits(Lum8u* line, int64_t begin, int64_t end, bool value)
     mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
 }
 
+/// The same, quickly where few bits are concerned: single bytes are loaded at once from a vector that has just been
+/// stored.
+[[gnu::always_inline]] inline void setFew(Lum8u* line, int64_t begin, int64_t end, bool value)
+{
+    const int64_t firstByte = begin >> 3, lastByte = (end - 1) >> 3;
+    if (begin >= end || lastByte - firstByte > 1) {
+        setBits(line, begin, end, value);
+        return;
+    }
+    const auto bits = static_cast<Lum8u>(value ? 0xFF : 0);
+    mergeByte(line + firstByte, bits, maskOf(firstByte, begin, end));
+    if (lastByte > firstByte)
+        mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
+}
+
 /// Writes bits [begin, begin + count) of a row, begin being 0 to 7: bytes(k, lanes) are its bytes from k on. The other
 /// bits of the bytes at the ends stay.
 template <class Bytes>
@@ -69,14 +87,13 @@ template <class Bytes>
 {
     const int64_t end = begin + count;
     const int64_t last = (end - 1) >> 3;
-    const auto mergeEnd = [=](int64_t k) { mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end)); };
-    const auto first = bytes(0, simd::Lanes<1>{}).raw;
-    if (last > 0)
-        mergeEnd(last);
-    simd::eachAtLeastOnce<2 * lineLanes>(begin > 0, last,
-                                         [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
-    if (begin > 0 || last == 0)
-        mergeByte(row, first, maskOf(0, begin, end));
+    const auto merge = [=](int64_t k) { mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end)); };
+    if (begin > 0 || end < 8)
+        merge(0);
+    if (last > 0 && end % 8 != 0)
+        merge(last);
+    simd::eachAtLeastOnce<rowLanes>(begin > 0, end >> 3,
+                                    [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
 }
 
 /// The same of bits that stand in a line from some bit on.
@@ -178,7 +195,7 @@ class Pass
     /// Rows go through in batches: what has just been stored in a line is better not loaded again at once.
     void rectangle(BitPlane<Lum8u> dst)
     {
-        constexpr int64_t longestBatch = 4;
+        constexpr int64_t longestBatch = 16;
         const int64_t lineStep = result_ - line_;
         const int64_t fitting =
             static_cast<int64_t>(bitScratchBytes(size_, {element_.maskWidth, element_.maskHeight}) / lineStep);
@@ -240,27 +257,27 @@ class Pass
     [[gnu::flatten]] void readRows(const Lum8u* row, int64_t count)
     {
         Lum8u* const to = line_ + padding_;
-        const int64_t step = src_.bytes.step, begin = firstByte_, end = lastByte_ + 1;
-        const auto each = [&](auto bytes) {
-            simd::eachAtLeastOnce<lineLanes>(begin, end,
-                                             [=](int64_t k, auto lanes) { simd::store(to + k, bytes(k, lanes)); });
+        const int64_t step = src_.bytes.step;
+        const Lum8u* const second = row + step;
+        const Lum8u* const third = second + step;
+        const auto each = [=, this](auto bytes) {
+            simd::eachAtLeastOnce<rowLanes>(firstByte_, lastByte_ + 1,
+                                            [=](int64_t k, auto lanes) { simd::store(to + k, bytes(k, lanes)); });
+        };
+        const auto two = [=](int64_t k, auto lanes) {
+            return combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(second + k));
+        };
+        const auto three = [=](int64_t k, auto lanes) {
+            return combined<operation>(two(k, lanes), simd::load<lanes>(third + k));
         };
         if (count == 1)
             each([=](int64_t k, auto lanes) { return simd::load<lanes>(row + k); });
         else if (count == 2)
-            each([=](int64_t k, auto lanes) {
-                return combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(row + step + k));
-            });
-        else if (count == 3)
-            each([=](int64_t k, auto lanes) {
-                return combined<operation>(
-                    combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(row + step + k)),
-                    simd::load<lanes>(row + 2 * step + k));
-            });
+            each(two);
         else
             each([=](int64_t k, auto lanes) {
-                auto result = simd::load<lanes>(row + k);
-                for (int64_t i = 1; i < count; ++i)
+                auto result = three(k, lanes);
+                for (int64_t i = 3; i < count; ++i)
                     result = combined<operation>(result, simd::load<lanes>(row + i * step + k));
                 return result;
             });
@@ -271,9 +288,9 @@ class Pass
     {
         const int64_t end = origin_ + size_.width;
         if (!border_.sides.left)
-            setBits(line_, origin_ - left_, origin_, border_.isConstant ? border_.value : bitAt(line_, origin_));
+            setFew(line_, origin_ - left_, origin_, border_.isConstant ? border_.value : bitAt(line_, origin_));
         if (!border_.sides.right)
-            setBits(line_, end, end + right_, border_.isConstant ? border_.value : bitAt(line_, end - 1));
+            setFew(line_, end, end + right_, border_.isConstant ? border_.value : bitAt(line_, end - 1));
     }
 
     /// Combines the result with what one row of the element sees.

@@ -372,6 +372,7 @@ TEST(GrayElementFloatsQuick, LastBitAndDenormals)
     EXPECT_EQ(destination.at(5, 0), 2.0f + std::numeric_limits<Lum32f>::epsilon() * 2);
 }
 
+// An image far above the reported size of the cache.
 TYPED_TEST(GrayElement, LargeImage)
 {
     using T = typename TypeParam::T;
@@ -381,10 +382,8 @@ TYPED_TEST(GrayElement, LargeImage)
     Image<T> source({.width = width, .height = height, .gap = 4});
     Image<T> destination({.width = width, .height = height, .gap = 12});
     fill(source, random);
-    for (const int cacheBytes : {1, std::numeric_limits<int>::max()}) {
-        const ReportedCacheSize reported(lumOk, cacheBytes);
-        expectReference<TypeParam>(drawElement<T>({2, 2}, Entries::Small, random), source, destination);
-    }
+    const ReportedCacheSize reported(lumOk, 1);
+    expectReference<TypeParam>(drawElement<T>({2, 2}, Entries::Small, random), source, destination);
 }
 
 TYPED_TEST(GrayElement, WideRows)

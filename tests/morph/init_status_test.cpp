@@ -76,6 +76,8 @@ void expectInitOrder(InitKind kind, LumStatus (*init)(const InitArguments&))
     const std::vector<Violation<Args>> tooLarge = {
         {"width too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.width = kTooLarge; }},
         {"height too large", lumErrSizeTooLarge, [](Args& a) { a.roiSize.height = kTooLarge; }},
+        {"mask width too large", lumErrSizeTooLarge, [](Args& a) { a.maskSize.width = kTooLarge; }},
+        {"mask height too large", lumErrSizeTooLarge, [](Args& a) { a.maskSize.height = kTooLarge; }},
         {"height of 2^32 + 1", lumErrSizeTooLarge, [](Args& a) { a.roiSize.height = (Lum64s{1} << 32) + 1; }},
     };
     const auto append = [&](const std::vector<Violation<Args>>& more) {

@@ -51,21 +51,17 @@ TYPED_TEST(SinglePassCasesQuick, EmptyAndSinglePixelElementsCopy)
     int seed = 0;
     for (const StructuringElement& element : {emptyElement(1, 1), emptyElement(3, 3), emptyElement(2, 2),
                                               emptyElement(40, 1), emptyElement(5, 60), rectangle(1, 1)}) {
-        for (const Operation operation : kSinglePasses) {
-            for (const Generation generation : kGenerations) {
-                for (const LumiBorderType border : kBorders) {
-                    Setting s;
-                    s.operation = operation;
-                    s.generation = generation;
-                    s.element = element;
-                    s.width = 1 + seed * 7 % 71;
-                    s.height = 1 + seed % 4;
-                    s.border = border;  // the source has no margins: nothing outside the ROI is readable
-                    s.seed = seed++;
-                    s.guard = seed % 2 == 0 ? Guard::After : Guard::Before;
-                    expectMorphology<TypeParam>(s);
-                }
-            }
+        for (const LumiBorderType border : kBorders) {
+            Setting s;
+            s.operation = kSinglePasses[seed % 2];
+            s.generation = kGenerations[seed / 2 % 2];
+            s.element = element;
+            s.width = 1 + seed * 7 % 71;
+            s.height = 1 + seed % 4;
+            s.border = border;  // the source has no margins: nothing outside the ROI is readable
+            s.guard = seed / 4 % 2 == 0 ? Guard::After : Guard::Before;
+            s.seed = seed++;
+            expectMorphology<TypeParam>(s);
         }
     }
 }

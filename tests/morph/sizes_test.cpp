@@ -280,6 +280,8 @@ void expectLargeSizeOrder(LumStatus (*query)(const LargeSizeArguments&), bool ha
         {"width too large", lumErrSizeTooLarge, [=](Args& a) { a.roiSize.width = tooLarge; }},
         {"height too large", lumErrSizeTooLarge, [=](Args& a) { a.roiSize.height = tooLarge; }},
         {"width of 2^32 + 1", lumErrSizeTooLarge, [](Args& a) { a.roiSize.width = (Lum64s{1} << 32) + 1; }},
+        {"mask width too large", lumErrSizeTooLarge, [=](Args& a) { a.maskSize.width = tooLarge; }},
+        {"mask height of 2^40", lumErrSizeTooLarge, [](Args& a) { a.maskSize.height = Lum64s{1} << 40; }},
         {"largest height", lumErrSizeTooLarge, [](Args& a) { a.roiSize.height = std::numeric_limits<Lum64s>::max(); }},
     };
     if (hasType) {
