@@ -1,5 +1,4 @@
 // Gallery: Laplacian, lowpass and Sobel cross. What has a sign is shown around middle gray.
-#include <algorithm>
 #include <string>
 
 #include "section.hpp"
@@ -15,13 +14,6 @@ Block scratch(Shot& shot, const char* text, Query query, LumiSize roiSize, LumiM
     Lum32s bytes = 0;
     shot.prepare(text, [&] { return query(roiSize, mask, &bytes); });
     return Block(static_cast<std::size_t>(bytes));
-}
-
-// Signed values as gray: 0 becomes 128, and a step of `valuesPerGray` one level.
-Picture aroundGray(const Image<Lum16s>& image, int valuesPerGray)
-{
-    return mapped<Lum8u>(
-        image, [valuesPerGray](Lum16s v) { return static_cast<Lum8u>(std::clamp(128 + v / valuesPerGray, 0, 255)); });
 }
 
 std::string masked(const char* name, LumiMaskSize mask)

@@ -789,7 +789,7 @@ LUMCV_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(Lum16s* const* ppSrc, L
  * #include <lumcv/lumcv.h>
  * #include <stdlib.h>
  *
- * // Light from the top left: bright where the image rises towards it, 128 where it is flat.
+ * // A relief under light from the right: positive where the image falls off to the right, 0 where it is flat.
  * LumStatus emboss(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep, LumiSize roiSize)
  * {
  *     const Lum16s along[3] = {1, 0, -1};

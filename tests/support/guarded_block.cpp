@@ -92,9 +92,9 @@ class Mappings
         return first;
     }
 
-    static void giveBack(unsigned char* mapping, std::size_t readable)
+    static void giveBack(unsigned char* mapping, std::size_t readable, bool isReadOnly)
     {
-        {
+        if (!isReadOnly || mprotect(mapping + pageSize(), readable, PROT_READ | PROT_WRITE) == 0) {
             const std::lock_guard lock(mutex_);
             if (freeBytes_ + readable <= kMostFreeBytes) {
                 free_[readable].push_back(mapping);
@@ -133,7 +133,8 @@ GuardedBlock::GuardedBlock(GuardedBlock&& other) noexcept
     : bytes_(other.bytes_),
       guard_(other.guard_),
       mapping_(std::exchange(other.mapping_, nullptr)),
-      data_(std::exchange(other.data_, nullptr))
+      data_(std::exchange(other.data_, nullptr)),
+      isReadOnly_(other.isReadOnly_)
 {
 }
 
@@ -143,14 +144,23 @@ GuardedBlock& GuardedBlock::operator=(GuardedBlock other) noexcept
     std::swap(guard_, other.guard_);
     std::swap(mapping_, other.mapping_);
     std::swap(data_, other.data_);
+    std::swap(isReadOnly_, other.isReadOnly_);
     return *this;
 }
 
 GuardedBlock::~GuardedBlock()
 {
     if (mapping_) {
-        Mappings::giveBack(mapping_, readableBytes(bytes_));
+        Mappings::giveBack(mapping_, readableBytes(bytes_), isReadOnly_);
     }
+}
+
+void GuardedBlock::makeReadOnly() const
+{
+    if (mprotect(mapping_ + pageSize(), readableBytes(bytes_), PROT_READ) != 0) {
+        throw std::bad_alloc();
+    }
+    isReadOnly_ = true;
 }
 
 testing::AssertionResult GuardedBlock::slackIntact() const

@@ -49,6 +49,9 @@ class GuardedBlock
         return reinterpret_cast<T*>(data_);
     }
 
+    /// From here on a write to the block ends the test.
+    void makeReadOnly() const;
+
     /// Whether the readable bytes beside the block are as they were.
     testing::AssertionResult slackIntact() const;
 
@@ -65,6 +68,7 @@ class GuardedBlock
     Guard guard_ = Guard::After;
     unsigned char* mapping_ = nullptr;
     unsigned char* data_ = nullptr;
+    mutable bool isReadOnly_ = false;  ///< the handle's constness is not that of the bytes
 };
 
 }  // namespace lumcv::test

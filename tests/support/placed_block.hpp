@@ -1,11 +1,7 @@
 // A block of exactly the queried size at any byte address: records and scratch.
 #pragma once
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstddef>
-#include <cstdint>
 
 #include "support/guarded_block.hpp"
 
@@ -30,11 +26,11 @@ class PlacedBlock
     }
     testing::AssertionResult intact() const
     {
-        for (std::size_t i = 0; i < block_.size(); ++i) {
-            const bool inBlock = i >= begin() && i < begin() + bytes_;
-            if (!inBlock && block_.data()[i] != block_.original(i)) {
+        for (std::size_t i = 0; i < distance_; ++i) {
+            const std::size_t offset = begin() == 0 ? bytes_ + i : i;
+            if (block_.data()[offset] != block_.original(offset)) {
                 return testing::AssertionFailure()
-                       << "the byte at offset " << static_cast<long>(i) - static_cast<long>(begin())
+                       << "the byte at offset " << static_cast<long>(offset) - static_cast<long>(begin())
                        << " of a block of " << bytes_ << " bytes was written";
             }
         }
@@ -43,10 +39,7 @@ class PlacedBlock
     /// From here on a write to the block ends the test.
     void makeReadOnly() const
     {
-        const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-        const auto begin = reinterpret_cast<std::uintptr_t>(block_.data()) / page * page;
-        const auto end = reinterpret_cast<std::uintptr_t>(block_.data()) + block_.size();
-        ASSERT_EQ(mprotect(reinterpret_cast<void*>(begin), (end - begin + page - 1) / page * page, PROT_READ), 0);
+        block_.makeReadOnly();
     }
 
   private:
