@@ -20,16 +20,22 @@ struct Laplacian3
     }
 };
 
-/// The same for words, where the row step takes the factor for nothing.
+/// The same for words. Of the rows above, what the next one adds to is carried on, and what the one after it will begin
+/// with: a third of what a ring would take.
 struct WordLaplacian3
 {
     static constexpr int size = 3;
     using RowSteps = Steps<TwofoldNeighbours3, EightfoldCentre3>;
+    static constexpr bool hasRing = false;
+    static constexpr int kept = 2;
 
-    template <class Results>
-    [[gnu::always_inline]] static auto across(Results r)
+    template <class Kept, class Value>
+    [[gnu::always_inline]] static Value advance(Kept k, Value neighbours, Value centre)
     {
-        return r(0, 0) + r(0, 2) - r(1, 1);
+        const Value above = k.load(0);
+        k.store(0, k.load(1) - centre);
+        k.store(1, neighbours);
+        return above + neighbours;
     }
 };
 
@@ -82,14 +88,18 @@ struct Lowpass
 };
 
 /// The sum of 25 words is cheaper kept than formed.
-struct RunningLowpass5
+struct WordLowpass5
 {
     static constexpr int size = 5;
     using RowSteps = Steps<Sum5>;
+    static constexpr bool hasRing = true;
+    static constexpr int kept = 1;
 
-    template <int N>
-    [[gnu::always_inline]] static auto ofSum(simd::SplitWords<N> total)
+    template <class Kept, class Value>
+    [[gnu::always_inline]] static Value advance(Kept k, Value entering)
     {
+        const Value total = k.load(0) + (entering - k.exchange(entering));
+        k.store(0, total);
         return mean<size * size>(total);
     }
 };
@@ -218,7 +228,7 @@ LumStatus laplacian(const MaskCall<S, D>& call, Scratch scratch)
 template <class S, class D>
 LumStatus lowpass(const MaskCall<S, D>& call, Scratch scratch)
 {
-    using Lowpass5 = std::conditional_t<std::is_same_v<S, Lum8u>, RunningLowpass5, Lowpass<Sum5>>;
+    using Lowpass5 = std::conditional_t<std::is_same_v<S, Lum8u>, WordLowpass5, Lowpass<Sum5>>;
     return fixedMask<Lowpass<Sum3>, Lowpass5>(call, scratch);
 }
 

@@ -11,8 +11,12 @@
 //   size            its rows and columns
 //   RowSteps        the steps along the row (Steps<...>); the ring keeps a result of each
 //   across(r)       combines the results: r(i, j) is that of the row step i in the row j of the mask
-// or, where it is a sum of all rows in integers, in place of across():
-//   ofSum(total)    the result for the sum of the row step's results, which is kept up to date from row to row
+// or, where integers are cheaper carried on from row to row, in place of across():
+//   hasRing         whether the ring is wanted all the same
+//   kept            how many values are carried on for each pixel; they begin as zero
+//   advance(k, ...) takes what the row steps make of the row that comes in, in their order, and gives the result of the
+//                   row that is now complete (nothing of value while the first rows come in); k.load(i), k.store(i, v)
+//                   reach the values, and k.exchange(v) puts v into the ring in place of the row that leaves the mask
 #pragma once
 
 #include "filter/bands.hpp"
@@ -115,10 +119,28 @@ struct MaskArithmetic<Lum32f>
 };
 
 template <class Mask>
-inline constexpr bool isRunningSum = requires(simd::SplitWords<16> total)
+inline constexpr bool isCarriedOn = requires
 {
-    Mask::ofSum(total);
+    Mask::kept;
 };
+
+template <class Mask>
+constexpr int keptValues()
+{
+    if constexpr (isCarriedOn<Mask>)
+        return Mask::kept;
+    else
+        return 0;
+}
+
+template <class Mask>
+constexpr bool hasRing()
+{
+    if constexpr (isCarriedOn<Mask>)
+        return Mask::hasRing;
+    else
+        return true;
+}
 
 /// The steps of a mask at one block of a row, with the rows of the ring in the order of the image: the last one takes
 /// what the row steps make of the row that comes in.
@@ -129,43 +151,71 @@ struct MaskBlock
     using Element = typename Arithmetic::Element;
     using Value = typename Arithmetic::Value;
     static constexpr int lanes = Arithmetic::lanes;
-    static constexpr int steps = Mask::RowSteps::count;
+    static constexpr int steps = hasRing<Mask>() ? Mask::RowSteps::count : 1;  ///< values of a block in a row
     static constexpr int blockElements = lanes * steps;
 
     Element* rows[Mask::size];
-    Element* totals;  ///< for a mask that sums
+    Element* kept;
+    int64_t pitch;  ///< from one kept row to the next
 
-    /// The row steps.
-    [[gnu::always_inline]] void along(const S* s, int64_t block) const
+    /// For a row that completes no row of the destination.
+    [[gnu::always_inline]] void enter(const S* s, int64_t block) const
     {
-        enter(s, block * blockElements, typename Mask::RowSteps{});
+        if constexpr (isCarriedOn<Mask>)
+            advance(s, block * blockElements, typename Mask::RowSteps{});
+        else
+            along(s, block * blockElements, typename Mask::RowSteps{});
     }
 
-    /// The column step: what goes to the destination.
-    [[gnu::always_inline]] auto across(int64_t block) const
+    /// What goes to the destination.
+    [[gnu::always_inline]] auto through(const S* s, int64_t block) const
     {
         const int64_t at = block * blockElements;
-        if constexpr (isRunningSum<Mask>)
-            return Arithmetic::template result<D>(Mask::ofSum(Arithmetic::load(totals + at)));
-        else
+        if constexpr (isCarriedOn<Mask>)
+            return Arithmetic::template result<D>(advance(s, at, typename Mask::RowSteps{}));
+        else {
+            along(s, at, typename Mask::RowSteps{});
             return Arithmetic::template result<D>(
                 Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); }));
+        }
     }
 
   private:
-    template <class... RowSteps>
-    [[gnu::always_inline]] void enter(const S* s, int64_t at, Steps<RowSteps...>) const
+    struct Kept
     {
-        Element* const to = rows[Mask::size - 1] + at;
-        if constexpr (isRunningSum<Mask>) {
-            // the slot still holds the row that leaves the mask
-            const auto entering = Arithmetic::template along<RowSteps...>(s);
-            Arithmetic::store(totals + at, Arithmetic::load(totals + at) + (entering - Arithmetic::load(to)));
-            Arithmetic::store(to, entering);
-        } else {
-            int i = 0;
-            (Arithmetic::store(to + i++ * lanes, Arithmetic::template along<RowSteps>(s)), ...);
+        const MaskBlock& block;
+        int64_t at;
+
+        [[gnu::always_inline]] Value load(int i) const
+        {
+            return Arithmetic::load(block.kept + i * block.pitch + at);
         }
+
+        [[gnu::always_inline]] void store(int i, Value v) const
+        {
+            Arithmetic::store(block.kept + i * block.pitch + at, v);
+        }
+
+        [[gnu::always_inline]] Value exchange(Value v) const
+        {
+            Element* const slot = block.rows[Mask::size - 1] + at;
+            const Value leaving = Arithmetic::load(slot);
+            Arithmetic::store(slot, v);
+            return leaving;
+        }
+    };
+
+    template <class... RowSteps>
+    [[gnu::always_inline]] void along(const S* s, int64_t at, Steps<RowSteps...>) const
+    {
+        int i = 0;
+        (Arithmetic::store(rows[Mask::size - 1] + at + i++ * lanes, Arithmetic::template along<RowSteps>(s)), ...);
+    }
+
+    template <class... RowSteps>
+    [[gnu::always_inline]] Value advance(const S* s, int64_t at, Steps<RowSteps...>) const
+    {
+        return Mask::advance(Kept{*this, at}, Arithmetic::template along<RowSteps>(s)...);
     }
 };
 
@@ -190,10 +240,10 @@ template <class Block, class S>
 [[gnu::flatten, gnu::noinline]] void maskIn(Block steps, MaskSource<S> src, int64_t block, int64_t end)
 {
     for (const S* s = src.first; block < end; ++block, s += src.step)
-        steps.along(s, block);
+        steps.enter(s, block);
 }
 
-/// The column step of a block follows its row steps, so that the loads of the one overlap with the arithmetic of the
+/// The column step of each block follows its row steps, so that the loads of the one overlap with the arithmetic of the
 /// other.
 template <class Block, class S, class D>
 [[gnu::flatten, gnu::noinline]] void maskThrough(Block steps, MaskSource<S> src, MaskDestination<D> dst, int64_t block,
@@ -203,8 +253,7 @@ template <class Block, class S, class D>
     constexpr int64_t blocksOfLine = lineBytes / (Block::lanes * static_cast<int64_t>(sizeof(S)));
     const S* s = src.first;
     const auto one = [&] {
-        steps.along(s, block);
-        simd::store(dst.first, steps.across(block));
+        simd::store(dst.first, steps.through(s, block));
         s += src.step;
         dst.first += Block::lanes;
         ++block;
@@ -244,13 +293,13 @@ class MaskBand
     static constexpr int64_t shortRow = 256 / static_cast<int64_t>(sizeof(S));
     static_assert(shortRow >= lanes);
 
-    /// The rows of the mask, and the totals of a mask that sums.
-    static constexpr int64_t ringRows = Mask::size + (isRunningSum<Mask> ? 1 : 0);
+    static constexpr int64_t slots = hasRing<Mask>() ? Mask::size : 0;
+    static constexpr int64_t ringRows = slots + keptValues<Mask>();
 
   public:
     /// Bytes of space for each block of the band.
     static constexpr int64_t blockBytes =
-        lanes * static_cast<int64_t>(ringRows * Mask::RowSteps::count * sizeof(Element) + sizeof(D));
+        lanes * static_cast<int64_t>(ringRows * Block::steps * sizeof(Element) + sizeof(D));
 
     /// Bytes of space beside the blocks.
     static constexpr int64_t edgeBytes = roundedUp((shortRow + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64);
@@ -264,7 +313,7 @@ class MaskBand
           ring_{reinterpret_cast<Element*>(space + edgeBytes), blocks_ * Block::blockElements, Mask::size},
           line_(reinterpret_cast<D*>(ring_.slot(ringRows)))
     {
-        if constexpr (isRunningSum<Mask>)
+        if constexpr (isCarriedOn<Mask>)
             for (Element* p = ring_.rows; p < ring_.slot(ringRows); p += lanes)
                 simd::store(p, simd::broadcast<lanes>(Element{0}));
     }
@@ -275,7 +324,8 @@ class MaskBand
             Block block;
             for (int64_t j = 0; j < Mask::size; ++j)
                 block.rows[j] = ring_.rowBehind(step.firstSlot, j);
-            block.totals = ring_.slot(Mask::size);
+            block.kept = ring_.slot(slots);
+            block.pitch = ring_.pitch;
             if (step.output < 0) {
                 eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t) {
                     maskIn(block, src, first, last);
