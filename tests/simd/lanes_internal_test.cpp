@@ -1,6 +1,7 @@
 // Operations in which lanes meet, and rows of bits, against plain loops.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <vector>
