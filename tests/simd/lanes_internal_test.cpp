@@ -1,6 +1,7 @@
 // Operations in which lanes meet, and rows of bits, against plain loops.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <vector>
@@ -179,7 +180,7 @@ TEST(SimdBitRow, LoadsFromBetweenTwoBytes)
     const auto check = []<int N>(simd::Lanes<N>) {
         // one byte more than the vector, right before a page that cannot be read
         const GuardedBlock block(N + 1, Guard::After);
-        Lum8u* const bytes = static_cast<Lum8u*>(static_cast<void*>(block.template as<Lum8u>()));
+        Lum8u* const bytes = block.as<Lum8u>();
         Random random(N);
         for (int i = 0; i <= N; ++i)
             bytes[i] = static_cast<Lum8u>(random.between(0, 255));
