@@ -77,7 +77,7 @@ extern "C" {
  *   columns or `ry` rows of them. Nothing further is read.
  * - #lumBorderReplicate: the nearest pixel of the edge.
  * - #lumBorderMirror: reflected at the edge pixel, which is not repeated; when the element reaches further than the
- * image, the reflection bounces back and forth. A single row or column is replicated. Not with 1-bit images.
+ *   image, the reflection bounces back and forth. A single row or column is replicated. Not with 1-bit images.
  * - #lumBorderConstant: the border value, one for each channel. In a corner between a side in memory and another one
  * the axes are taken by themselves, and the constant of either is what counts.
  * - #lumBorderNeutral: the constant that never wins:
@@ -105,9 +105,9 @@ extern "C" {
  * - `strip`, if `mw < W` and `mh < H`: `e` times the larger of `(2 ry + bottom) * (2 rx + W)`, 0 when `bottom` is, and
  *   `(2 rx + right) * (2 ry + H)`, left out when `right` is 0, with `bottom = mh - 1 - ry`, `right = mw - 1 - rx`.
  *   Otherwise `e (2 ry + H) (2 rx + W)`.
- * - `bits`: the larger of `align16(4 (W + w)) 2 h + 16` and `align16(16 h + 64) + align16(24 h) + align16(w h) + U`,
- * `U` being the larger of `align32(h (w - 1 + W)) + align32(W) h + align32(w) + 32` and `8 + 40 h + (h h + 1) (W + 32)
- * + 32`.
+ * - `bits`: the larger of `align16(4 (W + w)) 2 h + 16` and `align16(16 h + 64) + align16(24 h) + align16(w h) + U`.
+ *   `U` is the larger of `align32(h (w - 1 + W)) + align32(W) h + align32(w) + 32` and
+ *   `8 + 40 h + (h h + 1) (W + 32) + 32`.
  *
  * **Checks of apply**, in this order; the first that fails decides the status, and nothing has been written:
  *
@@ -115,8 +115,8 @@ extern "C" {
  *    `Border` also `borderValue`, when the mode is #lumBorderConstant.
  * 2. #lumErrSize: a bit offset is negative (1-bit), the width or the height is below 1.
  * 3. #lumErrSizeTooLarge: the width or the height exceeds 2147483647 (`_L`).
- * 4. #lumErrStep: a stride is smaller than a row in bytes; in the 1-bit functions than `(W + 7) / 8`, the offset left
- * out.
+ * 4. #lumErrStep: a stride is smaller than a row in bytes; in the 1-bit functions that is `(W + 7) / 8`, whatever the
+ *    offset.
  * 5. #lumErrStepAlignment: a stride is not a multiple of the element size.
  * 6. #lumErrBorder: `borderType` exceeds 4095, or its low four bits are none of the modes, unless it is exactly
  *    #lumBorderInMem. Where first-stage flags count, they may make up #lumBorderInMem.
@@ -823,10 +823,11 @@ LUMCV_API LumStatus lumiErode_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s
  *
  * | Operation | Result |
  * |---|---|
- * | `lumiMorphOpen` | the erosion, dilated by the rotated element: bright details that the element does not fit into
- * vanish | | `lumiMorphClose` | the dilation, eroded by the rotated element: the same for dark details | |
- * `lumiMorphTophat` | the source minus its opening: the bright details | | `lumiMorphBlackhat` | the closing minus the
- * source: the dark details | | `lumiMorphGradient` | the dilation minus the erosion: the edges |
+ * | `lumiMorphOpen` | the erosion, dilated by the rotated element: bright details smaller than the element vanish |
+ * | `lumiMorphClose` | the dilation, eroded by the rotated element: the same for dark details |
+ * | `lumiMorphTophat` | the source minus its opening: the bright details |
+ * | `lumiMorphBlackhat` | the closing minus the source: the dark details |
+ * | `lumiMorphGradient` | the dilation minus the erosion: the edges |
  *
  * The second pass uses the element rotated by 180 degrees, so that opening and closing do not shift the image whatever
  * the element's shape; an element of even width or height is rotated as it is and lies on the other side of the pixel.
@@ -850,8 +851,8 @@ LUMCV_API LumStatus lumiErode_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s
  * #include <stdlib.h>
  * #include <string.h>
  *
- * LumStatus removeSpecks(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize, Lum64s
- * speck)
+ * LumStatus removeSpecks(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep, LumiSizeL roiSize,
+ *                        Lum64s speck)
  * {
  *     const LumiSizeL squareSize = {speck + 1, speck + 1};
  *     Lum64s specSize = 0;
@@ -873,7 +874,11 @@ LUMCV_API LumStatus lumiErode_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s
  *     }
  *     if (status == lumOk)
  *         status = lumiMorphOpen_8u_C1R_L(pSrc, srcStep, pDst, dstStep, roiSize, lumBorderReplicate, NULL, spec,
- * buffer); free(buffer); free(spec); free(square); return status;
+ *                                         buffer);
+ *     free(buffer);
+ *     free(spec);
+ *     free(square);
+ *     return status;
  * }
  * @endcode
  *
@@ -882,14 +887,14 @@ LUMCV_API LumStatus lumiErode_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s
  *
  * - Functions with `Border`: the in-memory flags, and the first-stage flags likewise, hold for the first pass, and the
  *   second one synthesises all its sides by the mode. If all four in-memory flags are set, no mode is needed; the
- * second pass then is neutral. Gradient: `borderType` is at most 255, and exactly #lumBorderInMem or of mode
+ *   second pass then is neutral. Gradient: `borderType` is at most 255, and exactly #lumBorderInMem or of mode
  *   #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant; it holds for both passes.
  * - `_L` functions: on a side with its in-memory flag the first pass covers as many more rows or columns as the second
  *   one needs, so that the result is that of a larger image; the caller's image must reach twice the element's radius
- * beyond the ROI there. A first-stage flag alone makes that side real for the first pass only, and once the radius is
- * enough. If all four in-memory flags are set and no first-stage flag stands alone, no mode is needed. Gradient: both
- * passes read the source with these flags, first-stage flags count for the dilation only, and once the radius is
- * enough.
+ *   beyond the ROI there. A first-stage flag alone makes that side real for the first pass only, and once the radius is
+ *   enough. If all four in-memory flags are set and no first-stage flag stands alone, no mode is needed. Gradient: both
+ *   passes read the source with these flags, first-stage flags count for the dilation only, and once the radius is
+ *   enough.
  *
  * **Sizes**, in bytes, with `B` and `S` the sizes of scratch and record for dilation and erosion by the same arguments:
  *
@@ -911,8 +916,8 @@ LUMCV_API LumStatus lumiErode_1u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum32s
  * 6. #lumErrBorder: `borderType` exceeds 4095 (255 in `lumiMorphGradientBorder`), or is not allowed as told above.
  * 7. What the two passes test: #lumErrInPlace if `pSrc` equals `pDst`, in gradients of 16s and 1-bit images; and the
  *    upper limits of the `_L` functions, with the status that the pass in question has for them. The other operations
- * may be called with `pSrc` equal to `pDst`: opening and closing then work in place, and what the others yield is not
- *    defined.
+ *    may be called with `pSrc` equal to `pDst`: opening and closing then work in place, and what the others yield is
+ *    not defined.
  *
  * Queries and Init test as those of dilation and erosion do; lumiMorphInit_L() tests #lumErrSizeTooLarge before
  * #lumErrSize.
