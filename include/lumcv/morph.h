@@ -79,7 +79,7 @@ extern "C" {
  * - #lumBorderMirror: reflected at the edge pixel, which is not repeated; when the element reaches further than the
  *   image, the reflection bounces back and forth. A single row or column is replicated. Not with 1-bit images.
  * - #lumBorderConstant: the border value, one for each channel. In a corner between a side in memory and another one
- * the axes are taken by themselves, and the constant of either is what counts.
+ *   the axes are taken by themselves, and the constant of either is what counts.
  * - #lumBorderNeutral: the constant that never wins:
  *
  * | | 8u | 16u | 16s | 32f | 1u |
