@@ -361,6 +361,18 @@ TYPED_TEST(FixedFiltersLarge, AroundAMillionPixels)
     }
 }
 
+// From 0x200000 pixels on, 8u images may be too large for the caches.
+TYPED_TEST(FixedFiltersLarge, TwoMillionPixels)
+{
+    if constexpr (std::is_same_v<typename TypeParam::Source, Lum8u>) {
+        FilterSetting setting;
+        setting.size = {2049, 1024};
+        setting.offset = 5;
+        setting.gap = 3;
+        expectSameAtEveryReport<TypeParam>(setting, lumMask3x3, {{lumErrGeneric, 1}, {lumOk, 1}});
+    }
+}
+
 TYPED_TEST(FixedFiltersLarge, SingleRowsAndColumns)
 {
     const ReportedCacheSize reported(lumOk, 1);
