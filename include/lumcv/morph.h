@@ -2453,7 +2453,8 @@ LUMCV_API LumStatus lumiMorphGrayInit_32f_C1R(LumiMorphGrayRecord* pState, LumiS
 /**
  * Dilates an 8u image by a gray element.
  *
- * The checks come in the order of the statuses below; size comes twice. Source and destination must not overlap.
+ * The checks come in the order of the statuses below; the ROI is held against the record's at last. Source and
+ * destination must not overlap.
  *
  * @param pSrc       first pixel of the source's ROI
  * @param srcStep    stride of the source, in bytes
@@ -2464,10 +2465,9 @@ LUMCV_API LumStatus lumiMorphGrayInit_32f_C1R(LumiMorphGrayRecord* pState, LumiS
  * @param pState     record of lumiMorphGrayInit_8u_C1R()
  * @retval lumOk             the destination has been written
  * @retval lumErrNullPointer a pointer is null
- * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrSize        the width or the height is below 1, or above the record's
  * @retval lumErrStep        a stride is smaller than a row in bytes
  * @retval lumErrArgument    `borderType` is anything but #lumBorderReplicate
- * @retval lumErrSize        the ROI is wider or higher than the record's
  */
 LUMCV_API LumStatus lumiGrayDilateBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
                                                 LumiSize roiSize, LumiBorderType borderType,
@@ -2481,7 +2481,8 @@ LUMCV_API LumStatus lumiGrayErodeBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep
 /**
  * Dilates a 32f image by a gray element.
  *
- * The checks come in the order of the statuses below; size comes twice. Source and destination must not overlap.
+ * The checks come in the order of the statuses below; the ROI is held against the record's at last. Source and
+ * destination must not overlap.
  *
  * @param pSrc       first pixel of the source's ROI
  * @param srcStep    stride of the source, in bytes; a multiple of 4
@@ -2492,11 +2493,10 @@ LUMCV_API LumStatus lumiGrayErodeBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep
  * @param pState     record of lumiMorphGrayInit_32f_C1R()
  * @retval lumOk               the destination has been written
  * @retval lumErrNullPointer   a pointer is null
- * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrSize          the width or the height is below 1, or above the record's
  * @retval lumErrStep          a stride is smaller than a row in bytes
  * @retval lumErrStepAlignment a stride is not a multiple of 4
  * @retval lumErrArgument      `borderType` is anything but #lumBorderReplicate
- * @retval lumErrSize          the ROI is wider or higher than the record's
  */
 LUMCV_API LumStatus lumiGrayDilateBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                                  LumiSize roiSize, LumiBorderType borderType,
