@@ -347,6 +347,125 @@ class Pass
     Lum8u* result_;
 };
 
+/// A 3x3 rectangle over images of equal bit offsets, in strips of bytes that go down the image. What replicate puts
+/// beside the image lies under the element anyway; so every border is a constant, or in memory.
+template <BitOperation operation>
+class Square
+{
+  public:
+    static bool fits(const LumiMorphBitRecord& element, int64_t srcOffset, int64_t dstOffset, LumiSizeL size)
+    {
+        return element.maskWidth == 3 && element.maskHeight == 3 && srcOffset == dstOffset &&
+               dstOffset + size.width > 8 * endLanes;
+    }
+
+    Square(BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
+        : src_(src.bytes),
+          dst_(dst.bytes),
+          height_(size.height),
+          begin_(dst.offset),
+          end_(dst.offset + size.width),
+          sides_(border.sides),
+          border_((border.isConstant ? border.value : !decisive(operation)) ? 0xFF : 0)
+    {
+    }
+
+    void run() const
+    {
+        constexpr int64_t bandRows = 64;  // they stay in the first-level cache from strip to strip
+        const int64_t lastStrip = ((end_ - 1) >> 3) + 1 - endLanes;
+        for (int64_t y = 0; y < height_; y += bandRows) {
+            const Rows rows{y, y + bandRows < height_ ? y + bandRows : height_};
+            if (sides_.left && begin_ == 0)
+                strip<Part::middle, endLanes>(0, rows);
+            else
+                strip<Part::first, endLanes>(0, rows);
+            int64_t k = endLanes;
+            for (; k + rowLanes <= lastStrip; k += rowLanes)
+                strip<Part::middle, rowLanes>(k, rows);
+            for (; k < lastStrip; k += endLanes)
+                strip<Part::middle, endLanes>(k, rows);
+            if (sides_.right && end_ % 8 == 0)
+                strip<Part::middle, endLanes>(lastStrip, rows);
+            else
+                strip<Part::last, endLanes>(lastStrip, rows);
+        }
+    }
+
+  private:
+    static constexpr int endLanes = 16;
+
+    /// Which bytes of a row a strip holds: of the first and the last no neighbour is read.
+    enum class Part
+    {
+        first,
+        middle,
+        last
+    };
+
+    struct Rows
+    {
+        int64_t begin, end;
+    };
+
+    template <Part part, int lanes>
+    [[gnu::flatten, gnu::noinline]] void strip(int64_t k, Rows rows) const
+    {
+        constexpr bool isMiddle = part == Part::middle;
+        const auto border = simd::broadcast<lanes>(border_);
+        auto inside = simd::broadcast<lanes>(Lum8u{0xFF}), known = inside, beside = border;
+        if constexpr (!isMiddle) {
+            Lum8u mask[lanes];
+            std::memset(mask, 0xFF, lanes);
+            const int at = part == Part::first ? 0 : lanes - 1;
+            mask[at] = maskOf(k + at, begin_, end_);
+            inside = simd::load<lanes>(mask);
+            if (!(part == Part::first ? sides_.left : sides_.right))
+                known = inside;
+            beside = border & ~known;
+        }
+        const auto triples = [=](const Lum8u* from) {
+            auto pixels = simd::load<lanes>(from);
+            auto lower = pixels, upper = pixels;
+            if constexpr (!isMiddle)
+                pixels = (pixels & known) | beside;
+            if constexpr (part == Part::first)
+                lower = simd::movedUp<1>(pixels, border);
+            else
+                lower = simd::load<lanes>(from - 1);
+            if constexpr (part == Part::last)
+                upper = simd::movedDown<1>(pixels, border);
+            else
+                upper = simd::load<lanes>(from + 1);
+            return combined<operation>(combined<operation>(simd::betweenBytes(lower, pixels, 7), pixels),
+                                       simd::betweenBytes(pixels, upper, 1));
+        };
+        const Lum8u* from = src_.row(rows.begin) + k;
+        Lum8u* to = dst_.row(rows.begin) + k;
+        auto here = triples(from);
+        auto above = rows.begin > 0 || sides_.top ? triples(rowAt(from, src_.step, -1)) : border;
+        const int64_t besideBottom = sides_.bottom ? height_ + 1 : height_;
+        for (int64_t y = rows.begin + 1; y <= rows.end; ++y) {
+            from = rowAt(from, src_.step, 1);
+            const auto below = y < besideBottom ? triples(from) : border;
+            auto result = combined<operation>(combined<operation>(above, here), below);
+            if constexpr (!isMiddle)
+                result = (result & inside) | (simd::load<lanes>(to) & ~inside);
+            simd::store(to, result);
+            to = rowAt(to, dst_.step, 1);
+            above = here;
+            here = below;
+        }
+    }
+
+    Plane<const Lum8u> src_;
+    Plane<Lum8u> dst_;
+    int64_t height_;
+    int64_t begin_, end_;  ///< bits of a row
+    Border sides_;
+    Lum8u border_;  ///< eight pixels of it
+};
+
 bool isRectangle(const LumiMorphBitRecord& element)
 {
     const int64_t positions = int64_t{element.maskWidth} * element.maskHeight;
@@ -365,8 +484,13 @@ void work(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane
         Pass<operation>(element, src, size, border, scratch).copy(dst);
         return;
     }
+    const bool isRectangular = isRectangle(element);
+    if (isRectangular && Square<operation>::fits(element, src.offset, dst.offset, size)) {
+        Square<operation>(src, dst, size, border).run();
+        return;
+    }
     Pass<operation> pass(element, src, size, border, scratch);
-    if (isRectangle(element))
+    if (isRectangular)
         pass.rectangle(dst);
     else
         pass.anyShape(dst);
