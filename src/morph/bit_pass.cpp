@@ -376,16 +376,20 @@ class Square
         const int64_t lastStrip = ((end_ - 1) >> 3) + 1 - endLanes;
         for (int64_t y = 0; y < height_; y += bandRows) {
             const Rows rows{y, y + bandRows < height_ ? y + bandRows : height_};
-            if (sides_.left && begin_ == 0)
+            if (begin_ > 0)
+                strip<Part::partialFirst, endLanes>(0, rows);
+            else if (sides_.left)
                 strip<Part::middle, endLanes>(0, rows);
             else
                 strip<Part::first, endLanes>(0, rows);
             int64_t k = endLanes;
-            for (; k + rowLanes <= lastStrip; k += rowLanes)
-                strip<Part::middle, rowLanes>(k, rows);
+            for (; k + middleLanes <= lastStrip; k += middleLanes)
+                strip<Part::middle, middleLanes>(k, rows);
             for (; k < lastStrip; k += endLanes)
                 strip<Part::middle, endLanes>(k, rows);
-            if (sides_.right && end_ % 8 == 0)
+            if (end_ % 8 != 0)
+                strip<Part::partialLast, endLanes>(lastStrip, rows);
+            else if (sides_.right)
                 strip<Part::middle, endLanes>(lastStrip, rows);
             else
                 strip<Part::last, endLanes>(lastStrip, rows);
@@ -394,13 +398,19 @@ class Square
 
   private:
     static constexpr int endLanes = 16;
+#ifndef ML
+#define ML 64
+#endif
+    static constexpr int middleLanes = ML;
 
-    /// Which bytes of a row a strip holds: of the first and the last no neighbour is read.
+    /// Where in a row a strip lies: at an end no byte beyond it is read. A partial byte there holds other bits as well.
     enum class Part
     {
+        partialFirst,
         first,
         middle,
-        last
+        last,
+        partialLast
     };
 
     struct Rows
@@ -411,51 +421,63 @@ class Square
     template <Part part, int lanes>
     [[gnu::flatten, gnu::noinline]] void strip(int64_t k, Rows rows) const
     {
-        constexpr bool isMiddle = part == Part::middle;
+        constexpr bool isFirst = part == Part::first || part == Part::partialFirst;
+        constexpr bool isLast = part == Part::last || part == Part::partialLast;
+        constexpr bool isPartial = part == Part::partialFirst || part == Part::partialLast;
         const auto border = simd::broadcast<lanes>(border_);
-        auto inside = simd::broadcast<lanes>(Lum8u{0xFF}), known = inside, beside = border;
-        if constexpr (!isMiddle) {
+        auto inside = border, known = border, beside = border;  // of a partial byte's row: masks, and border bits
+        if constexpr (isPartial) {
             Lum8u mask[lanes];
             std::memset(mask, 0xFF, lanes);
-            const int at = part == Part::first ? 0 : lanes - 1;
+            const int at = isFirst ? 0 : lanes - 1;
             mask[at] = maskOf(k + at, begin_, end_);
             inside = simd::load<lanes>(mask);
-            if (!(part == Part::first ? sides_.left : sides_.right))
-                known = inside;
+            known = (isFirst ? sides_.left : sides_.right) ? simd::broadcast<lanes>(Lum8u{0xFF}) : inside;
             beside = border & ~known;
         }
         const auto triples = [=](const Lum8u* from) {
             auto pixels = simd::load<lanes>(from);
-            auto lower = pixels, upper = pixels;
-            if constexpr (!isMiddle)
+            if constexpr (isPartial)
                 pixels = (pixels & known) | beside;
-            if constexpr (part == Part::first)
+            simd::Vec<Lum8u, lanes> lower, upper;
+            if constexpr (isFirst)
                 lower = simd::movedUp<1>(pixels, border);
             else
                 lower = simd::load<lanes>(from - 1);
-            if constexpr (part == Part::last)
+            if constexpr (isLast)
                 upper = simd::movedDown<1>(pixels, border);
             else
                 upper = simd::load<lanes>(from + 1);
             return combined<operation>(combined<operation>(simd::betweenBytes(lower, pixels, 7), pixels),
                                        simd::betweenBytes(pixels, upper, 1));
         };
-        const Lum8u* from = src_.row(rows.begin) + k;
-        Lum8u* to = dst_.row(rows.begin) + k;
-        auto here = triples(from);
-        auto above = rows.begin > 0 || sides_.top ? triples(rowAt(from, src_.step, -1)) : border;
-        const int64_t besideBottom = sides_.bottom ? height_ + 1 : height_;
-        for (int64_t y = rows.begin + 1; y <= rows.end; ++y) {
-            from = rowAt(from, src_.step, 1);
-            const auto below = y < besideBottom ? triples(from) : border;
-            auto result = combined<operation>(combined<operation>(above, here), below);
-            if constexpr (!isMiddle)
+        const int64_t besideTop = sides_.top ? -1 : 0, besideBottom = sides_.bottom ? height_ + 1 : height_;
+        const auto seen = [=](const Lum8u* from, int64_t y) {
+            return y >= besideTop && y < besideBottom ? triples(from) : border;
+        };
+        const auto write = [=](Lum8u* to, simd::Vec<Lum8u, lanes> result) {
+            if constexpr (isPartial)
                 result = (result & inside) | (simd::load<lanes>(to) & ~inside);
             simd::store(to, result);
-            to = rowAt(to, dst_.step, 1);
-            above = here;
-            here = below;
+        };
+        const int64_t srcStep = src_.step, dstStep = dst_.step;
+        const Lum8u* from = src_.row(rows.begin) + k;
+        Lum8u* to = dst_.row(rows.begin) + k;
+        int64_t y = rows.begin;
+        auto above = seen(rowAt(from, srcStep, -1), y - 1), here = triples(from);
+        for (; y + 1 < rows.end; y += 2) {  // two rows share what lies under both
+            const auto next = triples(rowAt(from, srcStep, 1));
+            from = rowAt(from, srcStep, 2);
+            const auto afterNext = seen(from, y + 2);
+            const auto shared = combined<operation>(here, next);
+            write(to, combined<operation>(above, shared));
+            write(rowAt(to, dstStep, 1), combined<operation>(shared, afterNext));
+            to = rowAt(to, dstStep, 2);
+            above = next;
+            here = afterNext;
         }
+        if (y < rows.end)
+            write(to, combined<operation>(combined<operation>(above, here), seen(rowAt(from, srcStep, 1), y + 1)));
     }
 
     Plane<const Lum8u> src_;
