@@ -383,8 +383,8 @@ class Square
             else
                 strip<Part::first, endLanes>(0, rows);
             int64_t k = endLanes;
-            for (; k + middleLanes <= lastStrip; k += middleLanes)
-                strip<Part::middle, middleLanes>(k, rows);
+            for (; k + rowLanes <= lastStrip; k += rowLanes)
+                strip<Part::middle, rowLanes>(k, rows);
             for (; k < lastStrip; k += endLanes)
                 strip<Part::middle, endLanes>(k, rows);
             if (end_ % 8 != 0)
@@ -398,10 +398,6 @@ class Square
 
   private:
     static constexpr int endLanes = 16;
-#ifndef ML
-#define ML 64
-#endif
-    static constexpr int middleLanes = ML;
 
     /// Where in a row a strip lies: at an end no byte beyond it is read. A partial byte there holds other bits as well.
     enum class Part
