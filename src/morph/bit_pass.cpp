@@ -372,7 +372,6 @@ class Square
 
     void run() const
     {
-        constexpr int64_t bandRows = 64;  // they stay in the first-level cache from strip to strip
         const int64_t lastStrip = ((end_ - 1) >> 3) + 1 - endLanes;
         for (int64_t y = 0; y < height_; y += bandRows) {
             const Rows rows{y, y + bandRows < height_ ? y + bandRows : height_};
@@ -398,6 +397,7 @@ class Square
 
   private:
     static constexpr int endLanes = 16;
+    static constexpr int64_t bandRows = 32;  ///< they stay in the first-level cache from strip to strip
 
     /// Where in a row a strip lies: at an end no byte beyond it is read. A partial byte there holds other bits as well.
     enum class Part
@@ -447,10 +447,6 @@ class Square
             return combined<operation>(combined<operation>(simd::betweenBytes(lower, pixels, 7), pixels),
                                        simd::betweenBytes(pixels, upper, 1));
         };
-        const int64_t besideTop = sides_.top ? -1 : 0, besideBottom = sides_.bottom ? height_ + 1 : height_;
-        const auto seen = [=](const Lum8u* from, int64_t y) {
-            return y >= besideTop && y < besideBottom ? triples(from) : border;
-        };
         const auto write = [=](Lum8u* to, simd::Vec<Lum8u, lanes> result) {
             if constexpr (isPartial)
                 result = (result & inside) | (simd::load<lanes>(to) & ~inside);
@@ -459,12 +455,18 @@ class Square
         const int64_t srcStep = src_.step, dstStep = dst_.step;
         const Lum8u* from = src_.row(rows.begin) + k;
         Lum8u* to = dst_.row(rows.begin) + k;
+        const int64_t lastRead = rows.end < height_ || sides_.bottom ? rows.end : height_ - 1;
+        const int64_t ahead = rows.end + bandRows <= height_ ? bandRows : 0;
         int64_t y = rows.begin;
-        auto above = seen(rowAt(from, srcStep, -1), y - 1), here = triples(from);
-        for (; y + 1 < rows.end; y += 2) {  // two rows share what lies under both
+        auto above = y > 0 || sides_.top ? triples(rowAt(from, srcStep, -1)) : border, here = triples(from);
+        for (; y + 2 <= lastRead; y += 2) {  // two rows share what lies under both
+            for (int i = 0; i < 2; ++i) {
+                simd::prefetch<lanes>(rowAt(from, srcStep, ahead + i));
+                simd::prefetch<lanes>(static_cast<const Lum8u*>(rowAt(to, dstStep, ahead + i)));
+            }
             const auto next = triples(rowAt(from, srcStep, 1));
             from = rowAt(from, srcStep, 2);
-            const auto afterNext = seen(from, y + 2);
+            const auto afterNext = triples(from);
             const auto shared = combined<operation>(here, next);
             write(to, combined<operation>(above, shared));
             write(rowAt(to, dstStep, 1), combined<operation>(shared, afterNext));
@@ -472,8 +474,14 @@ class Square
             above = next;
             here = afterNext;
         }
-        if (y < rows.end)
-            write(to, combined<operation>(combined<operation>(above, here), seen(rowAt(from, srcStep, 1), y + 1)));
+        for (; y < rows.end; ++y) {
+            from = rowAt(from, srcStep, 1);
+            const auto below = y < lastRead ? triples(from) : border;
+            write(to, combined<operation>(combined<operation>(above, here), below));
+            to = rowAt(to, dstStep, 1);
+            above = here;
+            here = below;
+        }
     }
 
     Plane<const Lum8u> src_;
