@@ -30,7 +30,8 @@ template <int N>
     if constexpr (kindOf<uint64_t, N> == Kind::pair)
         return {joined(a.lo, down, b.lo, up), joined(a.hi, down, b.hi, up)};
     else
-        return {(a.raw >> down) | (b.raw << up)};
+        // more of the processor's ports add than shift
+        return {(a.raw >> down) | (__builtin_constant_p(up) && up == 1 ? b.raw + b.raw : b.raw << up)};
 }
 
 /// Eight bits for each byte of `lower`, from `shift` bits (0 to 7) behind its start on; `upper` starts a byte later.
