@@ -3,6 +3,7 @@
 // A source row is brought into a line of scratch byte by byte as it lies in memory, and the bits of its border are
 // written beside it. What the element sees of the row is then the line, moved by some bits; the last move brings the
 // result to the destination's bit offset. Of a rectangle the rows are combined first and the columns once for all rows.
+// A 3x3 square between equal bit offsets needs no line.
 #include "morph/bit_pass.hpp"
 
 #include <cstring>
