@@ -3,6 +3,7 @@
 // A source row is brought into a line of scratch byte by byte as it lies in memory, and the bits of its border are
 // written beside it. What the element sees of the row is then the line, moved by some bits; the last move brings the
 // result to the destination's bit offset. Of a rectangle the rows are combined first and the columns once for all rows.
+// A 3x3 square between equal bit offsets needs no line.
 #include "morph/bit_pass.hpp"
 
 #include <cstring>
@@ -347,6 +348,151 @@ class Pass
     Lum8u* result_;
 };
 
+/// A 3x3 rectangle over images of equal bit offsets, in strips of bytes that go down the image. What replicate puts
+/// beside the image lies under the element anyway; so every border is a constant, or in memory.
+template <BitOperation operation>
+class Square
+{
+  public:
+    static bool fits(const LumiMorphBitRecord& element, int64_t srcOffset, int64_t dstOffset, LumiSizeL size)
+    {
+        return element.maskWidth == 3 && element.maskHeight == 3 && srcOffset == dstOffset &&
+               dstOffset + size.width > 8 * endLanes;
+    }
+
+    Square(BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
+        : src_(src.bytes),
+          dst_(dst.bytes),
+          height_(size.height),
+          begin_(dst.offset),
+          end_(dst.offset + size.width),
+          sides_(border.sides),
+          border_((border.isConstant ? border.value : !decisive(operation)) ? 0xFF : 0)
+    {
+    }
+
+    void run() const
+    {
+        const int64_t lastStrip = ((end_ - 1) >> 3) + 1 - endLanes;
+        for (int64_t y = 0; y < height_; y += bandRows) {
+            const Rows rows{y, y + bandRows < height_ ? y + bandRows : height_};
+            if (begin_ > 0)
+                strip<Part::partialFirst, endLanes>(0, rows);
+            else if (sides_.left)
+                strip<Part::middle, endLanes>(0, rows);
+            else
+                strip<Part::first, endLanes>(0, rows);
+            int64_t k = endLanes;
+            for (; k + rowLanes <= lastStrip; k += rowLanes)
+                strip<Part::middle, rowLanes>(k, rows);
+            for (; k < lastStrip; k += endLanes)
+                strip<Part::middle, endLanes>(k, rows);
+            if (end_ % 8 != 0)
+                strip<Part::partialLast, endLanes>(lastStrip, rows);
+            else if (sides_.right)
+                strip<Part::middle, endLanes>(lastStrip, rows);
+            else
+                strip<Part::last, endLanes>(lastStrip, rows);
+        }
+    }
+
+  private:
+    static constexpr int endLanes = 16;
+    static constexpr int64_t bandRows = 32;  ///< they stay in the first-level cache from strip to strip
+
+    /// Where in a row a strip lies: at an end no byte beyond it is read. A partial byte there holds other bits as well.
+    enum class Part
+    {
+        partialFirst,
+        first,
+        middle,
+        last,
+        partialLast
+    };
+
+    struct Rows
+    {
+        int64_t begin, end;
+    };
+
+    template <Part part, int lanes>
+    [[gnu::flatten, gnu::noinline]] void strip(int64_t k, Rows rows) const
+    {
+        constexpr bool isFirst = part == Part::first || part == Part::partialFirst;
+        constexpr bool isLast = part == Part::last || part == Part::partialLast;
+        constexpr bool isPartial = part == Part::partialFirst || part == Part::partialLast;
+        const auto border = simd::broadcast<lanes>(border_);
+        auto inside = border, known = border, beside = border;  // of a partial byte's row: masks, and border bits
+        if constexpr (isPartial) {
+            Lum8u mask[lanes];
+            std::memset(mask, 0xFF, lanes);
+            const int at = isFirst ? 0 : lanes - 1;
+            mask[at] = maskOf(k + at, begin_, end_);
+            inside = simd::load<lanes>(mask);
+            known = (isFirst ? sides_.left : sides_.right) ? simd::broadcast<lanes>(Lum8u{0xFF}) : inside;
+            beside = border & ~known;
+        }
+        const auto triples = [=](const Lum8u* from) {
+            auto pixels = simd::load<lanes>(from);
+            if constexpr (isPartial)
+                pixels = (pixels & known) | beside;
+            simd::Vec<Lum8u, lanes> lower, upper;
+            if constexpr (isFirst)
+                lower = simd::movedUp<1>(pixels, border);
+            else
+                lower = simd::load<lanes>(from - 1);
+            if constexpr (isLast)
+                upper = simd::movedDown<1>(pixels, border);
+            else
+                upper = simd::load<lanes>(from + 1);
+            return combined<operation>(combined<operation>(simd::betweenBytes(lower, pixels, 7), pixels),
+                                       simd::betweenBytes(pixels, upper, 1));
+        };
+        const auto write = [=](Lum8u* to, simd::Vec<Lum8u, lanes> result) {
+            if constexpr (isPartial)
+                result = (result & inside) | (simd::load<lanes>(to) & ~inside);
+            simd::store(to, result);
+        };
+        const int64_t srcStep = src_.step, dstStep = dst_.step;
+        const Lum8u* from = src_.row(rows.begin) + k;
+        Lum8u* to = dst_.row(rows.begin) + k;
+        const int64_t lastRead = rows.end < height_ || sides_.bottom ? rows.end : height_ - 1;
+        const int64_t ahead = rows.end + bandRows <= height_ ? bandRows : 0;
+        int64_t y = rows.begin;
+        auto above = y > 0 || sides_.top ? triples(rowAt(from, srcStep, -1)) : border, here = triples(from);
+        for (; y + 2 <= lastRead; y += 2) {  // two rows share what lies under both
+            for (int i = 0; i < 2; ++i) {
+                simd::prefetch<lanes>(rowAt(from, srcStep, ahead + i));
+                simd::prefetch<lanes>(static_cast<const Lum8u*>(rowAt(to, dstStep, ahead + i)));
+            }
+            const auto next = triples(rowAt(from, srcStep, 1));
+            from = rowAt(from, srcStep, 2);
+            const auto afterNext = triples(from);
+            const auto shared = combined<operation>(here, next);
+            write(to, combined<operation>(above, shared));
+            write(rowAt(to, dstStep, 1), combined<operation>(shared, afterNext));
+            to = rowAt(to, dstStep, 2);
+            above = next;
+            here = afterNext;
+        }
+        for (; y < rows.end; ++y) {
+            from = rowAt(from, srcStep, 1);
+            const auto below = y < lastRead ? triples(from) : border;
+            write(to, combined<operation>(combined<operation>(above, here), below));
+            to = rowAt(to, dstStep, 1);
+            above = here;
+            here = below;
+        }
+    }
+
+    Plane<const Lum8u> src_;
+    Plane<Lum8u> dst_;
+    int64_t height_;
+    int64_t begin_, end_;  ///< bits of a row
+    Border sides_;
+    Lum8u border_;  ///< eight pixels of it
+};
+
 bool isRectangle(const LumiMorphBitRecord& element)
 {
     const int64_t positions = int64_t{element.maskWidth} * element.maskHeight;
@@ -365,8 +511,13 @@ void work(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane
         Pass<operation>(element, src, size, border, scratch).copy(dst);
         return;
     }
+    const bool isRectangular = isRectangle(element);
+    if (isRectangular && Square<operation>::fits(element, src.offset, dst.offset, size)) {
+        Square<operation>(src, dst, size, border).run();
+        return;
+    }
     Pass<operation> pass(element, src, size, border, scratch);
-    if (isRectangle(element))
+    if (isRectangular)
         pass.rectangle(dst);
     else
         pass.anyShape(dst);

@@ -30,18 +30,26 @@ template <int N>
     if constexpr (kindOf<uint64_t, N> == Kind::pair)
         return {joined(a.lo, down, b.lo, up), joined(a.hi, down, b.hi, up)};
     else
-        return {(a.raw >> down) | (b.raw << up)};
+        // more of the processor's ports add than shift
+        return {(a.raw >> down) | (__builtin_constant_p(up) && up == 1 ? b.raw + b.raw : b.raw << up)};
+}
+
+/// Eight bits for each byte of `lower`, from `shift` bits (0 to 7) behind its start on; `upper` starts a byte later.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum8u, N> betweenBytes(Vec<Lum8u, N> lower, Vec<Lum8u, N> upper, int shift)
+{
+    if constexpr (N == 1)
+        return {static_cast<Lum8u>((lower.raw | upper.raw << 8) >> shift)};
+    else  // a 64-bit lane lacks its upper bits; the lane that starts a byte later has them, and agrees on all others
+        return reinterpreted<Lum8u>(
+            joined(reinterpreted<uint64_t>(lower), shift, reinterpreted<uint64_t>(upper), 8 - shift));
 }
 
 /// Eight bits for each of N bytes, from `shift` bits (0 to 7) behind the start of p on. Reads N + 1 bytes.
 template <int N>
 [[gnu::always_inline]] inline Vec<Lum8u, N> loadBits(const Lum8u* p, int shift)
 {
-    if constexpr (N == 1)
-        return {static_cast<Lum8u>((p[0] | p[1] << 8) >> shift)};
-    else  // a 64-bit lane lacks its upper bits; the lane that starts a byte later has them, and agrees on all others
-        return reinterpreted<Lum8u>(
-            joined(reinterpreted<uint64_t>(load<N>(p)), shift, reinterpreted<uint64_t>(load<N>(p + 1)), 8 - shift));
+    return betweenBytes(load<N>(p), load<N>(p + 1), shift);
 }
 
 }  // namespace lumcv::simd

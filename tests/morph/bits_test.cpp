@@ -58,6 +58,30 @@ TEST(MorphBits, EveryWidth)
     }
 }
 
+// A 3x3 square between equal offsets, over more rows than are worked on at a time, with each kind of row end.
+TEST(MorphBits, ManyRows)
+{
+    int number = 0;
+    for (const int height : {31, 32, 33, 34, 97}) {
+        for (int offset = 0; offset < 8; ++offset) {
+            for (const int width : {128 - offset, 129 - offset, 141, 160 - offset, 384}) {
+                for (const LumiBorderType sides : {0, 16, 32, 64, 128, 48, 192, 240}) {
+                    BitSetting s = bitsInTurn(rectangle(3, 3), width, height, number);
+                    s.operation = number % 5 < 2 ? Operation::Erode : Operation::Dilate;
+                    s.border = sides | (number % 3 == 0 ? lumBorderConstant : lumBorderReplicate);
+                    s.srcBitOffset = offset;
+                    s.dstBitOffset = offset;
+                    ++number;
+                    expectBits(s);
+                    if (::testing::Test::HasFailure()) {
+                        return;
+                    }
+                }
+            }
+        }
+    }
+}
+
 // Every pair of offsets modulo 8, with strides where rows share a byte and others.
 TEST(MorphBits, EveryOffset)
 {
