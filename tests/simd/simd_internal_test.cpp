@@ -397,9 +397,9 @@ TEST(Simd, SumsOfNeighbouringBytesComeBackInOrder)
         check(lanes, threeWeights, [](const Lum8u* s) { return simd::tapSums<threeWeights, N>(s); });
         check(lanes, fiveWeights, [](const Lum8u* s) { return simd::tapSums<fiveWeights, N>(s); });
     };
-    checkBoth(simd::Lanes<16>{});
-    checkBoth(simd::Lanes<32>{});
-    checkBoth(simd::Lanes<64>{});
+    checkBoth(simd::Lanes<simd::registerLanes<Lum8u>>{});
+    checkBoth(simd::Lanes<2 * simd::registerLanes<Lum8u>>{});
+    checkBoth(simd::Lanes<4 * simd::registerLanes<Lum8u>>{});
 }
 
 TEST(Simd, SplitWordsAreWords)
@@ -427,9 +427,9 @@ TEST(Simd, SplitWordsAreWords)
                                   [&](int i) { return bytes[i]; });
         }
     };
-    check(simd::Lanes<16>{});
-    check(simd::Lanes<32>{});
-    check(simd::Lanes<64>{});
+    check(simd::Lanes<simd::registerLanes<Lum8u>>{});
+    check(simd::Lanes<2 * simd::registerLanes<Lum8u>>{});
+    check(simd::Lanes<4 * simd::registerLanes<Lum8u>>{});
 }
 
 TEST(Simd, RowsAreWalkedToTheirLastElement)
