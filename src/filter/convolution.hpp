@@ -16,12 +16,12 @@ template <int lanes, class Taps, class Element>
 }
 
 /// Along a row of floats; line[0] lies under the first tap of x = 0.
-template <class Taps>
+template <class Taps, class Channels>
 struct RowConvolution
 {
     Taps taps;
     const Lum32f* line;
-    int64_t channels;  ///< floats of a pixel
+    Channels channels;  ///< floats of a pixel
 
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const

@@ -8,12 +8,12 @@ namespace lumcv {
 namespace {
 
 /// A row of floats, folded along itself.
-template <class Taps>
+template <class Taps, class Channels>
 struct RowFold
 {
     Taps taps;
     const Lum32f* line;  ///< the pixels; their neighbours lie on both sides
-    int64_t channels;    ///< floats of a pixel
+    Channels channels;   ///< floats of a pixel
 
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
@@ -87,12 +87,12 @@ struct ColumnFold<AnyTaps>
     }
 };
 
-template <class FoldedTaps>
+template <class FoldedTaps, class Channels>
 struct GaussianFolds
 {
     using Taps = FoldedTaps;
     Taps taps;
-    int64_t channels;
+    Channels channels;
 
     int64_t width() const
     {
@@ -106,7 +106,7 @@ struct GaussianFolds
 
     auto along(const Lum32f* line) const
     {
-        return RowFold<Taps>{taps, line + (taps.count() - 1) * channels, channels};
+        return RowFold<Taps, Channels>{taps, line + (taps.count() - 1) * channels, channels};
     }
 
     auto across(const RowRing& ring, int64_t firstSlot) const
@@ -132,7 +132,7 @@ void filterImage(const SeparableImages<T, T, channels>& images, const Taps& taps
 {
     // the line, a source row with both its borders, fits behind the ring: the bytes asked for beyond the rows are those
     // of its borders
-    const GaussianFolds<Taps> kernel{taps, channels};
+    const GaussianFolds kernel{taps, channelCount<channels>()};
     const int64_t width = images.roiSize.width;
     const int64_t pitch = gaussianRingPitch(width, channels) / static_cast<int64_t>(sizeof(Lum32f));
     const auto rows = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(buffer) + 63) / 64 * 64);

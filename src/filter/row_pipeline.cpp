@@ -74,8 +74,8 @@ void eachPiece(const RowCall<S, D, channels>& call, LineSpace<Element>& space, P
 
 // Single precision.
 
-template <class D, class Taps>
-[[gnu::flatten, gnu::noinline]] void convolve(RowConvolution<Taps> along, D* dst, int64_t n)
+template <class D, class Taps, class Channels>
+[[gnu::flatten, gnu::noinline]] void convolve(RowConvolution<Taps, Channels> along, D* dst, int64_t n)
 {
     storeRow<stepLanes<D, Taps>()>(dst, n, false,
                                    [=](int64_t x, auto lanes) { return simd::saturateTo<D>(along(x, lanes)); });
@@ -98,7 +98,7 @@ LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum
     LineSpace<Lum32f> space(call.buffer + used, call.scratch.bytes(k) - used);
     withTaps(coefficients, k, [&](auto taps) {
         eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) {
-            convolve(RowConvolution<decltype(taps)>{taps, line, channels}, dst, n);
+            convolve(RowConvolution{taps, line, channelCount<channels>()}, dst, n);
         });
     });
     return lumOk;

@@ -60,12 +60,12 @@ struct Coefficients
     Lum32f scale;
 };
 
-template <class ConvolutionTaps>
+template <class ConvolutionTaps, class Channels>
 struct Convolutions
 {
     using Taps = ConvolutionTaps;
     Taps x, y;
-    int64_t channels;
+    Channels channels;
     Lum32f sumX, scale;
 
     int64_t width() const
@@ -80,7 +80,7 @@ struct Convolutions
 
     auto along(const Lum32f* line) const
     {
-        return RowConvolution<Taps>{x, line, channels};
+        return RowConvolution{x, line, channels};
     }
 
     auto across(const RowRing& ring, int64_t firstSlot) const
@@ -164,7 +164,7 @@ template <class S, class D, int channels>
     const Coefficients k = readKernels(header, line + columns * channels + neighbours);
 
     const auto run = [&](auto x, auto y) {
-        filterBands(images, Convolutions<decltype(x)>{x, y, channels, k.sumX, k.scale}, space);
+        filterBands(images, Convolutions{x, y, channelCount<channels>(), k.sumX, k.scale}, space);
     };
     if (k.width == 3 && k.height == 3)
         run(FixedTaps<3>(k.x), FixedTaps<3>(k.y));
