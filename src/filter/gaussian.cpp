@@ -132,7 +132,7 @@ void filterImage(const SeparableImages<T, T, channels>& images, const Taps& taps
 {
     // the line, a source row with both its borders, fits behind the ring: the bytes asked for beyond the rows are those
     // of its borders
-    const GaussianFolds kernel{taps, channelCount<channels>()};
+    const GaussianFolds<Taps, ChannelCount<channels>> kernel{taps, channelCount<channels>()};
     const int64_t width = images.roiSize.width;
     const int64_t pitch = gaussianRingPitch(width, channels) / static_cast<int64_t>(sizeof(Lum32f));
     const auto rows = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(buffer) + 63) / 64 * 64);

@@ -98,7 +98,8 @@ LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum
     LineSpace<Lum32f> space(call.buffer + used, call.scratch.bytes(k) - used);
     withTaps(coefficients, k, [&](auto taps) {
         eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) {
-            convolve(RowConvolution{taps, line, channelCount<channels>()}, dst, n);
+            convolve(RowConvolution<decltype(taps), ChannelCount<channels>>{taps, line, channelCount<channels>()}, dst,
+                     n);
         });
     });
     return lumOk;

@@ -80,7 +80,7 @@ struct Convolutions
 
     auto along(const Lum32f* line) const
     {
-        return RowConvolution{x, line, channels};
+        return RowConvolution<Taps, Channels>{x, line, channels};
     }
 
     auto across(const RowRing& ring, int64_t firstSlot) const
@@ -164,7 +164,9 @@ template <class S, class D, int channels>
     const Coefficients k = readKernels(header, line + columns * channels + neighbours);
 
     const auto run = [&](auto x, auto y) {
-        filterBands(images, Convolutions{x, y, channelCount<channels>(), k.sumX, k.scale}, space);
+        filterBands(images,
+                    Convolutions<decltype(x), ChannelCount<channels>>{x, y, channelCount<channels>(), k.sumX, k.scale},
+                    space);
     };
     if (k.width == 3 && k.height == 3)
         run(FixedTaps<3>(k.x), FixedTaps<3>(k.y));

@@ -63,6 +63,9 @@ constexpr auto channelCount()
         return int64_t{channels};
 }
 
+template <int channels>
+using ChannelCount = decltype(channelCount<channels>());
+
 /// Lanes of a step that yields T: a whole register of results, and enough sums in flight to hide the latency of their
 /// additions.
 template <class T, class Taps>
