@@ -3,6 +3,7 @@
 
 #include <lumcv/lumcv.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
@@ -104,6 +105,13 @@ Image<To> mapped(const Image<From>& source, Function function)
         result.elements()[i] = function(source.elements()[i]);
     }
     return result;
+}
+
+/// Signed values as gray: 0 becomes 128, and a step of `valuesPerGray` one level.
+inline Image<Lum8u> aroundGray(const Image<Lum16s>& image, int valuesPerGray)
+{
+    return mapped<Lum8u>(
+        image, [valuesPerGray](Lum16s v) { return static_cast<Lum8u>(std::clamp(128 + v / valuesPerGray, 0, 255)); });
 }
 
 /// Brings a float of the range 0..255 to a byte.

@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief Linear filters: row and column pipelines, Gaussian.
+ * @brief Linear filters: row and column pipelines, separable, Gaussian, Laplacian, lowpass, Sobel.
  */
 #ifndef LUMCV_FILTER_H
 #define LUMCV_FILTER_H
@@ -748,6 +748,547 @@ LUMCV_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(Lum16s* const* ppSrc, L
 /** @} */
 
 /**
+ * @defgroup separable Separable filter
+ * @brief Filters an image with the product of a kernel along the rows and a kernel across them, each of any size.
+ *
+ * With `kw` and `kh` the sizes of the kernels X and Y, `ax = (kw - 1) / 2` and `ay = (kh - 1) / 2`, the result at a
+ * pixel is
+ *
+ *     sum over j < kh, i < kw of  Y[j] * X[i] * src[y + j - ay][x + i - ax]
+ *
+ * The kernels are applied in their given order, not reversed, and their centres cannot be moved. Kernels of 16s have a
+ * divisor, by which the sum is divided; kernels of 32f have none.
+ *
+ * | Images | kernels of 16s | kernels of 32f |
+ * |---|---|---|
+ * | 8u, and 8u to 16s | yes | yes |
+ * | 16s | yes | no |
+ * | 16u, 32f | no | yes |
+ *
+ * A record whose kernels do not go with the images is the caller's mistake and is not found out by apply.
+ *
+ * **Arithmetic.** Everything is processed in single precision. With `s = 1.0f / divisor`, each row of the source gives
+ * a row of sums `r`, and each destination row is a sum of `kh` of those, taken in the order of the kernel:
+ *
+ *     r[x]   = (X[0] * s) * src[x - ax];   then for i = 1 .. kw - 1:  r[x] = r[x] + (X[i] * s) * src[x + i - ax]
+ *     sum[y] = Y[0] * r[y - ay];           then for j = 1 .. kh - 1:  sum[y] = sum[y] + Y[j] * r[y + j - ay]
+ *
+ * Kernels of 32f have no factor `s`. Each operation is rounded by itself, so that all builds give the same bits.
+ * Nothing is rounded to the element type between the passes. On store, integers saturate to their range and round to
+ * the nearest, ties to even; 32f is stored as it is.
+ *
+ * **Border** (see #LumiBorderType). A pixel needs `ax` pixels before and `kw - 1 - ax` behind it, `ay` rows above and
+ * `kh - 1 - ay` below it. What lies outside the ROI follows the border type, each side by itself, as in the
+ * @ref gaussian. Where a whole row lies beyond a constant border, its sums are not formed one by one: all of them are
+ * `(X[0] + X[1] + ...) * borderValue * s`, multiplied from left to right, over the whole width, also where the left or
+ * the right side lies in memory.
+ *
+ * **Three stages.** Queries tell sizes, Init lays a record in the caller's block, and any number of apply calls use it:
+ *
+ * @code{.c}
+ * #include <lumcv/lumcv.h>
+ * #include <stdlib.h>
+ *
+ * // A relief under light from the right: positive where the image falls off to the right, 0 where it is flat.
+ * LumStatus emboss(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep, LumiSize roiSize)
+ * {
+ *     const Lum16s along[3] = {1, 0, -1};
+ *     const Lum16s across[3] = {1, 2, 1};
+ *     const LumiSize kernelSize = {3, 3};
+ *     Lum32s specBytes = 0;
+ *     Lum32s bufferBytes = 0;
+ *     LumStatus status = lumiFilterSeparableGetSpecSize(kernelSize, lumType16s, 1, &specBytes);
+ *     if (status == lumOk)
+ *         status = lumiFilterSeparableGetBufferSize(roiSize, kernelSize, lumType8u, lumType16s, 1, &bufferBytes);
+ *     if (status != lumOk)
+ *         return status;
+ *
+ *     LumFilterSeparableSpec* spec = malloc((size_t)specBytes);
+ *     Lum8u* buffer = malloc((size_t)bufferBytes);
+ *     status = lumErrNullPointer;
+ *     if (spec != NULL && buffer != NULL)
+ *         status = lumiFilterSeparableInit_16s(along, across, kernelSize, 4, 0, lumType8u, 1, spec);
+ *     if (status == lumOk)
+ *         status = lumiFilterSeparable_8u16s_C1R(pSrc, srcStep, pDst, dstStep, roiSize, lumBorderReplicate, 0, spec,
+ *                                                buffer);
+ *     free(buffer);
+ *     free(spec);
+ *     return status;
+ * }
+ * @endcode
+ *
+ * Apply only reads the record, so several threads may share one, each with its own scratch. The record points into
+ * itself, so it may not be moved or copied. Neither record nor scratch need any alignment. Source and destination must
+ * not overlap. While a call runs, denormal operands do not trap; the floating-point control register is as before when
+ * it returns, with whatever status.
+ *
+ * **Checks of apply**, in this order; the first that fails decides the status, and nothing has been written:
+ *
+ * 1. #lumErrNullPointer: `pSrc`, `pDst`, `pSpec` or `pBuffer` is null, or `borderValue` where it is a pointer and the
+ *    mode is #lumBorderConstant.
+ * 2. #lumErrSizeTooLarge: the width, the height or a stride exceeds 2147483647 (`_L`).
+ * 3. #lumErrSize: the width or the height is below 1.
+ * 4. #lumErrStep: a stride is below a row of the ROI.
+ * 5. #lumErrNullPointer: a kernel's address in the record is null, as in a block of zeros that no Init has seen.
+ * 6. #lumErrBorder: the border is not allowed.
+ * 7. #lumErrStepAlignment: a stride is no multiple of its element size.
+ *
+ * @see @ref pipelines, @ref gaussian
+ *
+ * @{
+ */
+
+/** A separable filter, laid in the caller's block by lumiFilterSeparableInit_16s() or lumiFilterSeparableInit_32f(). */
+typedef struct LumFilterSeparableSpec LumFilterSeparableSpec;
+
+/**
+ * Size of the record: `(kw + kh) * e + 127` bytes, with `e` 2 for kernels of 16s and 4 for kernels of 32f.
+ *
+ * @param kernelSize  `kw` and `kh`, 1 or more each
+ * @param dataType    element type of the kernels: #lumType16s or #lumType32f
+ * @param numChannels channels of the images: 1, 3 or 4
+ * @param pSpecSize   where the size of the record in bytes goes
+ * @retval lumOk              the size has been written
+ * @retval lumErrSize         a side of `kernelSize` is below 1; tested before all else
+ * @retval lumErrNullPointer  `pSpecSize` is null
+ * @retval lumErrDataType     `dataType` is not among those listed
+ * @retval lumErrValue        `numChannels` is not 1, 3 or 4
+ * @retval lumErrSizeTooLarge the size exceeds 2147483647 (not with `_L`)
+ */
+LUMCV_API LumStatus lumiFilterSeparableGetSpecSize(LumiSize kernelSize, LumDataType dataType, Lum32s numChannels,
+                                                   Lum32s* pSpecSize);
+
+/**
+ * Size of the record, in 64 bits.
+ * @copydetails lumiFilterSeparableGetSpecSize
+ */
+LUMCV_API LumStatus lumiFilterSeparableGetSpecSize_L(LumiSize kernelSize, LumDataType dataType, Lum32s numChannels,
+                                                     Lum64s* pSpecSize);
+
+/**
+ * Size of the scratch of apply, in bytes: `256 * kw + 8 * kh + 4 * c * (kw * e + (kw + w - 1) * kh)`, with `w` the
+ * width of the ROI, `c` the channels, and `e` 2 for kernels of 16s and 4 for kernels of 32f. It does not grow with the
+ * height.
+ *
+ * @param roiSize     size of the largest ROI to be filtered, in pixels
+ * @param kernelSize  `kw` and `kh`, 1 or more each
+ * @param dataType    element type of the source: #lumType8u, #lumType16u, #lumType16s or #lumType32f
+ * @param kernelType  element type of the kernels: #lumType16s or #lumType32f
+ * @param numChannels channels of the images: 1, 3 or 4
+ * @param pBufferSize where the size of the scratch in bytes goes
+ * @retval lumOk              the size has been written
+ * @retval lumErrNullPointer  `pBufferSize` is null
+ * @retval lumErrSize         a side of `roiSize` or of `kernelSize` is below 1
+ * @retval lumErrDataType     `dataType` or `kernelType` is not among those listed
+ * @retval lumErrValue        `numChannels` is not 1, 3 or 4
+ * @retval lumErrSizeTooLarge the size exceeds 2147483647
+ */
+LUMCV_API LumStatus lumiFilterSeparableGetBufferSize(LumiSize roiSize, LumiSize kernelSize, LumDataType dataType,
+                                                     LumDataType kernelType, Lum32s numChannels, Lum32s* pBufferSize);
+
+/**
+ * Size of the scratch of the `_L` apply functions, by the formula of lumiFilterSeparableGetBufferSize(), in 64 bits.
+ *
+ * @param roiSize     size of the largest ROI to be filtered, in pixels
+ * @param kernelSize  `kw` and `kh`, 1 or more each
+ * @param dataType    element type of the source: #lumType8u, #lumType16u, #lumType16s or #lumType32f
+ * @param kernelType  element type of the kernels: #lumType16s or #lumType32f
+ * @param numChannels channels of the images: 1, 3 or 4
+ * @param pBufferSize where the size of the scratch in bytes goes
+ * @retval lumOk              the size has been written
+ * @retval lumErrNullPointer  `pBufferSize` is null
+ * @retval lumErrSize         a side of `roiSize` or of `kernelSize` is below 1
+ * @retval lumErrSizeTooLarge the width or the height exceeds 2147483647, or the size exceeds 64 bits
+ * @retval lumErrDataType     `dataType` or `kernelType` is not among those listed
+ * @retval lumErrValue        `numChannels` is not 1, 3 or 4
+ */
+LUMCV_API LumStatus lumiFilterSeparableGetBufferSize_L(LumiSizeL roiSize, LumiSize kernelSize, LumDataType dataType,
+                                                       LumDataType kernelType, Lum32s numChannels, Lum64s* pBufferSize);
+
+/**
+ * Lays a record with kernels of 16s in the caller's block.
+ *
+ * @param pKernelX    `kw` coefficients along the rows; copied
+ * @param pKernelY    `kh` coefficients across the rows; copied
+ * @param kernelSize  `kw` and `kh`, 1 or more each
+ * @param divisor     what the sum is divided by; not 0
+ * @param scaleFactor kept in the record; results do not depend on it
+ * @param dataType    element type of the source: #lumType8u or #lumType16s
+ * @param numChannels channels of the images: 1, 3 or 4
+ * @param pSpec       where the record goes: a block of the size of lumiFilterSeparableGetSpecSize()
+ * @retval lumOk             the record is ready
+ * @retval lumErrNullPointer a pointer is null
+ * @retval lumErrSize        a side of `kernelSize` is below 1
+ * @retval lumErrDataType    `dataType` is not among those listed
+ * @retval lumErrValue       `numChannels` is not 1, 3 or 4
+ * @retval lumErrDivisor     `divisor` is 0
+ */
+LUMCV_API LumStatus lumiFilterSeparableInit_16s(const Lum16s* pKernelX, const Lum16s* pKernelY, LumiSize kernelSize,
+                                                Lum32s divisor, Lum32s scaleFactor, LumDataType dataType,
+                                                Lum32s numChannels, LumFilterSeparableSpec* pSpec);
+
+/**
+ * The same as lumiFilterSeparableInit_16s(); a record of either serves all apply functions.
+ * @copydetails lumiFilterSeparableInit_16s
+ */
+LUMCV_API LumStatus lumiFilterSeparableInit_16s_L(const Lum16s* pKernelX, const Lum16s* pKernelY, LumiSize kernelSize,
+                                                  Lum32s divisor, Lum32s scaleFactor, LumDataType dataType,
+                                                  Lum32s numChannels, LumFilterSeparableSpec* pSpec);
+
+/**
+ * Lays a record with kernels of 32f in the caller's block.
+ *
+ * @param pKernelX    `kw` coefficients along the rows; copied
+ * @param pKernelY    `kh` coefficients across the rows; copied
+ * @param kernelSize  `kw` and `kh`, 1 or more each
+ * @param dataType    element type of the source: #lumType8u, #lumType16u or #lumType32f
+ * @param numChannels channels of the images: 1, 3 or 4
+ * @param pSpec       where the record goes: a block of the size of lumiFilterSeparableGetSpecSize()
+ * @retval lumOk             the record is ready
+ * @retval lumErrNullPointer a pointer is null
+ * @retval lumErrSize        a side of `kernelSize` is below 1
+ * @retval lumErrDataType    `dataType` is not among those listed
+ * @retval lumErrValue       `numChannels` is not 1, 3 or 4
+ */
+LUMCV_API LumStatus lumiFilterSeparableInit_32f(const Lum32f* pKernelX, const Lum32f* pKernelY, LumiSize kernelSize,
+                                                LumDataType dataType, Lum32s numChannels,
+                                                LumFilterSeparableSpec* pSpec);
+
+/**
+ * The same as lumiFilterSeparableInit_32f(); a record of either serves all apply functions.
+ * @copydetails lumiFilterSeparableInit_32f
+ */
+LUMCV_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* pKernelX, const Lum32f* pKernelY, LumiSize kernelSize,
+                                                  LumDataType dataType, Lum32s numChannels,
+                                                  LumFilterSeparableSpec* pSpec);
+
+/**
+ * Filters an 8u image.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes
+ * @param roiSize     size of the ROI in pixels, not above the one queried
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the value outside; counts if the mode is #lumBorderConstant
+ * @param pSpec       record; only read
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null, or the record was never
+ *                             initialised
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is below a row of the ROI
+ * @retval lumErrBorder        the border is not allowed
+ * @retval lumErrStepAlignment a stride is no multiple of its element size (16u, 16s, 32f)
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                               LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue,
+                                               const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of three channels.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes
+ * @param roiSize     size of the ROI in pixels, not above the one queried
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the value outside for each channel; may be null unless the mode is #lumBorderConstant
+ * @param pSpec       record; only read
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   `pSrc`, `pDst`, `pSpec` or `pBuffer` is null, or `borderValue` where it is needed, or the
+ * record was never initialised
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is below a row of the ROI
+ * @retval lumErrBorder        the border is not allowed
+ * @retval lumErrStepAlignment a stride is no multiple of its element size (16u, 16s, 32f)
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                               LumiSize roiSize, LumiBorderType borderType, const Lum8u borderValue[3],
+                                               const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of four channels.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                               LumiSize roiSize, LumiBorderType borderType, const Lum8u borderValue[4],
+                                               const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image into a 16s image.
+ * @copydetails lumiFilterSeparable_8u_C1R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u16s_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                  LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue,
+                                                  const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of three channels into a 16s image.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u16s_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                  LumiSize roiSize, LumiBorderType borderType,
+                                                  const Lum8u borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of four channels into a 16s image.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u16s_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                  LumiSize roiSize, LumiBorderType borderType,
+                                                  const Lum8u borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/**
+ * Filters a 16s image.
+ * @copydetails lumiFilterSeparable_8u_C1R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue,
+                                                const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters a 16s image of three channels.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16s_C3R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType,
+                                                const Lum16s borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                Lum8u* pBuffer);
+
+/**
+ * Filters a 16s image of four channels.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16s_C4R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType,
+                                                const Lum16s borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                Lum8u* pBuffer);
+
+/**
+ * Filters a 16u image.
+ * @copydetails lumiFilterSeparable_8u_C1R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue,
+                                                const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters a 16u image of three channels.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16u_C3R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType,
+                                                const Lum16u borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                Lum8u* pBuffer);
+
+/**
+ * Filters a 16u image of four channels.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16u_C4R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType,
+                                                const Lum16u borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                Lum8u* pBuffer);
+
+/**
+ * Filters a 32f image.
+ * @copydetails lumiFilterSeparable_8u_C1R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue,
+                                                const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters a 32f image of three channels.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType,
+                                                const Lum32f borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                Lum8u* pBuffer);
+
+/**
+ * Filters a 32f image of four channels.
+ * @copydetails lumiFilterSeparable_8u_C3R
+ */
+LUMCV_API LumStatus lumiFilterSeparable_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                LumiSize roiSize, LumiBorderType borderType,
+                                                const Lum32f borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image; 64-bit geometry.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes
+ * @param roiSize     size of the ROI in pixels, not above the one queried
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the value outside; counts if the mode is #lumBorderConstant
+ * @param pSpec       record; only read
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null, or the record was never
+ *                             initialised
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is below a row of the ROI
+ * @retval lumErrBorder        the border is not allowed
+ * @retval lumErrStepAlignment a stride is no multiple of its element size (16u, 16s, 32f)
+ * @retval lumErrSizeTooLarge  the width, the height or a stride exceeds 2147483647
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep,
+                                                 LumiSizeL roiSize, LumiBorderType borderType, Lum8u borderValue,
+                                                 const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of three channels; 64-bit geometry.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes
+ * @param roiSize     size of the ROI in pixels, not above the one queried
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the value outside for each channel; may be null unless the mode is #lumBorderConstant
+ * @param pSpec       record; only read
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   `pSrc`, `pDst`, `pSpec` or `pBuffer` is null, or `borderValue` where it is needed, or the
+ * record was never initialised
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is below a row of the ROI
+ * @retval lumErrBorder        the border is not allowed
+ * @retval lumErrStepAlignment a stride is no multiple of its element size (16u, 16s, 32f)
+ * @retval lumErrSizeTooLarge  the width, the height or a stride exceeds 2147483647
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep,
+                                                 LumiSizeL roiSize, LumiBorderType borderType,
+                                                 const Lum8u borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                 Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of four channels; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep,
+                                                 LumiSizeL roiSize, LumiBorderType borderType,
+                                                 const Lum8u borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                 Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image into a 16s image; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C1R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u16s_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                                    LumiSizeL roiSize, LumiBorderType borderType, Lum8u borderValue,
+                                                    const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of three channels into a 16s image; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u16s_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                                    LumiSizeL roiSize, LumiBorderType borderType,
+                                                    const Lum8u borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                    Lum8u* pBuffer);
+
+/**
+ * Filters an 8u image of four channels into a 16s image; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_8u16s_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                                    LumiSizeL roiSize, LumiBorderType borderType,
+                                                    const Lum8u borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                    Lum8u* pBuffer);
+
+/**
+ * Filters a 16s image; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C1R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType, Lum16s borderValue,
+                                                  const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters a 16s image of three channels; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16s_C3R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType,
+                                                  const Lum16s borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/**
+ * Filters a 16s image of four channels; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16s_C4R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType,
+                                                  const Lum16s borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/**
+ * Filters a 16u image; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C1R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType, Lum16u borderValue,
+                                                  const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters a 16u image of three channels; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16u_C3R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType,
+                                                  const Lum16u borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/**
+ * Filters a 16u image of four channels; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_16u_C4R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType,
+                                                  const Lum16u borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/**
+ * Filters a 32f image; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C1R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType, Lum32f borderValue,
+                                                  const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Filters a 32f image of three channels; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType,
+                                                  const Lum32f borderValue[3], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/**
+ * Filters a 32f image of four channels; 64-bit geometry.
+ * @copydetails lumiFilterSeparable_8u_C3R_L
+ */
+LUMCV_API LumStatus lumiFilterSeparable_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                                  LumiSizeL roiSize, LumiBorderType borderType,
+                                                  const Lum32f borderValue[4], const LumFilterSeparableSpec* pSpec,
+                                                  Lum8u* pBuffer);
+
+/** @} */
+
+/**
  * @defgroup gaussian Gaussian filter
  * @brief Smooths an image with a square Gaussian kernel of any odd size.
  *
@@ -1243,6 +1784,258 @@ LUMCV_API LumStatus lumiFilterGaussianBorder_32f_C1R(const Lum32f* pSrc, Lum32s 
 LUMCV_API LumStatus lumiFilterGaussianBorder_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
                                                      LumiSize roiSize, const Lum32f* pBorderValue,
                                                      const LumFilterGaussianSpec* pSpec, Lum8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup fixed_filters Derivative and smoothing filters
+ * @brief Laplacian, lowpass and Sobel cross with masks of 3x3 and 5x5 pixels, and the coefficients of Sobel kernels.
+ *
+ * Each filter is a step along the row and a step across the rows. With `s` the pixels of a row, `r` the results of the
+ * row step in the rows of the mask, and the index counted from the mask's centre:
+ *
+ * | Filter | Mask | Row step | Column step |
+ * |---|---|---|---|
+ * | Laplacian | 3x3 | `A = s[-1] + s[1]` and `B = 8 * s[0]` | `2 * (A[-1] + A[1]) - B[0]` |
+ * | Laplacian, first pass | 5x5 | `s[-2] + s[2] + 6 * s[0] + 4 * (s[-1] + s[1])` | `r[-2] + r[2] - 2 * r[0]` |
+ * | Laplacian, second pass | 5x5 | `s[-2] + s[2] - 2 * s[0]` | `r[-2] + r[2] + 6 * r[0] + 4 * (r[-1] + r[1])` |
+ * | Lowpass | 3x3 | `s[-1] + s[0] + s[1]` | `r[-1] + r[0] + r[1]`, divided by 9 |
+ * | Lowpass | 5x5 | `s[-2] + s[-1] + s[0] + s[1] + s[2]` | the same sum of `r`, divided by 25 |
+ * | Sobel cross | 3x3 | `s[-1] - s[1]` | `r[-1] - r[1]` |
+ * | Sobel cross | 5x5 | `s[-2] + 2 * s[-1] - 2 * s[1] - s[2]` | `r[-2] + 2 * r[-1] - 2 * r[1] - r[2]` |
+ *
+ * So the matrix of the 3x3 Laplacian is 2 0 2 / 0 -8 0 / 2 0 2, and that of the 3x3 Sobel cross, the mixed second
+ * derivative, is 1 0 -1 / 0 0 0 / -1 0 1. The result of the 5x5 Laplacian is the first pass plus the second one: the
+ * second derivative in both directions, each smoothed across. No filter but the lowpass scales its result.
+ *
+ * **Arithmetic.**
+ * - 8u to 16s: exact; every result fits 16 bits.
+ * - 8u lowpass, with `t` the sum of the mask's pixels: 3x3 `((t + 5) * 7280) >> 16`, 5x5 `(t * 2621) >> 16`. These
+ *   stand for the divisions. The first rounds to the nearest integer; the second truncates and is a little too small:
+ *   a constant image of 255 becomes 254.
+ * - 32f: the steps are computed in single precision as they are written above, from left to right, each operation
+ *   rounded by itself. The lowpass multiplies the sum of the row sums by `0.11111111f` or `0.04f`. The 5x5 Laplacian
+ *   rounds both passes and adds the second to the first.
+ *
+ * **Border.** The mask reaches one pixel (3x3) or two (5x5) beyond the ROI. What lies there follows `borderType` (see
+ * #LumiBorderType), each side by itself:
+ * - A side flagged as lying in memory, and all four with #lumBorderInMem: the pixels that are there, one or two rows or
+ *   columns of them and no more. A row above or below that is synthesised has its left and right sides in memory, if
+ *   these are flagged, next to the row that it repeats.
+ * - #lumBorderReplicate: the nearest pixel of the ROI.
+ * - #lumBorderMirror: reflected about the edge pixel, which is not repeated; where the mask reaches further than the
+ *   ROI is wide or high, the reflection goes on between both edges, also next to a side that is in memory. A single row
+ *   or column is repeated.
+ * - #lumBorderConstant: `borderValue`. A row above or below consists of it over its whole length, its ends included.
+ *
+ * **Large images** are written past the caches: those with at least half (8u; lowpass: more than half) or an eighth
+ * (32f) as many pixels as the largest cache has bytes, but none of less than 2097152 (8u) or 524288 (32f) pixels.
+ *
+ * **Scratch**, in bytes, with `w` the width, `k` 3 or 5, `h = 2 k + 15`, and `W4` the width rounded up to a multiple of
+ * 4:
+ *
+ * | Query | Bytes |
+ * |---|---|
+ * | Lowpass 8u, Sobel cross 8u to 16s | `(2 w + 30) / 32 * 32 * h + 60 k + 512 + 12 * W4 + 64` |
+ * | Lowpass 32f | `(4 w + 60) / 64 * 64 * h + 152 k + 432` |
+ * | Sobel cross 32f | `(4 w + 60) / 64 * 64 * h + 152 k + 496` |
+ * | Laplacian 8u to 16s | `(4 w + 60) / 64 * 64 * h + 84 k + 720 + 12 * W4 + 64` |
+ * | Laplacian 32f | `(8 w + 120) / 128 * 128 * h + 176 k + 704` |
+ *
+ * The divisions truncate. **Queries** test `pBufferSize` (#lumErrNullPointer), then width and height (#lumErrSize),
+ * then the mask (#lumErrMaskSize), and at last that the result fits 32 bits (#lumErrSizeTooLarge).
+ *
+ * **Checks** of the filters, in this order; the first that fails decides the status, and nothing has been written:
+ *
+ * 1. #lumErrNullPointer: `pSrc`, `pDst` or `pBuffer` is null.
+ * 2. #lumErrSize: the width or the height is below 1.
+ * 3. #lumErrStep: a stride is smaller than a row in bytes.
+ * 4. #lumErrStepAlignment: the stride of a 16s or 32f image is not a multiple of the element size.
+ * 5. #lumErrBorder: `borderType` is neither #lumBorderInMem nor at most 255 with one of the modes #lumBorderReplicate,
+ *    #lumBorderMirror and #lumBorderConstant.
+ * 6. #lumErrMaskSize: `mask` is neither #lumMask3x3 nor #lumMask5x5.
+ *
+ * Source and destination must not overlap.
+ *
+ * @see @ref pipelines, @ref gaussian
+ *
+ * @{
+ */
+
+/**
+ * Scratch size of lumiFilterLaplacianBorder_8u16s_C1R().
+ *
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param pBufferSize where the size in bytes goes
+ * @retval lumOk              the size has been written
+ * @retval lumErrNullPointer  `pBufferSize` is null
+ * @retval lumErrSize         the width or the height is below 1
+ * @retval lumErrMaskSize     `mask` is not among those listed
+ * @retval lumErrSizeTooLarge the size exceeds 2147483647
+ */
+LUMCV_API LumStatus lumiFilterLaplacianGetBufferSize_8u16s_C1R(LumiSize roiSize, LumiMaskSize mask,
+                                                               Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterLaplacianBorder_32f_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterLaplacianGetBufferSize_32f_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterLowpassBorder_8u_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterLowpassGetBufferSize_8u_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterLowpassBorder_32f_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterLowpassGetBufferSize_32f_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterSobelCrossBorder_8u16s_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossGetBufferSize_8u16s_C1R(LumiSize roiSize, LumiMaskSize mask,
+                                                                Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiFilterSobelCrossBorder_32f_C1R().
+ * @copydetails lumiFilterLaplacianGetBufferSize_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossGetBufferSize_32f_C1R(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize);
+
+/**
+ * Applies the Laplacian to an 8u image, into a 16s image.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes; a multiple of 2
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the pixel value outside, for #lumBorderConstant
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment `dstStep` is not a multiple of 2
+ * @retval lumErrBorder        `borderType` is not allowed
+ * @retval lumErrMaskSize      `mask` is not among those listed
+ */
+LUMCV_API LumStatus lumiFilterLaplacianBorder_8u16s_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                                        LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                        Lum8u borderValue, Lum8u* pBuffer);
+
+/**
+ * Applies the Laplacian to a 32f image.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes; a multiple of 4
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes; a multiple of 4
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the pixel value outside, for #lumBorderConstant
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment a stride is not a multiple of 4
+ * @retval lumErrBorder        `borderType` is not allowed
+ * @retval lumErrMaskSize      `mask` is not among those listed
+ */
+LUMCV_API LumStatus lumiFilterLaplacianBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                      LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                      Lum32f borderValue, Lum8u* pBuffer);
+
+/**
+ * Smooths an 8u image: each pixel becomes the mean of its mask.
+ *
+ * @param pSrc        first pixel of the source's ROI
+ * @param srcStep     stride of the source, in bytes
+ * @param pDst        first pixel of the destination's ROI
+ * @param dstStep     stride of the destination, in bytes
+ * @param roiSize     size of the ROI in pixels
+ * @param mask        #lumMask3x3 or #lumMask5x5
+ * @param borderType  what lies outside the ROI
+ * @param borderValue the pixel value outside, for #lumBorderConstant
+ * @param pBuffer     scratch of the queried size
+ * @retval lumOk             the destination has been written
+ * @retval lumErrNullPointer a pointer is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrStep        a stride is smaller than a row in bytes
+ * @retval lumErrBorder      `borderType` is not allowed
+ * @retval lumErrMaskSize    `mask` is not among those listed
+ */
+LUMCV_API LumStatus lumiFilterLowpassBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                                   LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                   Lum8u borderValue, Lum8u* pBuffer);
+
+/**
+ * Smooths a 32f image: each pixel becomes the mean of its mask.
+ * @copydetails lumiFilterLaplacianBorder_32f_C1R
+ */
+LUMCV_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                    LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                    Lum32f borderValue, Lum8u* pBuffer);
+
+/**
+ * Applies the Sobel cross, the mixed second derivative, to an 8u image, into a 16s image.
+ * @copydetails lumiFilterLaplacianBorder_8u16s_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossBorder_8u16s_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst,
+                                                         Lum32s dstStep, LumiSize roiSize, LumiMaskSize mask,
+                                                         LumiBorderType borderType, Lum8u borderValue, Lum8u* pBuffer);
+
+/**
+ * Applies the Sobel cross, the mixed second derivative, to a 32f image.
+ * @copydetails lumiFilterLaplacianBorder_32f_C1R
+ */
+LUMCV_API LumStatus lumiFilterSobelCrossBorder_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                                       LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
+                                                       Lum32f borderValue, Lum8u* pBuffer);
+
+/**
+ * Writes the coefficients of a one-dimensional Sobel kernel.
+ *
+ * The kernel begins as zeros with a 1 at its end. `kernelSize - 1 - dx` times, each element from a place that begins
+ * before the end and moves one to the left each time becomes the sum of itself and the next, from left to right: this
+ * is binomial smoothing. Then `dx` times, the place moving on, each becomes itself minus the next: a derivative. A
+ * negative `sign` negates the result. So a size of 3 gives 1, 2, 1 with `dx` 0; -1, 0, 1 with `dx` 1; and 1, -2, 1 with
+ * `dx` 2. Large kernels wrap around at 16 bits.
+ *
+ * @param pDst       where the `kernelSize` coefficients go
+ * @param kernelSize number of coefficients: odd
+ * @param dx         order of the derivative, 0 to `kernelSize - 1`
+ * @param sign       a negative value negates the kernel
+ * @retval lumOk             the kernel has been written
+ * @retval lumErrNullPointer `pDst` is null
+ * @retval lumErrSize        `kernelSize` is below 1 or even, or `dx` is negative or not below `kernelSize`
+ */
+LUMCV_API LumStatus lumiGenSobelKernel_16s(Lum16s* pDst, Lum32s kernelSize, Lum32s dx, Lum32s sign);
+
+/**
+ * Writes the coefficients of a one-dimensional Sobel kernel as floats, each operation rounded by itself.
+ *
+ * @param pDst       where the `kernelSize` coefficients go
+ * @param kernelSize number of coefficients: odd
+ * @param dx         order of the derivative, 0 to `kernelSize - 1`
+ * @param sign       a negative value negates the kernel
+ * @retval lumOk             the kernel has been written
+ * @retval lumErrNullPointer `pDst` is null
+ * @retval lumErrSize        `kernelSize` is below 1 or even, or `dx` is negative or not below `kernelSize`
+ *
+ * @see lumiGenSobelKernel_16s() for the steps
+ */
+LUMCV_API LumStatus lumiGenSobelKernel_32f(Lum32f* pDst, Lum32s kernelSize, Lum32s dx, Lum32s sign);
 
 /** @} */
 

@@ -1,7 +1,7 @@
 // Column pipelines: one kernel down the rows that the caller holds, into an image.
+#include "filter/convolution.hpp"
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
-#include "filter/taps.hpp"
 #include "filter/words.hpp"
 #include "frame/checks.hpp"
 #include "frame/large_image.hpp"
@@ -87,18 +87,12 @@ struct RowsUnderTaps<S, FixedTaps<k, T>>
     }
 };
 
-/// Sums of products in the order of the kernel, beginning with the first product.
 template <class S, class D, class Taps>
 [[gnu::flatten, gnu::noinline]] void convolve(RowsUnderTaps<S, Taps> under, Taps taps, D* dst, int64_t n, bool isLarge)
 {
     storeRow<stepLanes<D, Taps>()>(dst, n, isLarge, [=](int64_t x, auto lanes) {
-        auto sum = simd::loadFloat<lanes>(under.rows[0] + x) * simd::broadcast<lanes>(taps.t[0]);
-        for (int64_t j = 1; j < taps.count(); ++j)
-            sum = sum + simd::loadFloat<lanes>(under.rows[j] + x) * simd::broadcast<lanes>(taps.t[j]);
-        if constexpr (std::is_same_v<D, Lum32f>)
-            return sum;
-        else
-            return simd::roundTo<D>(withinWords<std::is_signed_v<S>>(sum));
+        return simd::saturateTo<D>(
+            sumOfProducts<lanes>(taps, [=](int64_t j) { return simd::loadFloat<lanes>(under.rows[j] + x); }));
     });
 }
 

@@ -1,26 +1,19 @@
-// The Gaussian filter: each source row is filtered once, on its way into a ring of rows of floats, and the ring is
-// combined into one destination row at a time. The image is worked through in bands of columns narrow enough for the
-// ring to stay in the first-level cache.
-//
-// Both passes fold the symmetric kernel: centre * t[h], then for d = 1..h the weight at distance d times the sum of the
-// two pixels at that distance; each operation rounds to single precision.
-#include "filter/extended_row.hpp"
+// The Gaussian filter. Both passes fold the symmetric kernel: centre * t[h], then for d = 1..h the weight at distance d
+// times the sum of the two pixels at that distance; each operation rounds to single precision.
 #include "filter/gaussian_record.hpp"
-#include "filter/row_ring.hpp"
-#include "filter/store_row.hpp"
-#include "filter/taps.hpp"
+#include "filter/separable_bands.hpp"
 #include "frame/checks.hpp"
-#include "frame/large_image.hpp"
 
 namespace lumcv {
 namespace {
 
-/// A row of floats, folded along itself; `channels` of them make a pixel.
-template <int channels, class Taps>
+/// A row of floats, folded along itself.
+template <class Taps, class Channels>
 struct RowFold
 {
     Taps taps;
-    const Lum32f* line;  ///< the pixels and their neighbours
+    const Lum32f* line;  ///< the pixels; their neighbours lie on both sides
+    Channels channels;   ///< floats of a pixel
 
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
@@ -45,12 +38,11 @@ struct ColumnFold<FixedTaps<count>>
 {
     static constexpr int h = count - 1;
     FixedTaps<count> taps;
-    const Lum32f* rows[2 * h + 1];
+    RingRows<2 * h + 1> rows;
 
-    ColumnFold(const FixedTaps<count>& kernelTaps, const RowRing& ring, int64_t firstSlot) : taps(kernelTaps)
+    ColumnFold(const FixedTaps<count>& kernelTaps, const RowRing& ring, int64_t firstSlot)
+        : taps(kernelTaps), rows(ring, firstSlot)
     {
-        for (int64_t j = 0; j <= 2 * h; ++j)
-            rows[j] = ring.slot(firstSlot + j < ring.slots ? firstSlot + j : firstSlot + j - ring.slots);
     }
 
     template <class Lanes>
@@ -95,111 +87,59 @@ struct ColumnFold<AnyTaps>
     }
 };
 
-/// Along the row alone, while the ring fills.
-template <class T, class Along>
-[[gnu::flatten, gnu::noinline]] void foldIn(Along along, Lum32f* slot, int64_t n)
+template <class FoldedTaps, class Channels>
+struct GaussianFolds
 {
-    simd::eachAtLeastOnce<stepLanes<T, decltype(along.taps)>()>(
-        0, n, [=](int64_t x, auto lanes) { simd::store(slot + x, along(x, lanes)); });
-}
+    using Taps = FoldedTaps;
+    Taps taps;
+    Channels channels;
 
-/// Across the ring alone, where a constant row has come in.
-template <class T, class Across>
-[[gnu::flatten, gnu::noinline]] void foldOut(Across across, T* dst, int64_t n, bool isLarge)
-{
-    storeRow<stepLanes<T, decltype(across.taps)>()>(
-        dst, n, isLarge, [=](int64_t x, auto lanes) { return simd::roundTo<T>(across(x, lanes)); });
-}
+    int64_t width() const
+    {
+        return 2 * taps.count() - 1;
+    }
 
-/// Rows of source and destination that will be wanted soon. The bands are too narrow for the processor to see them
-/// coming.
-template <class T>
-struct Upcoming
-{
-    const T* src;
-    const T* dst;
+    int64_t height() const
+    {
+        return width();
+    }
+
+    auto along(const Lum32f* line) const
+    {
+        return RowFold<Taps, Channels>{taps, line + (taps.count() - 1) * channels, channels};
+    }
+
+    auto across(const RowRing& ring, int64_t firstSlot) const
+    {
+        return ColumnFold<Taps>(taps, ring, firstSlot);
+    }
+
+    /// The taps sum to one.
+    static Lum32f constant(Lum32f value)
+    {
+        return value;
+    }
+
+    template <class D, class Sums>
+    [[gnu::always_inline]] static auto stored(Sums sums)
+    {
+        return simd::roundTo<D>(sums);
+    }
 };
 
-/// Both for each step, so that the loads of the one overlap with the arithmetic of the other.
-template <class T, class Along, class Across>
-[[gnu::flatten, gnu::noinline]] void foldThrough(Along along, Lum32f* slot, Across across, T* dst, int64_t n,
-                                                 bool isLarge, Upcoming<T> upcoming)
-{
-    storeRow<stepLanes<T, decltype(across.taps)>()>(dst, n, isLarge, [=](int64_t x, auto lanes) {
-        simd::prefetch<lanes>(upcoming.src + x);
-        simd::prefetch<lanes>(upcoming.dst + x);
-        simd::store(slot + x, along(x, lanes));
-        return simd::roundTo<T>(across(x, lanes));
-    });
-}
-
-/// Columns of a band: ring and line together take at most this many bytes, a good half of a first-level cache.
-constexpr int64_t bandBytes = 28 * 1024;
-
-int64_t bandWidth(int64_t width, int64_t kernelSize, int channels)
-{
-    constexpr int64_t narrowest = 128;
-    int64_t widest = bandBytes / ((kernelSize + 1) * channels * static_cast<int64_t>(sizeof(Lum32f)));
-    widest = widest < narrowest ? narrowest : widest;
-    const int64_t bands = (width + widest - 1) / widest;
-    return (width + bands - 1) / bands;
-}
-
-/// How far ahead of its use a row is asked for.
-constexpr int64_t rowsAhead = 1;
-
 template <class T, int channels, class Taps>
-void filterBand(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, int64_t begin, int64_t end, Border border,
-                const T* borderValue, const Taps& taps, RowRing ring, Lum32f* line, bool isLarge)
-{
-    const int64_t h = taps.count() - 1;
-    const int64_t n = (end - begin) * channels;
-    const RowFold<channels, Taps> along{taps, line + h * channels};
-    const auto ahead = [&](Plane<const T> image, int64_t y) {
-        return image.row(y + rowsAhead < roiSize.height ? y + rowsAhead : y) + begin * channels;
-    };
-    walkRows(ring.slots, roiSize.height, h, border, [&](const RingStep& step) {
-        Lum32f* const slot = ring.slot(step.slot);
-        T* const out = dst.row(step.output) + begin * channels;
-        const ColumnFold<Taps> across(taps, ring, step.firstSlot);
-        if (step.isConstant) {
-            // the taps sum to one, so a row of the border value stays what it is
-            for (int64_t x = 0; x < n; ++x)
-                slot[x] = static_cast<Lum32f>(borderValue[x % channels]);
-            if (step.output >= 0)
-                foldOut(across, out, n, isLarge);
-            return;
-        }
-        const ExtendedRow<T, channels> row{src.row(step.row), roiSize.width, border, borderValue};
-        row.read(begin - h, end + h, line);
-        if (step.output >= 0)
-            foldThrough(along, slot, across, out, n, isLarge,
-                        {ahead(src, step.row), ahead(Plane<const T>{dst.pixels, dst.step}, step.output)});
-        else
-            foldIn<T>(along, slot, n);
-    });
-}
-
-template <class T, int channels, class Taps>
-void filterImage(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, Border border, const T* borderValue,
-                 const Taps& taps, Lum8u* buffer)
+void filterImage(const SeparableImages<T, T, channels>& images, const Taps& taps, Lum8u* buffer)
 {
     // the line, a source row with both its borders, fits behind the ring: the bytes asked for beyond the rows are those
     // of its borders
-    const int64_t kernelSize = 2 * taps.count() - 1;
-    const int64_t pitch = gaussianRingPitch(roiSize.width, channels) / static_cast<int64_t>(sizeof(Lum32f));
+    const GaussianFolds<Taps, ChannelCount<channels>> kernel{taps, channelCount<channels>()};
+    const int64_t width = images.roiSize.width;
+    const int64_t pitch = gaussianRingPitch(width, channels) / static_cast<int64_t>(sizeof(Lum32f));
     const auto rows = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(buffer) + 63) / 64 * 64);
-    Lum32f* const line = rows + kernelSize * pitch;
-
-    const bool isLarge = isLargeImage(roiSize.width * roiSize.height);
-    const int64_t step = bandWidth(roiSize.width, kernelSize, channels);
-    for (int64_t begin = 0; begin < roiSize.width; begin += step) {
-        const int64_t end = begin + step < roiSize.width ? begin + step : roiSize.width;
-        filterBand<T, channels>(src, dst, roiSize, begin, end, border, borderValue, taps, {rows, pitch, kernelSize},
-                                line, isLarge);
-    }
-    if (isLarge)
-        simd::fence();
+    filterBands(images, kernel,
+                {{rows, pitch, kernel.height()},
+                 rows + kernel.height() * pitch,
+                 evenBands(width, cachedColumns(kernel.height(), channels))});
 }
 
 /// The checks that the 32-bit and the 64-bit entries share, and the choice of the kernel's class.
@@ -221,7 +161,7 @@ LumStatus filter(Checks checks, Plane<const T> src, Plane<T> dst, LumiSizeL roiS
     if (!isGaussianKernelSize(kernel.header.kernelSize))
         return lumErrArgument;
     const auto run = [&](auto taps) {
-        filterImage<T, channels>(src, dst, roiSize, Border(borderType), borderValue, taps, buffer);
+        filterImage<T, channels>({src, dst, roiSize, Border(borderType), borderValue}, taps, buffer);
     };
     switch (kernel.header.kernelSize) {
         case 3:

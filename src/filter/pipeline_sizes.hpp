@@ -3,14 +3,10 @@
 
 #include <cstdint>
 
+#include "frame/rounding.hpp"
 #include "lumcv/types.h"
 
 namespace lumcv {
-
-constexpr int64_t roundedUp(int64_t n, int64_t multiple)
-{
-    return (n + multiple - 1) / multiple * multiple;
-}
 
 /// scale * kernelSize + offset: what a row pipeline asks for.
 struct RowScratch

@@ -2,10 +2,11 @@
 //
 // A row is worked through in pieces. A piece whose pixels and neighbours all lie in memory is read in place if it needs
 // no conversion; any other is first laid out as a line: converted, with its border synthesised at the ends.
+#include "filter/convolution.hpp"
 #include "filter/extended_row.hpp"
+#include "filter/line_space.hpp"
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
-#include "filter/taps.hpp"
 #include "filter/words.hpp"
 #include "frame/checks.hpp"
 #include "lumcv/filter.h"
@@ -46,43 +47,6 @@ LumStatus check(const RowCall<S, D, channels>& call, const void* pKernel, Lum32s
     return checks.require((call.borderType & 15) != lumBorderConstant || call.borderValue, lumErrNullPointer).status();
 }
 
-/// A place for a line: on the stack, unless the scratch has more room. It grows with the kernel, so there is room for
-/// any.
-template <class Element>
-class LineSpace
-{
-  public:
-    LineSpace(Lum8u* scratch, int64_t scratchBytes)
-    {
-        const int64_t slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(scratch) % alignment);
-        const int64_t room = (scratchBytes - slack) / static_cast<int64_t>(sizeof(Element));
-        if (room > size_) {
-            data_ = reinterpret_cast<Element*>(scratch + slack);
-            size_ = room;
-        }
-    }
-
-    Element* data()
-    {
-        return data_;
-    }
-
-    int64_t size() const
-    {
-        return size_;
-    }
-
-    LineSpace(const LineSpace&) = delete;
-    LineSpace& operator=(const LineSpace&) = delete;
-
-  private:
-    static constexpr uintptr_t alignment = 32;
-    static constexpr int64_t stackBytes = 8192;
-    alignas(64) Element stack_[stackBytes / sizeof(Element)];
-    Element* data_ = stack_;
-    int64_t size_ = stackBytes / sizeof(Element);
-};
-
 /// Calls piece(line, dst, n) for each piece of each row: n elements are to be stored at dst, and the first tap of the
 /// first of them falls on line[0].
 template <class Element, class S, class D, int channels, class Piece>
@@ -110,20 +74,11 @@ void eachPiece(const RowCall<S, D, channels>& call, LineSpace<Element>& space, P
 
 // Single precision.
 
-/// Sums of products in the order of the kernel, beginning with the first product; rounded to D.
-template <int channels, class D, class Taps>
-[[gnu::flatten, gnu::noinline]] void convolve(const Lum32f* line, Taps taps, D* dst, int64_t n)
+template <class D, class Taps, class Channels>
+[[gnu::flatten, gnu::noinline]] void convolve(RowConvolution<Taps, Channels> along, D* dst, int64_t n)
 {
-    storeRow<stepLanes<D, Taps>()>(dst, n, false, [=](int64_t x, auto lanes) {
-        const Lum32f* s = line + x;
-        auto sum = simd::load<lanes>(s) * simd::broadcast<lanes>(taps.t[0]);
-        for (int64_t i = 1; i < taps.count(); ++i)
-            sum = sum + simd::load<lanes>(s + i * channels) * simd::broadcast<lanes>(taps.t[i]);
-        if constexpr (std::is_same_v<D, Lum32f>)
-            return sum;
-        else
-            return simd::roundTo<D>(withinWords<std::is_signed_v<D>>(sum));
-    });
+    storeRow<stepLanes<D, Taps>()>(dst, n, false,
+                                   [=](int64_t x, auto lanes) { return simd::saturateTo<D>(along(x, lanes)); });
 }
 
 template <class S, class D, int channels, class K>
@@ -142,7 +97,10 @@ LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum
     const int64_t used = slack + k * static_cast<int64_t>(sizeof(Lum32f));
     LineSpace<Lum32f> space(call.buffer + used, call.scratch.bytes(k) - used);
     withTaps(coefficients, k, [&](auto taps) {
-        eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) { convolve<channels>(line, taps, dst, n); });
+        eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) {
+            convolve(RowConvolution<decltype(taps), ChannelCount<channels>>{taps, line, channelCount<channels>()}, dst,
+                     n);
+        });
     });
     return lumOk;
 }

@@ -5,17 +5,44 @@
 
 namespace lumcv {
 
-/// Rows of floats in scratch. Row r of the extended image, counted from the topmost one that is needed, lies in slot r
-/// mod `slots`.
-struct RowRing
+/// Rows in scratch. Row r of the extended image, counted from the topmost one that is needed, lies in slot r mod
+/// `slots`.
+template <class Element>
+struct RingOf
 {
-    Lum32f* rows;
-    int64_t pitch;  ///< floats from one slot to the next
+    Element* rows;
+    int64_t pitch;  ///< elements from one slot to the next
     int64_t slots;
 
-    Lum32f* slot(int64_t index) const
+    Element* slot(int64_t index) const
     {
         return rows + index * pitch;
+    }
+
+    /// The row j behind the one in slot `first`, in the order of the image; both below `slots`.
+    Element* rowBehind(int64_t first, int64_t j) const
+    {
+        return slot(first + j < slots ? first + j : first + j - slots);
+    }
+};
+
+using RowRing = RingOf<Lum32f>;
+
+/// The rows of a ring of `count` slots in the order of the image; their addresses stay in registers.
+template <int count>
+struct RingRows
+{
+    const Lum32f* rows[count];
+
+    RingRows(const RowRing& ring, int64_t first)
+    {
+        for (int64_t j = 0; j < count; ++j)
+            rows[j] = ring.rowBehind(first, j);
+    }
+
+    [[gnu::always_inline]] const Lum32f* operator[](int64_t j) const
+    {
+        return rows[j];
     }
 };
 

@@ -5,28 +5,30 @@
 
 namespace lumcv {
 
-/// The bytes to which a streamed store must be aligned at any level.
-inline constexpr int64_t streamAlignment = 64;
-
 /// Stores result(x, lanes) for each x of a row of n elements; it may be called more than once for an element. A row of
 /// a large image goes past the caches, but for its ends; simd::fence() must follow the last such row.
 template <int N, class T, class Result>
 [[gnu::always_inline]] inline void storeRow(T* row, int64_t n, bool isLarge, Result result)
 {
     const auto cached = [=](int64_t x, auto lanes) { simd::store(row + x, result(x, lanes)); };
-    const auto address = reinterpret_cast<uintptr_t>(row);
-    if (isLarge && address % sizeof(T) == 0) {
-        const auto head = static_cast<int64_t>(-address % streamAlignment / sizeof(T));
-        if (head < n) {
-            simd::eachAtLeastOnce<N>(0, head, cached);
-            int64_t x = head;
-            for (; x + N <= n; x += N)
-                simd::stream(row + x, result(x, simd::Lanes<N>{}));
-            simd::eachAtLeastOnce<N>(x, n, cached);
-            return;
-        }
+    if (n < N) {
+        simd::eachAtLeastOnce<simd::restLanes>(0, n, cached);
+        return;
     }
-    simd::eachAtLeastOnce<N>(0, n, cached);
+    // what a streamed store asks for at any level
+    constexpr uintptr_t alignment = N * sizeof(T) < 64 ? N * sizeof(T) : 64;
+    const auto address = reinterpret_cast<uintptr_t>(row);
+    int64_t x = 0;
+    if (isLarge && address % sizeof(T) == 0) {
+        cached(0, simd::Lanes<N>{});
+        x = static_cast<int64_t>(-address % alignment / sizeof(T));
+        for (; x + N <= n; x += N)
+            simd::stream(row + x, result(x, simd::Lanes<N>{}));
+    } else
+        for (; x + N <= n; x += N)
+            cached(x, simd::Lanes<N>{});
+    if (x < n)
+        cached(n - N, simd::Lanes<N>{});
 }
 
 }  // namespace lumcv

@@ -52,6 +52,20 @@ inline void withTaps(const T* coefficients, int64_t k, Run run)
         run(StoredTaps<T>{coefficients, k});
 }
 
+/// The floats of a pixel, as loops over rows want them: a single one is known when they are compiled, which makes them
+/// faster; for the others one code serves all counts.
+template <int channels>
+constexpr auto channelCount()
+{
+    if constexpr (channels == 1)
+        return std::integral_constant<int64_t, 1>{};
+    else
+        return int64_t{channels};
+}
+
+template <int channels>
+using ChannelCount = decltype(channelCount<channels>());
+
 /// Lanes of a step that yields T: a whole register of results, and enough sums in flight to hide the latency of their
 /// additions.
 template <class T, class Taps>

@@ -21,6 +21,14 @@ class Checks
         return *this;
     }
 
+    /// A step that has a status of its own: lumOk if it does not fail.
+    constexpr Checks& then(LumStatus next)
+    {
+        if (status_ == lumOk)
+            status_ = next;
+        return *this;
+    }
+
     template <class... Pointers>
     constexpr Checks& notNull(const Pointers*... pointers)
     {

@@ -1,6 +1,8 @@
 // Between element types: widening loads, exact conversion to single precision, rounding back with saturation.
 #pragma once
 
+#include <limits>
+
 #include "simd/arithmetic.hpp"
 
 namespace lumcv::simd {
@@ -247,6 +249,17 @@ template <class T, int N>
         return v;
     else
         return narrow<T>(toNearest(v));
+}
+
+/// The same for numbers of any size. Beyond 32 bits a conversion gives the smallest integer, which is right at the
+/// lower end; so only the upper one is clamped before.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> saturateTo(Vec<Lum32f, N> v)
+{
+    if constexpr (std::is_same_v<T, Lum32f>)
+        return v;
+    else
+        return roundTo<T>(min(v, broadcast<N>(static_cast<Lum32f>(std::numeric_limits<T>::max()))));
 }
 
 }  // namespace lumcv::simd

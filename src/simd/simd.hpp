@@ -2,7 +2,11 @@
 #pragma once
 
 #include "simd/arithmetic.hpp"
+#include "simd/bit_row.hpp"
+#include "simd/byte_taps.hpp"
+#include "simd/control.hpp"
 #include "simd/convert.hpp"
+#include "simd/lanes.hpp"
 #include "simd/row.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"

@@ -199,7 +199,7 @@ TYPED_TEST(ColumnPipelineQuick, RowsMayRepeat)
     }
 }
 
-TYPED_TEST(ColumnPipeline, BandsMayRunAtOnce)
+TYPED_TEST(ColumnPipeline, ThreadsWorkOnBands)
 {
     constexpr int bands = 4;
     ColumnCase c;

@@ -173,7 +173,7 @@ TYPED_TEST(RowPipeline, LongKernelOnNarrowRow)
     }
 }
 
-TYPED_TEST(RowPipeline, BandsMayRunAtOnce)
+TYPED_TEST(RowPipeline, ThreadsWorkOnBands)
 {
     constexpr int bands = 4;
     RowCase c;

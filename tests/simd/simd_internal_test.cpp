@@ -2,6 +2,7 @@
 // vector: scalars, single registers and pairs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cfenv>
 #include <cmath>
@@ -191,6 +192,32 @@ TEST(Simd, StreamedStoresArriveAfterTheFence)
     forLaneCounts<Lum32f>(check);
 }
 
+TEST(Simd, ExtremesOfIntegersFollowTheSign)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed), b = drawn<T, N>(seed + 1000);
+            const auto va = vectorOf<N>(a), vb = vectorOf<N>(b);
+            expectLanes<T, N>(simd::min(va, vb), [&](int i) { return a[i] < b[i] ? a[i] : b[i]; });
+            expectLanes<T, N>(simd::max(va, vb), [&](int i) { return a[i] > b[i] ? a[i] : b[i]; });
+        }
+    };
+    forLaneCounts<Lum8u>(check);
+    forLaneCounts<Lum16u>(check);
+    forLaneCounts<Lum16s>(check);
+}
+
+TEST(Simd, SignedDifferencesSaturateAtBothEnds)
+{
+    forLaneCounts<Lum16s>([]<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawn<T, N>(seed), b = drawn<T, N>(seed + 1000);
+            expectLanes<T, N>(simd::subtractSaturated(vectorOf<N>(a), vectorOf<N>(b)),
+                              [&](int i) { return static_cast<T>(std::clamp(a[i] - b[i], -32768, 32767)); });
+        }
+    });
+}
+
 TEST(Simd, UnsignedDifferencesSaturateAndAreExact)
 {
     const auto check = []<class T, int N>(T, simd::Lanes<N>) {
@@ -331,6 +358,78 @@ void expectWalks()
             }
         }
     }
+}
+
+constexpr std::array<int, 3> threeWeights{-3, 10, 7};
+constexpr std::array<int, 5> fiveWeights{1, -4, 6, -100, 2};
+
+/// Words that stand apart by the parity of their places, put together again.
+template <int N>
+Lanes<Lum16s, N> lanesOf(simd::SplitWords<N> split)
+{
+    const auto even = lanesOf<Lum16s, N / 2>(split.even), odd = lanesOf<Lum16s, N / 2>(split.odd);
+    Lanes<Lum16s, N> lanes;
+    for (int i = 0; i < N; ++i)
+        lanes[i] = (i % 2 ? odd : even)[i / 2];
+    return lanes;
+}
+
+TEST(Simd, SumsOfNeighbouringBytesComeBackInOrder)
+{
+    const auto check = []<int N, size_t count>(simd::Lanes<N>, const std::array<int, count>& weights, auto sum) {
+        constexpr int reach = count / 2;
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            // no byte beyond the outermost taps is read
+            GuardedBlock block(N + 2 * reach, seed % 2 ? Guard::Before : Guard::After);
+            const auto bytes = drawn<Lum8u, N + 2 * reach>(seed);
+            std::memcpy(block.data(), bytes.data(), bytes.size());
+            const simd::SplitWords<N> sums = sum(block.as<Lum8u>() + reach);
+            const auto expected = [&](int i) {
+                int total = 0;
+                for (int j = 0; j < static_cast<int>(count); ++j)
+                    total += weights[j] * bytes[i + j];
+                return static_cast<Lum16s>(total);
+            };
+            expectLanes<Lum16s, N>(simd::inOrder(sums), expected);
+        }
+    };
+    const auto checkBoth = [&]<int N>(simd::Lanes<N> lanes) {
+        check(lanes, threeWeights, [](const Lum8u* s) { return simd::tapSums<threeWeights, N>(s); });
+        check(lanes, fiveWeights, [](const Lum8u* s) { return simd::tapSums<fiveWeights, N>(s); });
+    };
+    checkBoth(simd::Lanes<simd::registerLanes<Lum8u>>{});
+    checkBoth(simd::Lanes<2 * simd::registerLanes<Lum8u>>{});
+    checkBoth(simd::Lanes<4 * simd::registerLanes<Lum8u>>{});
+}
+
+TEST(Simd, SplitWordsAreWords)
+{
+    const auto check = []<int N>(simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto draw = [&](unsigned offset) {
+                return simd::SplitWords<N>{vectorOf<N / 2>(drawn<Lum16s, N / 2>(seed + offset)),
+                                           vectorOf<N / 2>(drawn<Lum16s, N / 2>(seed + offset + 100))};
+            };
+            const auto a = draw(1000), b = draw(2000);
+            const auto la = lanesOf(a), lb = lanesOf(b);
+            expectLanes<Lum16s, N>(simd::inOrder(a + b), [&](int i) { return static_cast<Lum16s>(la[i] + lb[i]); });
+            expectLanes<Lum16s, N>(simd::inOrder(a - b), [&](int i) { return static_cast<Lum16s>(la[i] - lb[i]); });
+            expectLanes<Lum16s, N>(simd::inOrder(a * Lum16s{-7}),
+                                   [&](int i) { return static_cast<Lum16s>(-7 * la[i]); });
+            expectLanes<Lum16s, N>(simd::inOrder(simd::highProduct(a, 7280)),
+                                   [&](int i) { return static_cast<Lum16s>(la[i] * 7280 >> 16); });
+            // bytes in words
+            const auto bytes = drawn<Lum8u, N>(seed);
+            Lanes<Lum16s, N / 2> even, odd;
+            for (int i = 0; i < N; ++i)
+                (i % 2 ? odd : even)[i / 2] = bytes[i];
+            expectLanes<Lum8u, N>(simd::bytesInOrder(simd::SplitWords<N>{vectorOf<N / 2>(even), vectorOf<N / 2>(odd)}),
+                                  [&](int i) { return bytes[i]; });
+        }
+    };
+    check(simd::Lanes<simd::registerLanes<Lum8u>>{});
+    check(simd::Lanes<2 * simd::registerLanes<Lum8u>>{});
+    check(simd::Lanes<4 * simd::registerLanes<Lum8u>>{});
 }
 
 TEST(Simd, RowsAreWalkedToTheirLastElement)

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
@@ -55,29 +57,66 @@ static std::size_t readableBytes(std::size_t bytes)
     return pages * pageSize();
 }
 
-std::size_t GuardedBlock::mappedBytes() const
-{
-    return readableBytes(bytes_) + 2 * pageSize();
-}
-
 std::size_t GuardedBlock::blockBegin() const
 {
     return guard_ == Guard::Before ? 0 : readableBytes(bytes_) - bytes_;
 }
 
-GuardedBlock::GuardedBlock(std::size_t bytes, Guard guard) : bytes_(bytes), guard_(guard)
+// Readable pages between two unreadable ones. What was given back is handed out again: sweeps make hundreds of
+// thousands of blocks, and the system would take longer for their pages than the tests for their pixels.
+class Mappings
+{
+  public:
+    static unsigned char* take(std::size_t readable)
+    {
+        {
+            const std::lock_guard lock(mutex_);
+            std::vector<unsigned char*>& free = free_[readable];
+            if (!free.empty()) {
+                unsigned char* const mapping = free.back();
+                free.pop_back();
+                freeBytes_ -= readable;
+                return mapping;
+            }
+        }
+        const std::size_t bytes = readable + 2 * pageSize();
+        void* const mapping = mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        if (mapping == MAP_FAILED) {
+            throw std::bad_alloc();
+        }
+        unsigned char* const first = static_cast<unsigned char*>(mapping);
+        if (mprotect(first + pageSize(), readable, PROT_READ | PROT_WRITE) != 0) {
+            munmap(mapping, bytes);
+            throw std::bad_alloc();
+        }
+        return first;
+    }
+
+    static void giveBack(unsigned char* mapping, std::size_t readable, bool isReadOnly)
+    {
+        if (!isReadOnly || mprotect(mapping + pageSize(), readable, PROT_READ | PROT_WRITE) == 0) {
+            const std::lock_guard lock(mutex_);
+            if (freeBytes_ + readable <= kMostFreeBytes) {
+                free_[readable].push_back(mapping);
+                freeBytes_ += readable;
+                return;
+            }
+        }
+        munmap(mapping, readable + 2 * pageSize());
+    }
+
+  private:
+    static constexpr std::size_t kMostFreeBytes = std::size_t{64} << 20;
+    static inline std::mutex mutex_;
+    static inline std::map<std::size_t, std::vector<unsigned char*>> free_;
+    static inline std::size_t freeBytes_ = 0;
+};
+
+GuardedBlock::GuardedBlock(std::size_t bytes, Guard guard)
+    : bytes_(bytes), guard_(guard), mapping_(Mappings::take(readableBytes(bytes)))
 {
     const std::size_t readable = readableBytes(bytes);
-    void* mapping = mmap(nullptr, mappedBytes(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (mapping == MAP_FAILED) {
-        throw std::bad_alloc();
-    }
-    mapping_ = static_cast<unsigned char*>(mapping);
     unsigned char* const first = mapping_ + pageSize();
-    if (mprotect(first, readable, PROT_READ | PROT_WRITE) != 0) {
-        munmap(mapping, mappedBytes());
-        throw std::bad_alloc();
-    }
     data_ = first + blockBegin();
     forEachStretch(0, readable, [&](std::size_t offset, const unsigned char* expected, std::size_t count) {
         std::memcpy(first + offset, expected, count);
@@ -94,7 +133,8 @@ GuardedBlock::GuardedBlock(GuardedBlock&& other) noexcept
     : bytes_(other.bytes_),
       guard_(other.guard_),
       mapping_(std::exchange(other.mapping_, nullptr)),
-      data_(std::exchange(other.data_, nullptr))
+      data_(std::exchange(other.data_, nullptr)),
+      isReadOnly_(other.isReadOnly_)
 {
 }
 
@@ -104,14 +144,23 @@ GuardedBlock& GuardedBlock::operator=(GuardedBlock other) noexcept
     std::swap(guard_, other.guard_);
     std::swap(mapping_, other.mapping_);
     std::swap(data_, other.data_);
+    std::swap(isReadOnly_, other.isReadOnly_);
     return *this;
 }
 
 GuardedBlock::~GuardedBlock()
 {
     if (mapping_) {
-        munmap(mapping_, mappedBytes());
+        Mappings::giveBack(mapping_, readableBytes(bytes_), isReadOnly_);
     }
+}
+
+void GuardedBlock::makeReadOnly() const
+{
+    if (mprotect(mapping_ + pageSize(), readableBytes(bytes_), PROT_READ) != 0) {
+        throw std::bad_alloc();
+    }
+    isReadOnly_ = true;
 }
 
 testing::AssertionResult GuardedBlock::slackIntact() const

@@ -49,6 +49,9 @@ class GuardedBlock
         return reinterpret_cast<T*>(data_);
     }
 
+    /// From here on a write to the block ends the test.
+    void makeReadOnly() const;
+
     /// Whether the readable bytes beside the block are as they were.
     testing::AssertionResult slackIntact() const;
 
@@ -59,13 +62,13 @@ class GuardedBlock
     }
 
   private:
-    std::size_t mappedBytes() const;
     std::size_t blockBegin() const;
 
     std::size_t bytes_ = 0;
     Guard guard_ = Guard::After;
     unsigned char* mapping_ = nullptr;
     unsigned char* data_ = nullptr;
+    mutable bool isReadOnly_ = false;  ///< the handle's constness is not that of the bytes
 };
 
 }  // namespace lumcv::test

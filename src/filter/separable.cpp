@@ -1,0 +1,478 @@
+// The separable filter: two convolutions in single precision, by kernels of the caller.
+#include <cstring>
+
+#include "filter/convolution.hpp"
+#include "filter/separable_bands.hpp"
+#include "filter/separable_record.hpp"
+#include "frame/checks.hpp"
+#include "frame/rounding.hpp"
+
+namespace lumcv {
+namespace {
+
+/// The rows of a ring of any number of slots, in the order of the image.
+struct AnyRingRows
+{
+    RowRing ring;
+    int64_t first;
+
+    AnyRingRows(const RowRing& rowRing, int64_t firstSlot) : ring(rowRing), first(firstSlot) {}
+
+    [[gnu::always_inline]] const Lum32f* operator[](int64_t j) const
+    {
+        return ring.rowBehind(first, j);
+    }
+};
+
+template <class Taps>
+struct RowsUnder
+{
+    using Type = AnyRingRows;
+};
+
+template <int k>
+struct RowsUnder<FixedTaps<k>>
+{
+    using Type = RingRows<k>;
+};
+
+template <class Taps>
+struct ColumnConvolution
+{
+    Taps taps;
+    typename RowsUnder<Taps>::Type rows;
+
+    template <class Lanes>
+    [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
+    {
+        return sumOfProducts<lanes>(taps, [=, this](int64_t j) { return simd::load<lanes>(rows[j] + x); });
+    }
+};
+
+/// The caller's kernels as floats.
+struct Coefficients
+{
+    const Lum32f* x;  ///< with the scale
+    int64_t width;
+    const Lum32f* y;
+    int64_t height;
+    Lum32f sumX;  ///< without the scale
+    Lum32f scale;
+};
+
+template <class ConvolutionTaps, class Channels>
+struct Convolutions
+{
+    using Taps = ConvolutionTaps;
+    Taps x, y;
+    Channels channels;
+    Lum32f sumX, scale;
+
+    int64_t width() const
+    {
+        return x.count();
+    }
+
+    int64_t height() const
+    {
+        return y.count();
+    }
+
+    auto along(const Lum32f* line) const
+    {
+        return RowConvolution<Taps, Channels>{x, line, channels};
+    }
+
+    auto across(const RowRing& ring, int64_t firstSlot) const
+    {
+        return ColumnConvolution<Taps>{y, {ring, firstSlot}};
+    }
+
+    Lum32f constant(Lum32f value) const
+    {
+        return sumX * value * scale;
+    }
+
+    template <class D, class Sums>
+    [[gnu::always_inline]] static auto stored(Sums sums)
+    {
+        return simd::saturateTo<D>(sums);
+    }
+};
+
+/// Reads n coefficients of a record, which may stand at any address.
+template <class K>
+void readKernel(const Lum8u* from, int64_t n, Lum32f scale, Lum32f* to)
+{
+    for (int64_t i = 0; i < n; ++i) {
+        K coefficient;
+        std::memcpy(&coefficient, from + i * static_cast<int64_t>(sizeof(K)), sizeof(K));
+        to[i] = static_cast<Lum32f>(coefficient) * scale;
+    }
+}
+
+void readKernel(const SeparableHeader& header, const Lum8u* from, int64_t n, Lum32f scale, Lum32f* to)
+{
+    if (header.kernelType == kernelOfWords)
+        readKernel<Lum16s>(from, n, scale, to);
+    else
+        readKernel<Lum32f>(from, n, scale, to);
+}
+
+/// Lays the coefficients at `to`, which has room for all of them.
+Coefficients readKernels(const SeparableHeader& header, Lum32f* to)
+{
+    const int64_t width = header.kernelWidth;
+    const int64_t height = header.kernelHeight;
+    const Lum32f scale = 1.0f / static_cast<Lum32f>(header.divisor);
+    readKernel(header, header.pKernelX, width, 1.0f, to);
+    Lum32f sumX = to[0];
+    for (int64_t i = 1; i < width; ++i)
+        sumX += to[i];
+    readKernel(header, header.pKernelX, width, scale, to);
+    readKernel(header, header.pKernelY, height, 1.0f, to + width);
+    return {to, width, to + width, height, sumX, scale};
+}
+
+/// The scratch, in this order: ring and line of a band, coefficients. The formula gives the ring the width of the whole
+/// image and no room of its own to the line; so bands may have to be narrower than the first-level cache would allow,
+/// but a column of pixels always fits.
+template <class S, class D, int channels>
+[[gnu::noinline]] void filterImage(const SeparableImages<S, D, channels>& images, const SeparableHeader& header,
+                                   Lum8u* buffer)
+{
+    constexpr int64_t alignment = 64;
+    constexpr int64_t floatSize = sizeof(Lum32f);
+    constexpr int64_t lineFloats = alignment / floatSize;
+    const int64_t width = images.roiSize.width;
+    const int64_t rows = header.kernelHeight;
+    const int64_t neighbours = int64_t{header.kernelWidth - 1} * channels;
+    const int64_t elementSize = header.kernelType == kernelOfWords ? sizeof(Lum16s) : sizeof(Lum32f);
+    const auto slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(buffer) % alignment);
+    const int64_t bytes = separableScratch(width, {header.kernelWidth, header.kernelHeight}, elementSize, channels);
+    const int64_t floats = (bytes - slack) / floatSize;
+
+    int64_t room = (floats - neighbours - header.kernelWidth - rows) / (rows + 1);  // of a row
+    if (room > lineFloats)
+        room -= room % lineFloats;
+    const int64_t cached = cachedColumns(rows, channels);
+    const int64_t columns = evenBands(width, cached < room / channels ? cached : room / channels);
+    const int64_t rounded = roundedUp(columns * channels, lineFloats);
+    const RowRing ring{reinterpret_cast<Lum32f*>(buffer + slack), rounded < room ? rounded : room, rows};
+    Lum32f* const line = ring.slot(rows);
+    const BandSpace space{ring, line, columns};
+    const Coefficients k = readKernels(header, line + columns * channels + neighbours);
+
+    const auto run = [&](auto x, auto y) {
+        filterBands(images,
+                    Convolutions<decltype(x), ChannelCount<channels>>{x, y, channelCount<channels>(), k.sumX, k.scale},
+                    space);
+    };
+    if (k.width == 3 && k.height == 3)
+        run(FixedTaps<3>(k.x), FixedTaps<3>(k.y));
+    else if (k.width == 5 && k.height == 5)
+        run(FixedTaps<5>(k.x), FixedTaps<5>(k.y));
+    else
+        run(AnyTaps{k.x, k.width}, AnyTaps{k.y, k.height});
+}
+
+/// The checks that follow those of the sizes, which are not the same in the ordinary and the 64-bit entries.
+template <int channels, class S, class D>
+LumStatus filter(Checks checks, Plane<const S> src, Plane<D> dst, LumiSizeL roiSize, LumiBorderType borderType,
+                 const S* borderValue, const LumFilterSeparableSpec* pSpec, Lum8u* buffer)
+{
+    if (checks.failed())
+        return checks.status();
+    SeparableHeader header;
+    std::memcpy(&header, pSpec, sizeof header);
+    checks.notNull(header.pKernelX, header.pKernelY)
+        .require(isFilterBorder(borderType), lumErrBorder)
+        .alignment(src)
+        .alignment(dst);
+    if (checks.failed())
+        return checks.status();
+    filterImage<S, D, channels>({src, dst, roiSize, Border(borderType), borderValue}, header, buffer);
+    return lumOk;
+}
+
+/// The pointers of a call. A single channel's border value has an address of its own.
+template <class S, class D>
+Checks pointerChecks(Plane<const S> src, Plane<D> dst, LumiBorderType borderType, const S* borderValue,
+                     const LumFilterSeparableSpec* pSpec, const Lum8u* buffer)
+{
+    return Checks{}
+        .notNull(src.pixels, dst.pixels, pSpec, buffer)
+        .require((borderType & 15) != lumBorderConstant || borderValue, lumErrNullPointer);
+}
+
+template <int channels, class S, class D>
+LumStatus separable(Plane<const S> src, Plane<D> dst, LumiSize roiSize, LumiBorderType borderType, const S* borderValue,
+                    const LumFilterSeparableSpec* pSpec, Lum8u* buffer)
+{
+    const simd::DenormalsMasked masked;
+    const auto checks = pointerChecks(src, dst, borderType, borderValue, pSpec, buffer)
+                            .size(roiSize)
+                            .step(src, rowElements(roiSize.width, channels))
+                            .step(dst, rowElements(roiSize.width, channels));
+    return filter<channels>(checks, src, dst, widened(roiSize), borderType, borderValue, pSpec, buffer);
+}
+
+template <int channels, class S, class D>
+LumStatus separableL(Plane<const S> src, Plane<D> dst, LumiSizeL roiSize, LumiBorderType borderType,
+                     const S* borderValue, const LumFilterSeparableSpec* pSpec, Lum8u* buffer)
+{
+    const simd::DenormalsMasked masked;
+    constexpr int64_t srcPixel = channels * sizeof(S);
+    constexpr int64_t dstPixel = channels * sizeof(D);
+    const auto checks =
+        pointerChecks(src, dst, borderType, borderValue, pSpec, buffer)
+            .within31Bits(roiSize.width, roiSize.height, src.step, dst.step)
+            .size(roiSize)
+            .require(src.step / srcPixel >= roiSize.width && dst.step / dstPixel >= roiSize.width, lumErrStep);
+    return filter<channels>(checks, src, dst, roiSize, borderType, borderValue, pSpec, buffer);
+}
+
+}  // namespace
+}  // namespace lumcv
+
+using namespace lumcv;
+
+LumStatus lumiFilterSeparable_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, Lum8u borderValue, const LumFilterSeparableSpec* pSpec,
+                                     Lum8u* pBuffer)
+{
+    return separable<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum8u borderValue[3],
+                                     const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
+                                     LumiBorderType borderType, const Lum8u borderValue[4],
+                                     const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u16s_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                        LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue,
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u16s_C3R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                        LumiSize roiSize, LumiBorderType borderType, const Lum8u borderValue[3],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u16s_C4R(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                        LumiSize roiSize, LumiBorderType borderType, const Lum8u borderValue[4],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16s_C1R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue,
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16s_C3R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, const Lum16s borderValue[3],
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16s_C4R(const Lum16s* pSrc, Lum32s srcStep, Lum16s* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, const Lum16s borderValue[4],
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16u_C1R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue,
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16u_C3R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, const Lum16u borderValue[3],
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16u_C4R(const Lum16u* pSrc, Lum32s srcStep, Lum16u* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, const Lum16u borderValue[4],
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_32f_C1R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue,
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_32f_C3R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[3],
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_32f_C4R(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep,
+                                      LumiSize roiSize, LumiBorderType borderType, const Lum32f borderValue[4],
+                                      const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separable<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                        pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, Lum8u borderValue,
+                                       const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum8u borderValue[3],
+                                       const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum8u* pDst, Lum64s dstStep,
+                                       LumiSizeL roiSize, LumiBorderType borderType, const Lum8u borderValue[4],
+                                       const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u16s_C1R_L(const Lum8u* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                          LumiSizeL roiSize, LumiBorderType borderType, Lum8u borderValue,
+                                          const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u16s_C3R_L(const Lum8u* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                          LumiSizeL roiSize, LumiBorderType borderType, const Lum8u borderValue[3],
+                                          const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_8u16s_C4R_L(const Lum8u* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                          LumiSizeL roiSize, LumiBorderType borderType, const Lum8u borderValue[4],
+                                          const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16s_C1R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, Lum16s borderValue,
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16s_C3R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, const Lum16s borderValue[3],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16s_C4R_L(const Lum16s* pSrc, Lum64s srcStep, Lum16s* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, const Lum16s borderValue[4],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16u_C1R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, Lum16u borderValue,
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16u_C3R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, const Lum16u borderValue[3],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_16u_C4R_L(const Lum16u* pSrc, Lum64s srcStep, Lum16u* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, const Lum16u borderValue[4],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_32f_C1R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, Lum32f borderValue,
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<1>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, &borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_32f_C3R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, const Lum32f borderValue[3],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<3>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}
+
+LumStatus lumiFilterSeparable_32f_C4R_L(const Lum32f* pSrc, Lum64s srcStep, Lum32f* pDst, Lum64s dstStep,
+                                        LumiSizeL roiSize, LumiBorderType borderType, const Lum32f borderValue[4],
+                                        const LumFilterSeparableSpec* pSpec, Lum8u* pBuffer)
+{
+    return separableL<4>(source(pSrc, srcStep), destination(pDst, dstStep), roiSize, borderType, borderValue, pSpec,
+                         pBuffer);
+}

@@ -1,0 +1,105 @@
+// What a kernel of dilation or erosion works on: an area of the image and everything under the element, all in memory.
+//
+// Kernels take the pixels under an element in the order of its rows from the top, and in a row from the left, and the
+// later one of two equals stays: that is how zeros of both signs come out the same from every kernel.
+#pragma once
+
+#include "frame/image.hpp"
+#include "morph/element_record.hpp"
+#include "simd/simd.hpp"
+
+namespace lumcv {
+
+struct Maximum
+{
+    template <class V>
+    [[gnu::always_inline]] V operator()(V earlier, V later) const
+    {
+        return simd::max(earlier, later);
+    }
+};
+
+struct Minimum
+{
+    template <class V>
+    [[gnu::always_inline]] V operator()(V earlier, V later) const
+    {
+        return simd::min(earlier, later);
+    }
+};
+
+/// Pixels to be computed. Kernels count in elements: a pixel is `channels` of them.
+template <class T>
+struct Area
+{
+    Plane<const T> src;  ///< the pixel under the anchor for the first pixel of dst
+    Plane<T> dst;
+    int64_t elements;  ///< in a row
+    int64_t height;
+    int64_t channels;
+};
+
+/// Memory for rows, aligned to 32 bytes.
+struct Scratch
+{
+    Lum8u* begin;
+    int64_t bytes;
+};
+
+/// As eachAtLeastOnce, for what is computed where its operands lie: result(x, lanes) reads at x and behind it and
+/// store(x, result) overwrites at x. What the last vector shares with the one before it is read before either is
+/// stored.
+template <int N, class Result, class Store>
+[[gnu::always_inline]] inline void eachInPlace(int64_t n, Result result, Store store)
+{
+    if (n >= N) {
+        const auto last = result(n - N, simd::Lanes<N>{});
+        int64_t x = 0;
+        for (; x + N <= n; x += N)
+            store(x, result(x, simd::Lanes<N>{}));
+        if (x < n)
+            store(n - N, last);
+    } else if constexpr (N > simd::restLanes)
+        eachInPlace<simd::restLanes>(n, result, store);
+    else
+        for (int64_t x = 0; x < n; ++x)
+            store(x, result(x, simd::Lanes<1>{}));
+}
+
+/// Lanes in so many registers, but not fewer than any level has in one.
+template <class T, int registers>
+inline constexpr int lanesIn =
+    registers* simd::registerLanes<T> > simd::restLanes ? registers* simd::registerLanes<T> : simd::restLanes;
+
+template <class Operation, class T>
+void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch);
+
+/// Grows windows along a line: with from[x] the extreme of `length` pixels from x on, `unit` elements apart, to[x]
+/// becomes that of `longer` pixels, for n elements. In `line` there is room for n + (longer - 1) * unit elements; from,
+/// line and to may be the same. What lies `ahead` bytes behind `from` is asked for on the way, if that is not 0.
+template <class Operation, class T>
+void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, int64_t unit, int64_t n,
+                 int64_t ahead = 0);
+
+/// The cross, or disc, of 3x3.
+template <class Operation, class T>
+void smallCross(Area<T> area);
+
+/// Whether there is room for rowRuns().
+template <class T>
+bool fitsRowRuns(const Area<T>& area, const Element& element, Scratch scratch);
+
+/// An element whose rows are a run each.
+template <class Operation, class T>
+void rowRuns(Area<T> area, const Element& element, Scratch scratch);
+
+/// The same for an area of one row, in a block whose rows are `pitch` elements long and lie behind one another: windows
+/// along all of it serve every row of the element. False, and nothing done, if the scratch has no room for them.
+template <class Operation, class T>
+bool rowRunsAlong(Area<T> area, int64_t pitch, const Element& element, Scratch scratch);
+
+/// An element of any shape.
+template <class Operation, class T>
+void anyShape(Area<T> area, const Element& element);
+
+}  // namespace lumcv

@@ -1,0 +1,21 @@
+// The records of the compound operations: the element of each pass.
+#pragma once
+
+#include "morph/bit_record.hpp"
+
+/// The two records, LumiMorphMaskRecord or LumiMorphBitRecord, lie behind it in the block.
+struct LumiMorphCompoundSpec
+{
+    void* pFirst;
+    void* pSecond;   ///< pRotated, or pFirst in odd modes
+    void* pRotated;  ///< the caller's element, rotated by 180 degrees
+    Lum32s keepNegative;
+};
+
+struct LumiMorphCompoundSpecL
+{
+    LumiDilateErodeSpec* pFirst;
+    LumiDilateErodeSpec* pSecond;
+    LumiDilateErodeSpec* pRotated;
+    Lum32s keepNegative;
+};

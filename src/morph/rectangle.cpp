@@ -1,0 +1,374 @@
+// Dilation and erosion by a rectangle: windows along each row, then across the rows.
+//
+// Rectangles of 3x3 and 5x5 advance by as many rows as two windows share; what those rows have in common is carried
+// from step to step. For others a ring holds rows of windows, from which a block of output rows is combined: the rows
+// that all of them see are taken together once, and what each sees above and below is added step by step.
+#include "morph/area.hpp"
+#include "morph/morph_sizes.hpp"
+
+namespace lumcv {
+namespace {
+
+/// Columns are worked through in bands of this many bytes, so that carried rows and rings stay in the first-level
+/// cache.
+constexpr int64_t cacheBytes = 24 * 1024;
+
+int64_t bandElements(int64_t elements, int64_t widest)
+{
+    if (elements <= widest)
+        return elements;
+    const int64_t bands = (elements + widest - 1) / widest;
+    const int64_t even = (elements + bands - 1) / bands;
+    constexpr int64_t line = 64;
+    const int64_t whole = (even + line - 1) / line * line;
+    return whole < widest ? whole : even;
+}
+
+/// `count` windows at the given distances. What lies `ahead` bytes from them is asked for, if anything does.
+template <int count, bool asksAhead, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void joinWindows(const T* from, const int64_t (&distances)[4], T* to, int64_t n,
+                                                 int64_t ahead)
+{
+    const int64_t d1 = distances[1], d2 = distances[2], d3 = distances[3];
+    eachInPlace<lanesIn<T, 2>>(
+        n,
+        [=](int64_t x, auto lanes) {
+            if constexpr (asksAhead && lanes > 1)
+                simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
+            auto extreme = Operation{}(simd::load<lanes>(from + x), simd::load<lanes>(from + x + d1));
+            if constexpr (count > 2)
+                extreme = Operation{}(extreme, simd::load<lanes>(from + x + d2));
+            if constexpr (count > 3)
+                extreme = Operation{}(extreme, simd::load<lanes>(from + x + d3));
+            return extreme;
+        },
+        [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
+}
+
+template <int size, int channels, class Operation, class T, class Lanes>
+[[gnu::always_inline]] inline auto window(const T* first, Lanes lanes)
+{
+    auto extreme = simd::load<lanes>(first);
+    for (int i = 1; i < size; ++i)
+        extreme = Operation{}(extreme, simd::load<lanes>(first + i * channels));
+    return extreme;
+}
+
+/// Calls body(x, place) for the vectors of a row of n elements, N at least, with a place for what each vector carries
+/// from row to row. The last one may overlap the one before it, but what they carry does not.
+template <int N, int carriedVectors, class T, class Body>
+[[gnu::always_inline]] inline void eachCarrying(int64_t n, T* carried, Body body)
+{
+    int64_t x = 0;
+    for (; x + N <= n; x += N, carried += carriedVectors * N)
+        body(x, carried);
+    if (x < n)
+        body(n - N, carried);
+}
+
+template <class T>
+inline constexpr int squareLanes = lanesIn<T, 2>;
+
+/// What a square of `size` carries for each vector: place i holds the extreme of the last size - 1 - i rows of windows.
+/// These are the first of them.
+template <int size, int channels, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, T* carried, int64_t n)
+{
+    constexpr int N = squareLanes<T>;
+    const int64_t step = src.step;
+    const T* const first = src.pixels;
+    eachCarrying<N, size - 1>(n, carried, [=](int64_t x, T* place) {
+        simd::Lanes<N> lanes;
+        auto above = window<size, channels, Operation>(rowAt(first + x, step, size - 2), lanes);
+        simd::store(place + (size - 2) * N, above);
+        for (int i = size - 3; i >= 0; --i) {
+            above = Operation{}(window<size, channels, Operation>(rowAt(first + x, step, i), lanes), above);
+            simd::store(place + i * N, above);
+        }
+    });
+}
+
+/// Computes `rows` output rows from as many new rows, of which `src` is the first window, and what is carried; replaces
+/// that by the new rows if these are enough. The rows that many further on are asked for.
+template <int size, int channels, int rows, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void advance(Plane<const T> src, Plane<T> dst, T* carried, int64_t n, int64_t rowsAhead)
+{
+    constexpr int N = squareLanes<T>;
+    const int64_t srcStep = src.step, dstStep = dst.step;
+    const int64_t srcAhead = srcStep * rowsAhead, dstAhead = dstStep * rowsAhead;
+    const T* const srcFirst = src.pixels;
+    T* const dstFirst = dst.pixels;
+    eachCarrying<N, size - 1>(n, carried, [=](int64_t x, T* place) {
+        using V = simd::Vec<T, N>;
+        simd::Lanes<N> lanes;
+        V fresh[rows];
+        V below;
+        for (int i = 0; i < rows; ++i) {
+            const T* const first = rowAt(srcFirst + x, srcStep, i);
+            T* const to = rowAt(dstFirst + x, dstStep, i);
+            simd::prefetch<N>(rowAt(first, srcAhead, 1));
+            simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
+            fresh[i] = window<size, channels, Operation>(first, lanes);
+            below = i == 0 ? fresh[0] : Operation{}(below, fresh[i]);
+            simd::store(to, Operation{}(simd::load<N>(place + i * N), below));
+        }
+        if constexpr (rows == size - 1) {
+            V above = fresh[rows - 1];
+            simd::store(place + (size - 2) * N, above);
+            for (int i = size - 3; i >= 0; --i) {
+                above = Operation{}(fresh[i], above);
+                simd::store(place + i * N, above);
+            }
+        }
+    });
+}
+
+/// The columns that are worked through at a time, or 0 if there are too few or what they carry does not fit into the
+/// scratch. Which it is does not depend on the processor level: a not-a-number comes out by the order of operations.
+template <int size, class T>
+int64_t squareBand(int64_t elements, Scratch scratch)
+{
+    constexpr int widestVector = 128;
+    static_assert(squareLanes<T> <= widestVector);
+    const int64_t band = bandElements(elements, cacheBytes / 3 / (size - 1) / static_cast<int64_t>(sizeof(T)));
+    const int64_t carriedBytes = roundedUp(band, widestVector) * (size - 1) * static_cast<int64_t>(sizeof(T));
+    return band >= widestVector && carriedBytes <= scratch.bytes ? band : 0;
+}
+
+template <int size, int channels, class Operation, class T>
+void square(Area<T> area, int64_t band, Scratch scratch)
+{
+    constexpr int radius = size / 2;
+    constexpr int step = size - 1;
+    T* const carried = reinterpret_cast<T*>(scratch.begin);
+    for (int64_t end = 0; end < area.elements;) {
+        const int64_t begin = end + band <= area.elements ? end : area.elements - band;
+        end = begin + band;
+        const Plane<const T> src{area.src.row(-radius) + begin - radius * channels, area.src.step};
+        const Plane<T> dst{area.dst.pixels + begin, area.dst.step};
+        const auto srcFrom = [&](int64_t y) { return Plane<const T>{src.row(y), src.step}; };
+        const auto dstFrom = [&](int64_t y) { return Plane<T>{dst.row(y), dst.step}; };
+        beginCarrying<size, channels, Operation>(src, carried, band);
+        int64_t y = 0;
+        for (; y + step <= area.height; y += step) {
+            const int64_t ahead = y + 2 * step <= area.height ? step : 0;
+            advance<size, channels, step, Operation>(srcFrom(y + step), dstFrom(y), carried, band, ahead);
+        }
+        const auto rest = [&]<int rows>(simd::Lanes<rows>) {
+            if (area.height - y == rows)
+                advance<size, channels, rows, Operation>(srcFrom(y + step), dstFrom(y), carried, band, 0);
+        };
+        rest(simd::Lanes<1>{});
+        if constexpr (step > 2) {
+            rest(simd::Lanes<2>{});
+            rest(simd::Lanes<3>{});
+        }
+    }
+}
+
+/// A square of 3x3 or 5x5; false if the area is too narrow.
+template <int size, class Operation, class T>
+bool smallSquare(Area<T> area, Scratch scratch)
+{
+    const int64_t band = squareBand<size, T>(area.elements, scratch);
+    if (band == 0)
+        return false;
+    if (area.channels == 1)
+        square<size, 1, Operation>(area, band, scratch);
+    if constexpr (!std::is_same_v<T, Lum16u> && !std::is_same_v<T, Lum16s>) {
+        if (area.channels == 3)
+            square<size, 3, Operation>(area, band, scratch);
+        if (area.channels == 4)
+            square<size, 4, Operation>(area, band, scratch);
+    }
+    return true;
+}
+
+/// Rows of windows: those of a ring, or those of the image itself where a window is one pixel wide.
+template <class T>
+struct WindowRows
+{
+    const T* rows;
+    int64_t step;   ///< bytes from one row to the next
+    int64_t slots;  ///< rows until the ring begins again
+    int64_t first;  ///< the slot of the first row
+
+    const T* row(int64_t i) const
+    {
+        return rowAt(rows, step, first + i < slots ? first + i : first + i - slots);
+    }
+};
+
+/// Combines `height` rows each into `rows` output rows; rows <= height.
+template <int rows, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void joinRows(WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n,
+                                              int64_t dstAhead)
+{
+    const T* above[rows];
+    const T* below[rows];
+    T* d[rows];
+    for (int i = 0; i < rows; ++i) {
+        above[i] = windows.row(i);  // the last one begins what all rows see
+        below[i] = windows.row(i == 0 ? rows - 1 : height - 1 + i);
+        d[i] = dst.row(i);
+    }
+    // what all rows see, most of it by a table of where its rows lie in the ring
+    constexpr int64_t tableRows = 64;
+    const T* table[tableRows];
+    const int64_t tabled = height - rows < tableRows ? height - rows : tableRows;
+    for (int64_t i = 0; i < tabled; ++i)
+        table[i] = windows.row(rows + i);
+    simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=, &table](int64_t x, auto lanes) {
+        using V = simd::Vec<T, lanes>;
+        V common = simd::load<lanes>(above[rows - 1] + x);
+        for (int64_t i = 0; i < tabled; ++i)
+            common = Operation{}(common, simd::load<lanes>(table[i] + x));
+        for (int64_t i = rows + tabled; i < height; ++i)
+            common = Operation{}(common, simd::load<lanes>(windows.row(i) + x));
+        V seen[rows];  // by each output row, down to the last common one
+        seen[rows - 1] = common;
+        for (int i = rows - 2; i >= 0; --i)
+            seen[i] = Operation{}(simd::load<lanes>(above[i] + x), seen[i + 1]);
+        if constexpr (lanes > 1)
+            for (int i = 0; i < rows; ++i)
+                simd::prefetch<lanes>(static_cast<const T*>(rowAt(d[i] + x, dstAhead, 1)));
+        simd::store(d[0] + x, seen[0]);
+        if constexpr (rows > 1) {
+            V rest = simd::load<lanes>(below[1] + x);
+            simd::store(d[1] + x, Operation{}(seen[1], rest));
+            for (int i = 2; i < rows; ++i) {
+                rest = Operation{}(rest, simd::load<lanes>(below[i] + x));
+                simd::store(d[i] + x, Operation{}(seen[i], rest));
+            }
+        }
+    });
+}
+
+constexpr int mostRows = 8;
+
+/// The next block of output rows: 8, 4, 2 or 1.
+int64_t blockRows(int64_t windowRows, int64_t remaining)
+{
+    int64_t rows = mostRows;
+    while (rows > windowRows || rows > remaining)
+        rows /= 2;
+    return rows;
+}
+
+template <class Operation, class T>
+void joinBlock(int64_t rows, WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n, int64_t dstAhead)
+{
+    switch (rows) {
+        case 8:
+            return joinRows<8, Operation>(windows, height, dst, n, dstAhead);
+        case 4:
+            return joinRows<4, Operation>(windows, height, dst, n, dstAhead);
+        case 2:
+            return joinRows<2, Operation>(windows, height, dst, n, dstAhead);
+        default:
+            return joinRows<1, Operation>(windows, height, dst, n, dstAhead);
+    }
+}
+
+}  // namespace
+
+template <class Operation, class T>
+void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, int64_t unit, int64_t n, int64_t ahead)
+{
+    const auto join = [&]<int count>(simd::Lanes<count>, const int64_t(&distances)[4], T* result, int64_t elements) {
+        if (ahead != 0)
+            joinWindows<count, true, Operation>(from, distances, result, elements, ahead);
+        else
+            joinWindows<count, false, Operation>(from, distances, result, elements, 0);
+        ahead = 0;
+    };
+    for (; longer > 4 * length; length *= 4, from = line)
+        join(simd::Lanes<4>{}, {0, length * unit, 2 * length * unit, 3 * length * unit}, line,
+             n + (longer - 4 * length) * unit);
+    const int64_t last = (longer - length) * unit;
+    if (longer <= 2 * length)
+        join(simd::Lanes<2>{}, {0, last, 0, 0}, to, n);
+    else if (longer <= 3 * length)
+        join(simd::Lanes<3>{}, {0, length * unit, last, 0}, to, n);
+    else
+        join(simd::Lanes<4>{}, {0, length * unit, 2 * length * unit, last}, to, n);
+}
+
+template <class Operation, class T>
+void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
+{
+    if (width == 3 && height == 3 && smallSquare<3, Operation>(area, scratch))
+        return;
+    if (width == 5 && height == 5 && smallSquare<5, Operation>(area, scratch))
+        return;
+
+    const int64_t channels = area.channels;
+    const int64_t left = width / 2 * channels, top = height / 2;
+    const auto srcRow = [&](int64_t y) { return area.src.row(y - top) - left; };
+    const auto ahead = [&](int64_t y, int64_t rows) { return y + 2 * rows <= area.height ? rows * area.dst.step : 0; };
+    if (width == 1) {
+        for (int64_t y = 0; y < area.height;) {
+            const int64_t rows = blockRows(height, area.height - y);
+            joinBlock<Operation>(rows, WindowRows<T>{srcRow(y), area.src.step, INT64_MAX, 0}, height,
+                                 {area.dst.row(y), area.dst.step}, area.elements, ahead(y, rows));
+            y += rows;
+        }
+        return;
+    }
+
+    T* const line = reinterpret_cast<T*>(scratch.begin);
+    if (height == 1) {
+        for (int64_t y = 0; y < area.height; ++y)
+            growWindows<Operation>(srcRow(y), 1, line, area.dst.row(y), width, channels, area.elements,
+                                   y + 1 < area.height ? area.src.step : 0);
+        return;
+    }
+
+    // a ring for the rows that a block of output rows sees, and a line with room for shorter windows
+    constexpr int64_t elementBytes = sizeof(T);
+    const int64_t slots = height - 1 + (height < mostRows ? height : mostRows);
+    const int64_t excess = (width - 1) * channels;
+    const int64_t room = scratch.bytes / elementBytes - excess, cached = cacheBytes / elementBytes;
+    const int64_t available = (room < cached ? room : cached) / (slots + 1);
+    const int64_t least = 64 * channels;
+    const int64_t possible = room / (slots + 1);
+    const int64_t widest = available > least ? available : possible < least ? possible : least;
+    const int64_t band = bandElements(area.elements, widest);
+    T* const ring = line + band + excess;
+    for (int64_t begin = 0; begin < area.elements; begin += band) {
+        const int64_t n = begin + band < area.elements ? band : area.elements - begin;
+        int64_t filled = 0, slot = 0, firstSlot = 0;
+        for (int64_t y = 0; y < area.height;) {
+            const int64_t rows = blockRows(height, area.height - y);
+            for (; filled < y + rows + height - 1; ++filled) {
+                T* const to = ring + slot * band;
+                growWindows<Operation>(srcRow(filled) + begin, 1, line, to, width, channels, n,
+                                       filled + mostRows < area.height + height - 1 ? mostRows * area.src.step : 0);
+                slot = slot + 1 == slots ? 0 : slot + 1;
+            }
+            joinBlock<Operation>(rows, WindowRows<T>{ring, band * elementBytes, slots, firstSlot}, height,
+                                 {area.dst.row(y) + begin, area.dst.step}, n, ahead(y, rows));
+            firstSlot = (firstSlot + rows) % slots;
+            y += rows;
+        }
+    }
+}
+
+template void rectangle<Maximum>(Area<Lum8u>, int64_t, int64_t, Scratch);
+template void rectangle<Maximum>(Area<Lum16u>, int64_t, int64_t, Scratch);
+template void rectangle<Maximum>(Area<Lum16s>, int64_t, int64_t, Scratch);
+template void rectangle<Maximum>(Area<Lum32f>, int64_t, int64_t, Scratch);
+template void rectangle<Minimum>(Area<Lum8u>, int64_t, int64_t, Scratch);
+template void rectangle<Minimum>(Area<Lum16u>, int64_t, int64_t, Scratch);
+template void rectangle<Minimum>(Area<Lum16s>, int64_t, int64_t, Scratch);
+template void rectangle<Minimum>(Area<Lum32f>, int64_t, int64_t, Scratch);
+template void growWindows<Maximum>(const Lum8u*, int64_t, Lum8u*, Lum8u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Maximum>(const Lum16u*, int64_t, Lum16u*, Lum16u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Maximum>(const Lum16s*, int64_t, Lum16s*, Lum16s*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Maximum>(const Lum32f*, int64_t, Lum32f*, Lum32f*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum8u*, int64_t, Lum8u*, Lum8u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum16u*, int64_t, Lum16u*, Lum16u*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum16s*, int64_t, Lum16s*, Lum16s*, int64_t, int64_t, int64_t, int64_t);
+template void growWindows<Minimum>(const Lum32f*, int64_t, Lum32f*, Lum32f*, int64_t, int64_t, int64_t, int64_t);
+
+}  // namespace lumcv

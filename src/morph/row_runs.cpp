@@ -1,0 +1,335 @@
+// Dilation and erosion by elements that are no rectangle.
+//
+// Where each row of the element is a run, every image row is reduced once for each length that occurs, the longer
+// windows from the shorter ones, into a ring of rows; an output row then takes one window from each row under the
+// element.
+#include "morph/area.hpp"
+
+namespace lumcv {
+namespace {
+
+constexpr int mostLengths = 16;
+constexpr int mostRows = 256;
+
+/// The different lengths of an element's runs, in ascending order.
+struct RunLengths
+{
+    int64_t length[mostLengths];
+    int count = 0;
+    bool areTooMany = false;
+
+    explicit RunLengths(const Element& element)
+    {
+        for (int64_t y = 0; y < element.height; ++y)
+            if (const int64_t run = element.run(y).length)
+                insert(run);
+    }
+
+    int indexOf(int64_t run) const
+    {
+        int i = 0;
+        while (length[i] != run)
+            ++i;
+        return i;
+    }
+
+  private:
+    void insert(int64_t run)
+    {
+        int i = count;
+        while (i > 0 && length[i - 1] > run)
+            --i;
+        if (i > 0 && length[i - 1] == run)
+            return;
+        if (count == mostLengths) {
+            areTooMany = true;
+            return;
+        }
+        for (int k = count; k > i; --k)
+            length[k] = length[k - 1];
+        length[i] = run;
+        ++count;
+    }
+};
+
+/// A row of the element: which line of an image row it takes, and from where on.
+struct Run
+{
+    int64_t row, first;
+    int64_t line;  ///< negative: the image row itself
+};
+
+int64_t listRuns(const Element& element, const RunLengths& lengths, int64_t channels, Run* runs)
+{
+    const int64_t firstLine = lengths.length[0] == 1;
+    int64_t count = 0;
+    for (int64_t y = 0; y < element.height; ++y)
+        if (const auto run = element.run(y); run.length > 0)
+            runs[count++] = {y, run.first * channels, lengths.indexOf(run.length) - firstLine};
+    return count;
+}
+
+/// Where the windows of a ring lie: for each image row one line for each length above 1.
+struct RingLayout
+{
+    int64_t lines;   ///< in a slot
+    int64_t band;    ///< output elements
+    int64_t excess;  ///< elements by which a line is longer
+    int64_t slots;
+
+    int64_t pitch() const
+    {
+        return band + excess;
+    }
+};
+
+constexpr int64_t cacheBytes = 32 * 1024;
+
+template <class T>
+RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLengths& lengths, Scratch scratch)
+{
+    const int64_t lines = lengths.count - (lengths.length[0] == 1);
+    const int64_t excess = (element.width - 1) * area.channels;
+    const auto widest = [&](int64_t bytes) {
+        return lines == 0 ? bytes : bytes / static_cast<int64_t>(sizeof(T)) / (lines * element.height) - excess;
+    };
+    constexpr int64_t least = 256;
+    int64_t band = widest(cacheBytes);
+    band = band < least ? least : band;
+    band = band < area.elements ? band : area.elements;
+    const int64_t possible = widest(scratch.bytes);
+    return {lines, band < possible ? band : possible, excess, element.height};
+}
+
+/// Windows of several lengths that begin at the same pixel, each from the one before it, for x in [begin, end).
+template <class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void nestedWindows(const T* from, const int64_t* lengths, int64_t count, T* to,
+                                                   int64_t pitch, int64_t channels, int64_t begin, int64_t end,
+                                                   int64_t ahead)
+{
+    simd::eachAtLeastOnce<lanesIn<T, 4>>(begin, end, [=](int64_t x, auto lanes) {
+        if constexpr (lanes > 1)
+            simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
+        const T* next = from + x;
+        const T* const first = next;
+        auto extreme = simd::load<lanes>(next);
+        T* line = to + x;
+        for (int64_t i = 0; i < count; ++i, line += pitch) {
+            const T* const last = first + (lengths[i] - 1) * channels;
+            while (next != last) {
+                next += channels;
+                extreme = Operation{}(extreme, simd::load<lanes>(next));
+            }
+            simd::store(line, extreme);
+        }
+    });
+}
+
+/// Fills a line for each length above 1 with all its windows in so many elements.
+template <class Operation, class T>
+void fillLines(const T* from, const RunLengths& lengths, T* to, int64_t pitch, int64_t channels, int64_t elements,
+               int64_t ahead)
+{
+    // short windows are grown pixel by pixel, as long as that is less than a line for each doubling
+    constexpr int64_t longestNested = 12;
+    const int first = lengths.length[0] == 1;
+    const int64_t lines = lengths.count - first;
+    const auto windows = [&](int64_t length) { return elements - (length - 1) * channels; };
+    if (lines == 0)
+        return;
+    if (lengths.length[lengths.count - 1] <= longestNested) {
+        const int64_t* const length = lengths.length + first;
+        nestedWindows<Operation>(from, length, lines, to, pitch, channels, 0, windows(length[lines - 1]), ahead);
+        for (int64_t count = lines - 1; count > 0; --count) {
+            // the shorter windows go further; a vector that overlaps what is there costs less than a few elements
+            const int64_t end = windows(length[count - 1]), missing = end - windows(length[count]);
+            const int64_t whole = missing < lanesIn<T, 4> ? lanesIn<T, 4> : missing;
+            nestedWindows<Operation>(from, length, count, to, pitch, channels, end < whole ? 0 : end - whole, end, 0);
+        }
+        return;
+    }
+    int64_t length = 1;
+    for (int i = first; i < lengths.count; ++i, to += pitch) {
+        const int64_t longer = lengths.length[i];
+        growWindows<Operation>(from, length, to, to, longer, channels, windows(longer), length == 1 ? ahead : 0);
+        from = to;
+        length = longer;
+    }
+}
+
+/// The extreme of one line from each row.
+template <class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void joinLines(const T* const* lines, int64_t count, T* dst, int64_t n,
+                                               int64_t dstAhead)
+{
+    simd::eachAtLeastOnce<lanesIn<T, 8>>(0, n, [=](int64_t x, auto lanes) {
+        if constexpr (lanes > 1)
+            simd::prefetch<lanes>(static_cast<const T*>(rowAt(dst + x, dstAhead, 1)));
+        auto extreme = simd::load<lanes>(lines[0] + x);
+        for (int64_t i = 1; i < count; ++i)
+            extreme = Operation{}(extreme, simd::load<lanes>(lines[i] + x));
+        simd::store(dst + x, extreme);
+    });
+}
+
+/// The extreme of the listed pixels; src is the pixel under the element's first position.
+template <class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void joinListed(const Area<T>& area, const Element& element, const T* src, T* dst,
+                                                int64_t n)
+{
+    const int64_t listed = element.width + 1;
+    const int64_t step = area.src.step, channels = area.channels;
+    const int64_t height = element.height;
+    const Lum16u* const lists = element.rowLists;
+    simd::eachAtLeastOnce<lanesIn<T, 8>>(0, n, [=](int64_t x, auto lanes) {
+        simd::Vec<T, lanes> extreme{};
+        bool isFirst = true;
+        const T* row = src + x;
+        const Lum16u* list = lists;
+        for (int64_t j = 0; j < height; ++j, row = rowAt(row, step, 1), list += listed)
+            for (int64_t i = 1; i <= list[0]; ++i) {
+                const auto pixels = simd::load<lanes>(row + list[i] * channels);
+                extreme = isFirst ? pixels : Operation{}(extreme, pixels);
+                isFirst = false;
+            }
+        simd::store(dst + x, extreme);
+    });
+}
+
+/// The same for elements that are too wide for lists.
+template <class Operation, class T>
+void joinSet(const Area<T>& area, const Element& element, const T* src, T* dst, int64_t n)
+{
+    bool isFirst = true;
+    for (int64_t j = 0; j < element.height; ++j)
+        for (int64_t i = 0; i < element.width; ++i) {
+            if (!element.mask[j * element.width + i])
+                continue;
+            const T* const pixels = rowAt(src, area.src.step, j) + i * area.channels;
+            simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=](int64_t x, auto lanes) {
+                const auto loaded = simd::load<lanes>(pixels + x);
+                simd::store(dst + x, isFirst ? loaded : Operation{}(simd::load<lanes>(dst + x), loaded));
+            });
+            isFirst = false;
+        }
+}
+
+}  // namespace
+
+template <class T>
+bool fitsRowRuns(const Area<T>& area, const Element& element, Scratch scratch)
+{
+    if (element.height > mostRows)
+        return false;
+    const RunLengths lengths(element);
+    if (lengths.areTooMany)
+        return false;
+    const RingLayout layout = ringLayout(area, element, lengths, scratch);
+    constexpr int64_t worthwhile = 64;
+    return layout.band >= (area.elements < worthwhile ? area.elements : worthwhile);
+}
+
+template <class Operation, class T>
+void rowRuns(Area<T> area, const Element& element, Scratch scratch)
+{
+    const RunLengths lengths(element);
+    const RingLayout layout = ringLayout(area, element, lengths, scratch);
+    const int64_t pitch = layout.pitch(), channels = area.channels;
+    T* const ring = reinterpret_cast<T*>(scratch.begin);
+    const auto srcRow = [&](int64_t y, int64_t begin) {
+        return area.src.row(y - element.anchorY) + begin - element.anchorX * channels;
+    };
+
+    Run runs[mostRows];
+    const int64_t count = listRuns(element, lengths, channels, runs);
+
+    for (int64_t begin = 0; begin < area.elements; begin += layout.band) {
+        const int64_t n = begin + layout.band < area.elements ? layout.band : area.elements - begin;
+        const int64_t slotElements = layout.lines * pitch;
+        int64_t filled = 0, slot = 0, firstSlot = 0;
+        for (int64_t y = 0; y < area.height; ++y) {
+            for (; filled < y + element.height; ++filled) {
+                const bool isLast = filled + 1 == area.height + element.height - 1;
+                fillLines<Operation>(srcRow(filled, begin), lengths, ring + slot * slotElements, pitch, channels,
+                                     n + layout.excess, isLast ? 0 : area.src.step);
+                slot = slot + 1 == layout.slots ? 0 : slot + 1;
+            }
+            const T* lines[mostRows];
+            for (int64_t i = 0; i < count; ++i) {
+                const Run& run = runs[i];
+                int64_t at = firstSlot + run.row;
+                at = at < layout.slots ? at : at - layout.slots;
+                lines[i] = (run.line < 0 ? srcRow(y + run.row, begin) : ring + at * slotElements + run.line * pitch) +
+                           run.first;
+            }
+            joinLines<Operation>(lines, count, area.dst.row(y) + begin, n, y + 1 < area.height ? area.dst.step : 0);
+            firstSlot = firstSlot + 1 == layout.slots ? 0 : firstSlot + 1;
+        }
+    }
+}
+
+template <class Operation, class T>
+bool rowRunsAlong(Area<T> area, int64_t pitch, const Element& element, Scratch scratch)
+{
+    if (element.height > mostRows)
+        return false;
+    const RunLengths lengths(element);
+    const int64_t channels = area.channels;
+    const int64_t seen = area.elements + (element.height - 1) * pitch + (element.width - 1) * channels;
+    const int64_t lineBytes = seen * static_cast<int64_t>(sizeof(T));
+    if (lengths.areTooMany || lineBytes * lengths.count > scratch.bytes)
+        return false;
+    Run runs[mostRows];
+    const int64_t count = listRuns(element, lengths, channels, runs);
+    const T* const src = area.src.pixels - element.anchorY * pitch - element.anchorX * channels;
+    T* const windows = reinterpret_cast<T*>(scratch.begin);
+    fillLines<Operation>(src, lengths, windows, seen, channels, seen, 0);
+    const T* lines[mostRows];
+    for (int64_t i = 0; i < count; ++i)
+        lines[i] = (runs[i].line < 0 ? src : windows + runs[i].line * seen) + runs[i].row * pitch + runs[i].first;
+    joinLines<Operation>(lines, count, area.dst.pixels, area.elements, 0);
+    return true;
+}
+
+template <class Operation, class T>
+void anyShape(Area<T> area, const Element& element)
+{
+    for (int64_t y = 0; y < area.height; ++y) {
+        const T* const src = area.src.row(y - element.anchorY) - element.anchorX * area.channels;
+        if (element.hasRowLists())
+            joinListed<Operation>(area, element, src, area.dst.row(y), area.elements);
+        else
+            joinSet<Operation>(area, element, src, area.dst.row(y), area.elements);
+    }
+}
+
+template bool fitsRowRuns(const Area<Lum8u>&, const Element&, Scratch);
+template bool fitsRowRuns(const Area<Lum16u>&, const Element&, Scratch);
+template bool fitsRowRuns(const Area<Lum16s>&, const Element&, Scratch);
+template bool fitsRowRuns(const Area<Lum32f>&, const Element&, Scratch);
+template void rowRuns<Maximum>(Area<Lum8u>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum8u>, int64_t, const Element&, Scratch);
+template void rowRuns<Maximum>(Area<Lum16u>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum16u>, int64_t, const Element&, Scratch);
+template void rowRuns<Maximum>(Area<Lum16s>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum16s>, int64_t, const Element&, Scratch);
+template void rowRuns<Maximum>(Area<Lum32f>, const Element&, Scratch);
+template bool rowRunsAlong<Maximum>(Area<Lum32f>, int64_t, const Element&, Scratch);
+template void rowRuns<Minimum>(Area<Lum8u>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum8u>, int64_t, const Element&, Scratch);
+template void rowRuns<Minimum>(Area<Lum16u>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum16u>, int64_t, const Element&, Scratch);
+template void rowRuns<Minimum>(Area<Lum16s>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum16s>, int64_t, const Element&, Scratch);
+template void rowRuns<Minimum>(Area<Lum32f>, const Element&, Scratch);
+template bool rowRunsAlong<Minimum>(Area<Lum32f>, int64_t, const Element&, Scratch);
+template void anyShape<Maximum>(Area<Lum8u>, const Element&);
+template void anyShape<Maximum>(Area<Lum16u>, const Element&);
+template void anyShape<Maximum>(Area<Lum16s>, const Element&);
+template void anyShape<Maximum>(Area<Lum32f>, const Element&);
+template void anyShape<Minimum>(Area<Lum8u>, const Element&);
+template void anyShape<Minimum>(Area<Lum16u>, const Element&);
+template void anyShape<Minimum>(Area<Lum16s>, const Element&);
+template void anyShape<Minimum>(Area<Lum32f>, const Element&);
+
+}  // namespace lumcv

@@ -1,0 +1,199 @@
+// Operations in which lanes meet, and rows of bits, against plain loops.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <vector>
+
+#include "simd/simd.hpp"
+#include "support/guarded_block.hpp"
+#include "support/random.hpp"
+
+namespace lumcv::test {
+namespace {
+
+constexpr unsigned draws = 50;
+
+template <class T, int N>
+std::array<T, N> drawnLanes(unsigned seed)
+{
+    Random random(seed + 1);
+    std::array<T, N> lanes;
+    for (T& lane : lanes)
+        lane = static_cast<T>(random.between(0, 255));
+    return lanes;
+}
+
+template <class T, int N, class Expected>
+void expectEach(simd::Vec<T, N> got, Expected expected)
+{
+    std::array<T, N> lanes;
+    simd::store(lanes.data(), got);
+    for (int i = 0; i < N; ++i)
+        ASSERT_EQ(lanes[std::size_t(i)], T(expected(i))) << "lane " << i << " of " << N;
+}
+
+/// Calls check(T{}, lanes) for vectors of 16 to 64 bytes.
+template <class T, class Check>
+void forWidths(Check check)
+{
+    check(T{}, simd::Lanes<16 / sizeof(T)>{});
+    check(T{}, simd::Lanes<32 / sizeof(T)>{});
+    check(T{}, simd::Lanes<64 / sizeof(T)>{});
+    check(T{}, simd::Lanes<128 / sizeof(T)>{});
+}
+
+template <class Check>
+void forLaneTypes(Check check)
+{
+    forWidths<Lum8u>(check);
+    forWidths<Lum16u>(check);
+    forWidths<Lum32f>(check);
+    forWidths<Lum64f>(check);
+}
+
+template <int d, class T, int N>
+void expectMoves()
+{
+    constexpr int group = simd::groupLanes<T>;
+    const auto lanes = drawnLanes<T, N>(N);
+    const auto v = simd::load<N>(lanes.data());
+    const T fill = 77;
+    const auto fills = simd::broadcast<N>(fill);
+    expectEach<T, N>(simd::movedUp<d>(v, fills),
+                     [&](int i) { return i % group < d ? fill : lanes[std::size_t(i - d)]; });
+    expectEach<T, N>(simd::movedDown<d>(v, fills),
+                     [&](int i) { return i % group >= group - d ? fill : lanes[std::size_t(i + d)]; });
+}
+
+TEST(SimdLanes, MoveWithinGroupsOfSixteenBytes)
+{
+    forLaneTypes([]<class T, int N>(T, simd::Lanes<N>) {
+        expectMoves<1, T, N>();
+        if constexpr (simd::groupLanes < T >> 2)
+            expectMoves<2, T, N>();
+        if constexpr (simd::groupLanes < T >> 4)
+            expectMoves<4, T, N>();
+        if constexpr (simd::groupLanes < T >> 8)
+            expectMoves<8, T, N>();
+    });
+}
+
+template <class T>
+void expectEverywhere()
+{
+    constexpr int n = simd::groupLanes<T>;
+    const auto lanes = drawnLanes<T, n>(3);
+    const auto v = simd::load<n>(lanes.data());
+    expectEach<T, n>(simd::lastEverywhere(v), [&](int) { return lanes[n - 1]; });
+    expectEach<T, n>(simd::firstEverywhere(v), [&](int) { return lanes[0]; });
+}
+
+TEST(SimdLanes, OneLaneOfAGroupGoesEverywhere)
+{
+    expectEverywhere<Lum8u>();
+    expectEverywhere<Lum16u>();
+    expectEverywhere<Lum32f>();
+    expectEverywhere<Lum64f>();
+}
+
+TEST(SimdLanes, AnyLessSeesEachLaneAndNoEquals)
+{
+    forLaneTypes([]<class T, int N>(T, simd::Lanes<N>) {
+        const auto lanes = drawnLanes<T, N>(N + 1);
+        const auto v = simd::load<N>(lanes.data());
+        EXPECT_FALSE(simd::anyLess(v, v));
+        for (std::size_t i = 0; i < N; ++i) {
+            auto other = lanes;
+            other[i] = static_cast<T>(other[i] == 0 ? 1 : other[i] - 1);
+            const bool above = other[i] > lanes[i];
+            EXPECT_EQ(simd::anyLess(v, simd::load<N>(other.data())), above) << "lane " << i << " of " << N;
+            EXPECT_EQ(simd::anyLess(simd::load<N>(other.data()), v), !above) << "lane " << i << " of " << N;
+        }
+        if constexpr (std::is_floating_point_v<T>) {
+            const auto nan = simd::broadcast<N>(std::numeric_limits<T>::quiet_NaN());
+            EXPECT_FALSE(simd::anyLess(v, nan));
+            EXPECT_FALSE(simd::anyLess(nan, v));
+            EXPECT_FALSE(simd::anyLess(simd::broadcast<N>(T(-0.0)), simd::broadcast<N>(T(0.0))));
+        } else
+            EXPECT_TRUE(simd::anyLess(v, simd::broadcast<N>(static_cast<T>(-1))));
+    });
+}
+
+TEST(SimdLanes, ExtremesOfDoublesKeepTheSecondOfEquals)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const auto check = [=]<int N>(simd::Lanes<N>) {
+        const auto a = drawnLanes<Lum64f, N>(1), b = drawnLanes<Lum64f, N>(2);
+        const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data());
+        expectEach<Lum64f, N>(simd::min(va, vb), [&](int i) { return std::min(a[std::size_t(i)], b[std::size_t(i)]); });
+        expectEach<Lum64f, N>(simd::max(va, vb), [&](int i) { return std::max(a[std::size_t(i)], b[std::size_t(i)]); });
+        const auto none = simd::broadcast<N>(nan);
+        expectEach<Lum64f, N>(simd::max(none, vb), [&](int i) { return b[std::size_t(i)]; });
+        expectEach<Lum64f, N>(simd::min(none, vb), [&](int i) { return b[std::size_t(i)]; });
+    };
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<2>{});
+    check(simd::Lanes<4>{});
+    check(simd::Lanes<8>{});
+    check(simd::Lanes<16>{});
+}
+
+TEST(SimdLanes, UnsignedSumsSaturate)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const T scale = sizeof(T) == 1 ? 1 : 257;
+            auto a = drawnLanes<T, N>(seed), b = drawnLanes<T, N>(seed + 1000);
+            for (std::size_t i = 0; i < N; ++i) {
+                a[i] = static_cast<T>(a[i] * scale);
+                b[i] = static_cast<T>(b[i] * scale);
+            }
+            const int greatest = std::numeric_limits<T>::max();
+            expectEach<T, N>(simd::addSaturated(simd::load<N>(a.data()), simd::load<N>(b.data())), [&](int i) {
+                const int sum = a[std::size_t(i)] + b[std::size_t(i)];
+                return sum > greatest ? greatest : sum;
+            });
+        }
+    };
+    forWidths<Lum8u>(check);
+    forWidths<Lum16u>(check);
+    check(Lum8u{}, simd::Lanes<1>{});
+    check(Lum16u{}, simd::Lanes<1>{});
+}
+
+TEST(SimdBitRow, OperationsOfBits)
+{
+    forWidths<Lum8u>([]<class T, int N>(T, simd::Lanes<N>) {
+        const auto a = drawnLanes<T, N>(5), b = drawnLanes<T, N>(6);
+        const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data());
+        expectEach<T, N>(va & vb, [&](int i) { return a[std::size_t(i)] & b[std::size_t(i)]; });
+        expectEach<T, N>(~va, [&](int i) { return ~a[std::size_t(i)]; });
+        expectEach<Lum8u, N>(simd::reinterpreted<Lum8u>(simd::reinterpreted<uint64_t>(va)),
+                             [&](int i) { return a[std::size_t(i)]; });
+    });
+}
+
+TEST(SimdBitRow, LoadsFromBetweenTwoBytes)
+{
+    const auto check = []<int N>(simd::Lanes<N>) {
+        // one byte more than the vector, right before a page that cannot be read
+        const GuardedBlock block(N + 1, Guard::After);
+        Lum8u* const bytes = block.as<Lum8u>();
+        Random random(N);
+        for (int i = 0; i <= N; ++i)
+            bytes[i] = static_cast<Lum8u>(random.between(0, 255));
+        for (int shift = 0; shift < 8; ++shift)
+            expectEach<Lum8u, N>(simd::loadBits<N>(bytes, shift),
+                                 [&](int i) { return (bytes[i] | bytes[i + 1] << 8) >> shift; });
+    };
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<16>{});
+    check(simd::Lanes<32>{});
+    check(simd::Lanes<64>{});
+    check(simd::Lanes<128>{});
+}
+
+}  // namespace
+}  // namespace lumcv::test
