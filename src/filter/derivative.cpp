@@ -2,6 +2,7 @@
 #include "filter/derivative.hpp"
 
 #include "filter/mask_bands.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/rounding.hpp"
 
@@ -178,11 +179,7 @@ LumStatus lumDerivGetBufferSize(LumiSize roiSize, LumiMaskSize mask, LumDataType
                       .require(numChannels == 1, lumErrChannels);
     if (checks.failed())
         return checks.status();
-    const int64_t bytes = derivativeScratch(roiSize, mask, srcType);
-    if (bytes > INT_MAX)
-        return lumErrSizeTooLarge;
-    *pBufferSize = static_cast<Lum32s>(bytes);
-    return lumOk;
+    return storeSize(derivativeScratch(roiSize, mask, srcType), pBufferSize);
 }
 
 LumStatus lumDerivSobelXGetBufferSize(LumiSize roiSize, LumiMaskSize mask, LumDataType srcType, LumDataType dstType,

@@ -1,6 +1,7 @@
 // Laplacian, lowpass and Sobel cross: fixed masks of 3x3 and 5x5 pixels.
 #include "filter/mask_bands.hpp"
 #include "filter/pipeline_sizes.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/large_image.hpp"
 #include "lumcv/filter.h"
@@ -159,11 +160,7 @@ LumStatus maskSize(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize, Scr
     auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(isMask(mask), lumErrMaskSize);
     if (checks.failed())
         return checks.status();
-    const int64_t bytes = scratch(roiSize.width, mask % 10);
-    if (bytes > INT_MAX)
-        return lumErrSizeTooLarge;
-    *pBufferSize = static_cast<Lum32s>(bytes);
-    return lumOk;
+    return storeSize(scratch(roiSize.width, mask % 10), pBufferSize);
 }
 
 /// What the exports hand on.

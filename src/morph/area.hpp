@@ -85,16 +85,12 @@ void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, 
 template <class Operation, class T>
 void smallCross(Area<T> area);
 
-/// Whether there is room for rowRuns().
-template <class T>
-bool fitsRowRuns(const Area<T>& area, const Element& element, Scratch scratch);
-
-/// An element whose rows are a run each.
+/// An element whose rows are a run each. False, and nothing done, if the scratch has no room for their windows.
 template <class Operation, class T>
-void rowRuns(Area<T> area, const Element& element, Scratch scratch);
+bool rowRuns(Area<T> area, const Element& element, Scratch scratch);
 
 /// The same for an area of one row, in a block whose rows are `pitch` elements long and lie behind one another: windows
-/// along all of it serve every row of the element. False, and nothing done, if the scratch has no room for them.
+/// along all of it serve every row of the element.
 template <class Operation, class T>
 bool rowRunsAlong(Area<T> area, int64_t pitch, const Element& element, Scratch scratch);
 

@@ -92,7 +92,7 @@ struct Intermediate
 
     Intermediate(Lum8u* block, int64_t width, int64_t height, int channels)
     {
-        Lum8u* const aligned = block + (-reinterpret_cast<uintptr_t>(block) & 31);
+        Lum8u* const aligned = alignedUp(block, 32);
         const int64_t step = intermediateStep<T>(width, channels);
         image = {reinterpret_cast<T*>(aligned), step};
         scratch = aligned + step * height;
@@ -105,7 +105,7 @@ template <class Operation, class T>
 void compound(const Stage& first, const Stage& second, int channels, Plane<const T> src, Plane<T> dst, LumiSizeL roi,
               const Growth& growth, const T* borderValue, Finish finish, Negative negative, Lum8u* scratch)
 {
-    const LumiSizeL grown{roi.width + growth.left + growth.right, roi.height + growth.top + growth.bottom};
+    const LumiSizeL grown = growth.grown(roi);
     const Plane<const T> grownSrc = from(src, -growth.left * channels, -growth.top);
     const Intermediate<T> between(scratch, grown.width, grown.height, channels);
     const Plane<const T> secondSrc = constant(from(between.image, growth.left * channels, growth.top));

@@ -42,9 +42,8 @@ class Pass
         border_.top = border.top || top_ == 0;
         border_.bottom = border.bottom || bottom_ == 0;
 
-        const auto address = reinterpret_cast<uintptr_t>(scratch);
         const PixelType pixel{sizeof(T), channels};
-        ring_.begin = scratch + (-address & 31);
+        ring_.begin = alignedUp(scratch, 32);
         ring_.bytes = static_cast<int64_t>(ringBytes(roi.width, {element.width, element.height}, pixel));
         extended_ = reinterpret_cast<T*>(ring_.begin + ring_.bytes);
     }
@@ -261,13 +260,13 @@ class Pass
         T* to = extended_;
         for (int64_t i = 0; i < part.height; ++i, to += part.width * channels) {
             const int64_t y = part.y + i;
-            const bool isInMemory = y < 0 ? border.top : y < roi_.height || border.bottom;
-            if (!isInMemory && border.mode == lumBorderConstant) {
+            const SourceRow source = sourceRow(y, roi_.height, border);
+            if (source.isConstant) {
                 for (int64_t x = 0; x < part.width * channels; x += channels)
                     copyPixel<channels>(outside, to + x);
                 continue;
             }
-            row.row = src_.row(isInMemory ? y : borderIndex(y, roi_.height, border.mode));
+            row.row = src_.row(source.index);
             if (!isFew) {
                 row.read(part.x, partEnd, to);
                 continue;
@@ -298,9 +297,7 @@ class Pass
             rectangle<Operation>(area, element_.width, element_.height, ring_);
         else if ((element_.flags & (shapeDisc | shapeDisc5x5 | shapeDisc7x7)) == shapeDisc)
             smallCross<Operation>(area);
-        else if (element_.is(shapeRowRuns) && fitsRowRuns(area, element_, ring_))
-            rowRuns<Operation>(area, element_, ring_);
-        else
+        else if (!element_.is(shapeRowRuns) || !rowRuns<Operation>(area, element_, ring_))
             anyShape<Operation>(area, element_);
     }
 

@@ -3,6 +3,7 @@
 // Rectangles of 3x3 and 5x5 advance by as many rows as two windows share; what those rows have in common is carried
 // from step to step. For others a ring holds rows of windows, from which a block of output rows is combined: the rows
 // that all of them see are taken together once, and what each sees above and below is added step by step.
+#include "filter/bands.hpp"
 #include "morph/area.hpp"
 #include "morph/morph_sizes.hpp"
 
@@ -17,10 +18,8 @@ int64_t bandElements(int64_t elements, int64_t widest)
 {
     if (elements <= widest)
         return elements;
-    const int64_t bands = (elements + widest - 1) / widest;
-    const int64_t even = (elements + bands - 1) / bands;
-    constexpr int64_t line = 64;
-    const int64_t whole = (even + line - 1) / line * line;
+    const int64_t even = evenBands(elements, widest);
+    const int64_t whole = roundedUp(even, 64);
     return whole < widest ? whole : even;
 }
 
