@@ -1,14 +1,13 @@
 // Fuzzes the fixed masks (Laplacian, lowpass, Sobel cross), their size queries, and the Sobel kernels.
 #include <cstring>
 
-#include "fuzz/support/call.hpp"
+#include "fuzz/filter/size_query.hpp"
 
 namespace {
 
 using namespace lumcv::fuzz;
 
 using Run = std::function<void(Choices&, const std::string&)>;
-using Query = LumStatus (*)(LumiSize, LumiMaskSize, Lum32s*);
 
 template <typename S, typename D>
 using Filter = LumStatus (*)(const S*, Lum32s, D*, Lum32s, LumiSize, LumiMaskSize, LumiBorderType, S, Lum8u*);
@@ -63,21 +62,7 @@ Run fixedMask(Filter<S, D> filter, Query query)
 
 Run sizeQuery(Query query)
 {
-    return [=](Choices& choices, const std::string& name) {
-        Call call = begin(choices, name);
-        call.blocks = {{Role::Written, sizeof(Lum32s)}};
-        call.call = [=](const Arguments& a) {
-            // the result stands at any address; a query of this type is entitled to an aligned one
-            if (!a.blocks[0])
-                return query(a.size(), a.kernelSize, nullptr);
-            Lum32s bytes = 0;
-            std::memcpy(&bytes, a.blocks[0], sizeof bytes);
-            const LumStatus status = query(a.size(), a.kernelSize, &bytes);
-            std::memcpy(a.blocks[0], &bytes, sizeof bytes);
-            return status;
-        };
-        tryCall(choices, std::move(call));
-    };
+    return [=](Choices& choices, const std::string& name) { tryQuery(choices, begin(choices, name), query); };
 }
 
 // The order of the derivative stands in anchor, the sign in divisor.
