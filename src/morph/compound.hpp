@@ -38,13 +38,6 @@ enum class Finish
     minusSource,  ///< the result minus the source
 };
 
-/// How differences of signed and float images come out where they are negative.
-enum class Negative
-{
-    kept,
-    zero
-};
-
 // The operations that the functions are named for.
 
 struct Open
