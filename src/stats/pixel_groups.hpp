@@ -25,7 +25,7 @@ class LastGroup
   public:
     [[gnu::always_inline]] LastGroup(PixelRow<T, channels> row, int64_t x, int64_t width)
     {
-        constexpr int lanes = simd::registerLanes<T>;
+        constexpr int lanes = N < simd::registerLanes<T> ? N : simd::registerLanes<T>;
         static_assert(N * channels % lanes == 0);
         for (int i = 0; i < N * channels; i += lanes)
             simd::store(elements_ + i, simd::broadcast<lanes>(row.fill));
