@@ -9,5 +9,6 @@
 #include "simd/lanes.hpp"
 #include "simd/pixels.hpp"
 #include "simd/row.hpp"
+#include "simd/sums.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"

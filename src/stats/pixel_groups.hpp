@@ -25,7 +25,7 @@ class LastGroup
   public:
     [[gnu::always_inline]] LastGroup(PixelRow<T, channels> row, int64_t x, int64_t width)
     {
-        constexpr int lanes = simd::registerLanes<T>;
+        constexpr int lanes = simd::groupLanes<T>;
         static_assert(N * channels % lanes == 0);
         for (int i = 0; i < N * channels; i += lanes)
             simd::store(elements_ + i, simd::broadcast<lanes>(row.fill));
@@ -39,7 +39,7 @@ class LastGroup
     }
 
   private:
-    alignas(64) T elements_[N * channels];
+    alignas(64) T elements_[static_cast<size_t>(N * channels)];
 };
 
 /// Folds the pixels x of [begin, width) into an accumulator: sum = body(sum, const T* of each row) for each group of N,
