@@ -1,132 +1,161 @@
-// Sums of integer lanes without loss: a vector of any width becomes one register of wider sums, whose lanes stand for
-// no particular pixels, and at last a number.
+// Sums over lanes: exact ones of integers and of their squares in wider lanes, and pixels as doubles.
+// The order of integer lanes does not matter, so the sums stand in whatever lanes come cheapest.
 #pragma once
 
 #include "simd/bit_row.hpp"
-#include "simd/byte_taps.hpp"
+#include "simd/convert.hpp"
+#include "simd/pixels.hpp"
 
 namespace lumcv::simd {
 
-/// One register of T.
-template <class T>
-using Register = Vec<T, registerLanes<T>>;
+/// The lanes of T that hold sums over N elements of elementBytes: those of a register, or of N elements if that is
+/// less.
+template <class T, int N, int elementBytes>
+using Sums = Vec<T, (N * elementBytes < integerRegisterBytes ? N * elementBytes : integerRegisterBytes) /
+                        static_cast<int>(sizeof(T))>;
 
-/// The sum of |a - b| over all bytes; each lane grows by at most 8 * 255 for each register of a.
+/// Sums of |a - b| of bytes: up to 8 of each register in a lane.
 template <int N>
-[[gnu::always_inline]] inline Register<uint64_t> differenceSums(Vec<Lum8u, N> a, Vec<Lum8u, N> b)
+[[gnu::always_inline]] inline Sums<uint64_t, N, 1> sumsOfDifferences(Vec<Lum8u, N> a, Vec<Lum8u, N> b)
 {
-    using Sums = Register<uint64_t>;
+    using V = Sums<uint64_t, N, 1>;
     if constexpr (kindOf<Lum8u, N> == Kind::pair)
-        return differenceSums(a.lo, b.lo) + differenceSums(a.hi, b.hi);
-    else {
-        static_assert(N == registerLanes<Lum8u>);
-#if defined(__AVX512BW__)
-        return {(typename Sums::Raw)_mm512_sad_epu8(bits(a.raw), bits(b.raw))};
-#elif defined(__AVX2__)
-        return {(typename Sums::Raw)_mm256_sad_epu8(bits(a.raw), bits(b.raw))};
-#else
-        return {(typename Sums::Raw)_mm_sad_epu8(bits(a.raw), bits(b.raw))};
+        return sumsOfDifferences(a.lo, b.lo) + sumsOfDifferences(a.hi, b.hi);
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_sad_epu8(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_sad_epu8(bits(a.raw), bits(b.raw))};
 #endif
-    }
-}
-
-/// The sum of all bytes; each lane grows by at most 8 * 255 for each register.
-template <int N>
-[[gnu::always_inline]] inline Register<uint64_t> byteSums(Vec<Lum8u, N> v)
-{
-    return differenceSums(v, broadcast<N>(Lum8u{0}));
-}
-
-/// a[2 i] * b[2 i] + a[2 i + 1] * b[2 i + 1] for each pair of words, all of them within 0..255.
-template <int N>
-[[gnu::always_inline]] inline Register<Lum32u> pairProducts(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
-{
-    static_assert(N == registerLanes<Lum16s>);
-    using Sums = Register<Lum32u>;
 #if defined(__AVX512BW__)
-    return {(typename Sums::Raw)_mm512_madd_epi16(bits(a.raw), bits(b.raw))};
-#elif defined(__AVX2__)
-    return {(typename Sums::Raw)_mm256_madd_epi16(bits(a.raw), bits(b.raw))};
-#else
-    return {(typename Sums::Raw)_mm_madd_epi16(bits(a.raw), bits(b.raw))};
+    else
+        return {(typename V::Raw)_mm512_sad_epu8(bits(a.raw), bits(b.raw))};
 #endif
 }
 
-/// The sum of the squares of all bytes; each lane grows by at most 4 * 255 * 255 for each register.
+/// Sums of bytes: up to 8 of each register in a lane.
 template <int N>
-[[gnu::always_inline]] inline Register<Lum32u> byteSquares(Vec<Lum8u, N> v)
+[[gnu::always_inline]] inline Sums<uint64_t, N, 1> sumsOf(Vec<Lum8u, N> v)
+{
+    return sumsOfDifferences(v, broadcast<N>(Lum8u{0}));
+}
+
+/// a[0] * b[0] + a[1] * b[1] and so on: the products of two neighbours, added in 32 bits.
+template <int N>
+[[gnu::always_inline]] inline Sums<Lum32s, N, 2> neighbourProducts(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
+{
+    using V = Sums<Lum32s, N, 2>;
+    static_assert(kindOf<Lum16s, N> == Kind::native);
+    if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_madd_epi16(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_madd_epi16(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_madd_epi16(bits(a.raw), bits(b.raw))};
+#endif
+}
+
+/// Sums of the squares of bytes: 4 of each register in a lane, at most 4 * 65025 for each register of v.
+template <int N>
+[[gnu::always_inline]] inline Sums<Lum32s, N, 1> squareSumsOf(Vec<Lum8u, N> v)
 {
     if constexpr (kindOf<Lum8u, N> == Kind::pair)
-        return byteSquares(v.lo) + byteSquares(v.hi);
+        return squareSumsOf(v.lo) + squareSumsOf(v.hi);
     else {
-        const auto even = pairSums<1, 0>(v);
-        const auto odd = pairSums<0, 1>(v);
-        return pairProducts(even, even) + pairProducts(odd, odd);
+        const auto words = reinterpreted<Lum16u>(v);
+        const Vec<Lum16u, N / 2> odd{words.raw >> 8};
+        const auto even = reinterpreted<Lum16s>(words & broadcast<N / 2>(Lum16u{255}));
+        return neighbourProducts(even, even) +
+               neighbourProducts(reinterpreted<Lum16s>(odd), reinterpreted<Lum16s>(odd));
     }
 }
 
-/// The sum of all words; each lane grows by at most 2 * 65535 for each register.
+/// Sums of words: 2 of each register in a lane.
 template <int N>
-[[gnu::always_inline]] inline Register<Lum32u> wordSums(Vec<Lum16u, N> v)
+[[gnu::always_inline]] inline Sums<Lum32s, N, 2> sumsOf(Vec<Lum16s, N> v)
 {
-    if constexpr (kindOf<Lum16u, N> == Kind::pair)
-        return wordSums(v.lo) + wordSums(v.hi);
-    else {
-        const auto pairs = reinterpreted<Lum32u>(v);
-        return {(pairs.raw & 0xffff) + (pairs.raw >> 16)};
-    }
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return sumsOf(v.lo) + sumsOf(v.hi);
+    else
+        return neighbourProducts(v, broadcast<N>(Lum16s{1}));
 }
 
-/// The squares of words as sums of products of their bytes: 65536 * high + 512 * mixed + low.
-struct WordSquares
-{
-    Register<Lum32u> high, mixed, low;
-};
-
-[[gnu::always_inline]] inline WordSquares operator+(WordSquares a, WordSquares b)
-{
-    return {a.high + b.high, a.mixed + b.mixed, a.low + b.low};
-}
-
-/// The sum of the squares of all words; each lane of each sum grows by at most 2 * 255 * 255 for each register.
+/// Two neighbours, taken as unsigned, added in 64 bits.
 template <int N>
-[[gnu::always_inline]] inline WordSquares wordSquares(Vec<Lum16u, N> v)
+[[gnu::always_inline]] inline Vec<uint64_t, N / 2> widenedUnsigned(Vec<Lum32s, N> v)
 {
-    if constexpr (kindOf<Lum16u, N> == Kind::pair)
-        return wordSquares(v.lo) + wordSquares(v.hi);
-    else {
-        const auto bytes = reinterpreted<Lum8u>(v);
-        const auto low = pairSums<1, 0>(bytes);
-        const auto high = pairSums<0, 1>(bytes);
-        return {pairProducts(high, high), pairProducts(high, low), pairProducts(low, low)};
-    }
+    const auto pairs = reinterpreted<uint64_t>(v);
+    return Vec<uint64_t, N / 2>{pairs.raw & 0xFFFFFFFFu} + Vec<uint64_t, N / 2>{pairs.raw >> 32};
 }
 
-// The same sums in 64-bit lanes, which are added into without end.
-
-[[gnu::always_inline]] inline Register<uint64_t> widened(Register<uint64_t> sums)
+/// Two neighbours, with their signs, added in 64 bits.
+template <int N>
+[[gnu::always_inline]] inline Vec<uint64_t, N / 2> widenedSigned(Vec<Lum32s, N> v)
 {
-    return sums;
+    // 2^31 more makes them unsigned
+    return widenedUnsigned(v + broadcast<N>(INT32_MIN)) - broadcast<N / 2>(uint64_t{1} << 32);
 }
 
-[[gnu::always_inline]] inline Register<uint64_t> widened(Register<Lum32u> sums)
+/// Sums of the squares of words: 4 of each register in a lane. Two squares of -32768 make 2^31, which is why the
+/// products are unsigned.
+template <int N>
+[[gnu::always_inline]] inline Sums<uint64_t, N, 2> squareSumsOf(Vec<Lum16s, N> v)
 {
-    const auto pairs = reinterpreted<uint64_t>(sums);
-    return {(pairs.raw & 0xffffffff) + (pairs.raw >> 32)};
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return squareSumsOf(v.lo) + squareSumsOf(v.hi);
+    else
+        return widenedUnsigned(neighbourProducts(v, v));
 }
 
-[[gnu::always_inline]] inline Register<uint64_t> widened(WordSquares sums)
+/// How many of N mask bytes are not zero.
+template <int N>
+[[gnu::always_inline]] inline Sums<uint64_t, N, 1> countsOf(const Lum8u* mask)
 {
-    return {(widened(sums.high).raw << 16) + (widened(sums.mixed).raw << 9) + widened(sums.low).raw};
+    return sumsOf(min(load<N>(mask), broadcast<N>(Lum8u{1})));
 }
 
-/// The sum of all lanes.
-[[gnu::always_inline]] inline uint64_t total(Register<uint64_t> sums)
+/// The sum of all lanes: the upper half is added to the lower one until a single lane is left.
+template <class T, int N>
+[[gnu::always_inline]] inline T total(Vec<T, N> v)
 {
-    uint64_t sum = 0;
-    for (int i = 0; i < registerLanes<uint64_t>; ++i)
-        sum += sums.raw[i];
-    return sum;
+    std::array<T, N> lanes;
+    store(lanes.data(), v);
+    for (int half = N / 2; half > 0; half /= 2)
+        for (int i = 0; i < half; ++i)
+            lanes[i] = lanes[i] + lanes[i + half];
+    return lanes[0];
+}
+
+/// One channel of N pixels in double precision; the conversions read memory.
+template <int N, int channels>
+[[gnu::always_inline]] inline Vec<Lum64f, N> loadDoubles(const Lum32f* p)
+{
+    if constexpr (kindOf<Lum64f, N> == Kind::pair)
+        return {loadDoubles<N / 2, channels>(p), loadDoubles<N / 2, channels>(p + N / 2 * channels)};
+    else
+        return toDouble(loadPixels<N, channels>(p));
+}
+
+/// sum + v * v for lanes that have been single precision: their squares are exact in double precision, so that it makes
+/// no difference whether the product is rounded before it is added.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum64f, N> addExactSquare(Vec<Lum64f, N> sum, Vec<Lum64f, N> v)
+{
+    if constexpr (kindOf<Lum64f, N> == Kind::pair)
+        return {addExactSquare(sum.lo, v.lo), addExactSquare(sum.hi, v.hi)};
+#if defined(__FMA__)
+    else if constexpr (N == 4)
+        return {_mm256_fmadd_pd(v.raw, v.raw, sum.raw)};
+#endif
+#if defined(__AVX512BW__)
+    else if constexpr (N == 8)
+        return {_mm512_fmadd_pd(v.raw, v.raw, sum.raw)};
+#endif
+    else
+        return sum + v * v;
 }
 
 }  // namespace lumcv::simd

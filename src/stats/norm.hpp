@@ -5,9 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include "frame/checks.hpp"
+#include "stats/channel.hpp"
 #include "stats/norm_sums.hpp"
-#include "stats/pixel_groups.hpp"
 
 namespace lumcv {
 
@@ -18,83 +17,42 @@ enum class Sense
     l2
 };
 
-/// What the norm of a sense gathers from pixels of type T.
 template <Sense sense, class T>
-struct GathererOf
+struct GathererChoice
 {
     using Type = Greatest<T>;
 };
 template <>
-struct GathererOf<Sense::l1, Lum8u>
+struct GathererChoice<Sense::l1, Lum8u>
 {
-    using Type = IntegerSum<ByteMagnitudes>;
+    using Type = ByteSum;
 };
 template <>
-struct GathererOf<Sense::l2, Lum8u>
+struct GathererChoice<Sense::l2, Lum8u>
 {
-    using Type = IntegerSum<ByteSquares>;
+    using Type = ByteSquareSum;
 };
-template <>
-struct GathererOf<Sense::l1, Lum16u>
+template <Sense sense>
+requires(sense != Sense::inf) struct GathererChoice<sense, Lum16u>
 {
-    using Type = IntegerSum<WordMagnitudes>;
+    using Type = WordSum<sense == Sense::l2>;
 };
-template <>
-struct GathererOf<Sense::l2, Lum16u>
+template <Sense sense>
+requires(sense != Sense::inf) struct GathererChoice<sense, Lum32f>
 {
-    using Type = IntegerSum<WordSquares>;
-};
-template <>
-struct GathererOf<Sense::l1, Lum32f>
-{
-    using Type = FloatSum<Power::magnitude, Lum64f>;
-};
-template <>
-struct GathererOf<Sense::l2, Lum32f>
-{
-    using Type = FloatSum<Power::square, Lum64f>;
+    using Type = FloatSum<sense == Sense::l2, Lum64f>;
 };
 
-/// One channel of an image: of several, those before the channel of interest are skipped.
-template <class T, int channels_>
-struct Channel
-{
-    static constexpr int channels = channels_;
-
-    Plane<const T> image;
-    Lum32s number;  ///< 1 for the first
-
-    PixelRow<T, channels> row(int64_t y) const
-    {
-        return {image.row(y) + (number - 1), T{0}};
-    }
-};
-
-/// The norm of an image, or of the difference of two.
-template <class Gatherer>
-struct Single
-{
-    Gatherer values;
-
-    template <class... Steps>
-    void add(const Lum8u* mask, Steps... steps)
-    {
-        values.add(mask, steps...);
-    }
-    void spill()
-    {
-        values.spill();
-    }
-    void endRow()
-    {
-        values.endRow();
-    }
-};
+/// What a norm gathers from pixels of type T.
+template <Sense sense, class T>
+using GathererOf = typename GathererChoice<sense, T>::Type;
 
 /// The norm of the difference of two images, and that of the second.
 template <class Gatherer>
 struct Relative
 {
+    static constexpr int lanes = Gatherer::lanes;
+
     Gatherer difference, reference;
 
     template <class V>
@@ -103,10 +61,10 @@ struct Relative
         difference.add(mask, a, b);
         reference.add(mask, b);
     }
-    void spill()
+    void settle()
     {
-        difference.spill();
-        reference.spill();
+        difference.settle();
+        reference.settle();
     }
     void endRow()
     {
@@ -115,40 +73,22 @@ struct Relative
     }
 };
 
-/// Shows each step of pixels of the images to a gatherer, row after row.
-template <class Gatherer, class T, int channels, class... Images>
-[[gnu::flatten]] Gatherer gathered(LumiSize size, Plane<const Lum8u> mask, Channel<T, channels> first, Images... others)
+/// Shows each step of pixels of one channel of the images to a gatherer, row after row.
+template <class Gatherer, int channels, class... T>
+[[gnu::flatten]] Gatherer gathered(LumiSize size, Plane<const Lum8u> mask, Plane<const T>... images)
 {
-    constexpr int lanes = stepLanes<T>;
-    constexpr int64_t spilled = int64_t{stepsBetweenSpills} * lanes;
-    const auto step = [](Gatherer sums, const Lum8u* m, auto*... p) {
+    constexpr int lanes = Gatherer::lanes;
+    const auto step = [](Gatherer sums, const Lum8u* m, const T*... p) {
         sums.add(m, simd::loadPixels<lanes, channels>(p)...);
         return sums;
     };
     Gatherer sums{};
     for (int64_t y = 0; y < size.height; ++y) {
-        for (int64_t x = 0; x < size.width; x += spilled) {
-            const int64_t end = size.width - x < spilled ? size.width : x + spilled;
-            const PixelRow<Lum8u, 1> maskRow{mask.row(y), 0};
-            sums = foldGroups<lanes>(x, end, sums, step, maskRow, first.row(y), others.row(y)...);
-            sums.spill();
-        }
+        sums = foldSettled<lanes>(size.width, sums, step, PixelRow<Lum8u, 1>{mask.row(y), 0},
+                                  PixelRow<T, channels>{images.row(y), T{0}}...);
         sums.endRow();
     }
     return sums;
-}
-
-/// The documented order of checks: all strides, the mask's among them, before all alignments.
-template <class... Images>
-LumStatus normStatus(LumiSize size, const Lum64f* value, Plane<const Lum8u> mask, Images... images)
-{
-    Checks checks;
-    checks.notNull(images.image.pixels..., mask.pixels, value).size(size);
-    (checks.step(images.image, rowElements(size.width, Images::channels)), ...);
-    checks.step(mask, size.width);
-    (checks.alignment(images.image), ...);
-    return checks.require(((1 <= images.number && images.number <= Images::channels) && ...), lumErrChannelOfInterest)
-        .status();
 }
 
 /// A not-a-number has the same bits wherever it comes from.
@@ -164,26 +104,28 @@ Lum64f rooted(Lum64f sum)
 }
 
 /// The norm of an image, or of the difference of two, made of what the gatherer gathers.
-template <Sense sense, class Gatherer, class... Images>
-LumStatus normBy(LumiSize size, Lum64f* value, Plane<const Lum8u> mask, Images... images)
+template <Sense sense, class Gatherer, int channels, class... T>
+LumStatus normBy(LumiSize roiSize, Lum64f* pValue, Channel<Lum8u, 1> mask, Channel<T, channels>... images)
 {
-    const LumStatus status = normStatus(size, value, mask, images...);
-    if (status == lumOk)
-        *value = canonical(rooted<sense>(gathered<Single<Gatherer>>(size, mask, images...).values.value()));
-    return status;
+    const auto checks = Checks{}.notNull(pValue).then(channelChecks(roiSize, images..., mask).status());
+    if (checks.failed())
+        return checks.status();
+    const auto sum = gathered<Gatherer, channels>(roiSize, mask.plane(), images.plane()...);
+    *pValue = canonical(rooted<sense>(sum.value()));
+    return lumOk;
 }
 
 template <Sense sense, class T, int channels>
-LumStatus norm(Channel<T, channels> image, Plane<const Lum8u> mask, LumiSize size, Lum64f* value)
+LumStatus norm(Channel<T, channels> image, Channel<Lum8u, 1> mask, LumiSize roiSize, Lum64f* pValue)
 {
-    return normBy<sense, typename GathererOf<sense, T>::Type>(size, value, mask, image);
+    return normBy<sense, GathererOf<sense, T>>(roiSize, pValue, mask, image);
 }
 
 template <Sense sense, class T, int channels>
-LumStatus normOfDifference(Channel<T, channels> image1, Channel<T, channels> image2, Plane<const Lum8u> mask,
-                           LumiSize size, Lum64f* value)
+LumStatus normOfDifference(Channel<T, channels> image1, Channel<T, channels> image2, Channel<Lum8u, 1> mask,
+                           LumiSize roiSize, Lum64f* pValue)
 {
-    return normBy<sense, typename GathererOf<sense, T>::Type>(size, value, mask, image1, image2);
+    return normBy<sense, GathererOf<sense, T>>(roiSize, pValue, mask, image1, image2);
 }
 
 /// N / D where D is zero.
@@ -194,35 +136,19 @@ inline Lum64f zeroQuotient(Lum64f n)
 }
 
 template <Sense sense, class T, int channels>
-LumStatus relativeNorm(Channel<T, channels> image1, Channel<T, channels> image2, Plane<const Lum8u> mask, LumiSize size,
-                       Lum64f* value)
+LumStatus relativeNorm(Channel<T, channels> image1, Channel<T, channels> image2, Channel<Lum8u, 1> mask,
+                       LumiSize roiSize, Lum64f* pValue)
 {
-    const LumStatus status = normStatus(size, value, mask, image1, image2);
-    if (status != lumOk)
-        return status;
-    const auto sums = gathered<Relative<typename GathererOf<sense, T>::Type>>(size, mask, image1, image2);
+    const auto checks = Checks{}.notNull(pValue).then(channelChecks(roiSize, image1, image2, mask).status());
+    if (checks.failed())
+        return checks.status();
+    const auto sums =
+        gathered<Relative<GathererOf<sense, T>>, channels>(roiSize, mask.plane(), image1.plane(), image2.plane());
     const Lum64f difference = sums.difference.value();
     const Lum64f reference = sums.reference.value();
-    if (reference == 0.0) {
-        *value = canonical(zeroQuotient(difference));
-        return lumWrnZeroDivisor;
-    }
-    *value = canonical(rooted<sense>(difference / reference));
-    return lumOk;
-}
-
-// The operands of the exports.
-
-template <class T>
-Channel<T, 1> image(const T* pixels, Lum32s step)
-{
-    return {source(pixels, step), 1};
-}
-
-template <class T>
-Channel<T, 3> channelOfThree(const T* pixels, Lum32s step, Lum32s number)
-{
-    return {source(pixels, step), number};
+    const bool zeroDivisor = reference == 0.0;
+    *pValue = canonical(zeroDivisor ? zeroQuotient(difference) : rooted<sense>(difference / reference));
+    return zeroDivisor ? lumWrnZeroDivisor : lumOk;
 }
 
 }  // namespace lumcv

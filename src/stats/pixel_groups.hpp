@@ -25,7 +25,7 @@ class LastGroup
   public:
     [[gnu::always_inline]] LastGroup(PixelRow<T, channels> row, int64_t x, int64_t width)
     {
-        constexpr int lanes = simd::groupLanes<T>;
+        constexpr int lanes = N < simd::registerLanes<T> ? N : simd::registerLanes<T>;
         static_assert(N * channels % lanes == 0);
         for (int i = 0; i < N * channels; i += lanes)
             simd::store(elements_ + i, simd::broadcast<lanes>(row.fill));
@@ -39,7 +39,7 @@ class LastGroup
     }
 
   private:
-    alignas(64) T elements_[static_cast<size_t>(N * channels)];
+    alignas(64) T elements_[N * channels];
 };
 
 /// Folds the pixels x of [begin, width) into an accumulator: sum = body(sum, const T* of each row) for each group of N,
@@ -57,6 +57,23 @@ template <int N, class Sum, class Body, class... Rows>
         sum = [&](const auto&... groups) { return body(sum, groups.first()...); }(last(rows)...);
     }
     return sum;
+}
+
+/// Pixels of a row after which partial sums in narrow lanes are added to wide ones.
+inline constexpr int64_t pixelsPerSettlement = 1 << 17;
+
+/// The same for a row of any width, of sums that have to be settled: sums.settle() comes after every
+/// pixelsPerSettlement pixels and at the end of the row.
+template <int N, class Sums, class Body, class... Rows>
+[[gnu::always_inline]] inline Sums foldSettled(int64_t width, Sums sums, Body body, Rows... rows)
+{
+    static_assert(pixelsPerSettlement % N == 0);
+    for (int64_t x = 0; x < width; x += pixelsPerSettlement) {
+        const int64_t end = width - x < pixelsPerSettlement ? width : x + pixelsPerSettlement;
+        sums = foldGroups<N>(x, end, sums, body, rows...);
+        sums.settle();
+    }
+    return sums;
 }
 
 }  // namespace lumcv
