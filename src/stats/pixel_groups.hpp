@@ -62,4 +62,21 @@ template <int N, class Sum, class Body, class... Rows>
     return sum;
 }
 
+/// Pixels of a row after which partial sums in narrow lanes are added to wide ones.
+inline constexpr int64_t pixelsPerSettlement = 1 << 17;
+
+/// The same for a row of any width, of sums that have to be settled: sums.settle() comes after every
+/// pixelsPerSettlement pixels and at the end of the row.
+template <int N, class Sums, class Body, class... Rows>
+[[gnu::always_inline]] inline Sums foldSettled(int64_t width, Sums sums, Body body, Rows... rows)
+{
+    static_assert(pixelsPerSettlement % N == 0);
+    for (int64_t x = 0; x < width; x += pixelsPerSettlement) {
+        const int64_t end = width - x < pixelsPerSettlement ? width : x + pixelsPerSettlement;
+        sums = foldGroups<N>(x, end, sums, body, rows...);
+        sums.settle();
+    }
+    return sums;
+}
+
 }  // namespace lumcv
