@@ -229,27 +229,31 @@ inline Lum64f measureOf(const Export& e, const Sample& s, Subject subject)
     return singleLanes ? laneSum<Lum32f>(s, subject, e.sense) : laneSum<Lum64f>(s, subject, e.sense);
 }
 
-inline constexpr std::uint64_t kZeroByZero = 0xFFF8000000000000;
+/// The not-a-number of a norm, whatever it comes from.
+inline constexpr std::uint64_t kNotANumberBits = 0xFFF8000000000000;
 
 inline Outcome normOf(const Export& e, const Sample& s)
 {
+    constexpr Lum64f infinity = std::numeric_limits<Lum64f>::infinity();
     const auto finished = [&e](Lum64f measure) { return e.sense == Sense::L2 ? std::sqrt(measure) : measure; };
     Outcome result;
     result.status = lumOk;
     if (e.operation != Operation::NormRel) {
         result.value = finished(measureOf(e, s, e.twoSources() ? Subject::Difference : Subject::First));
-        return result;
-    }
-    const Lum64f numerator = measureOf(e, s, Subject::Difference);
-    const Lum64f denominator = measureOf(e, s, Subject::Second);
-    if (denominator == 0) {
-        constexpr Lum64f infinity = std::numeric_limits<Lum64f>::infinity();
-        result.status = lumWrnZeroDivisor;
-        result.value = numerator > 0    ? infinity
-                       : numerator == 0 ? std::bit_cast<Lum64f>(kZeroByZero)
-                                        : -infinity;  // not-a-number
     } else {
-        result.value = finished(numerator / denominator);
+        const Lum64f numerator = measureOf(e, s, Subject::Difference);
+        const Lum64f denominator = measureOf(e, s, Subject::Second);
+        if (denominator != 0) {
+            result.value = finished(numerator / denominator);
+        } else {
+            result.status = lumWrnZeroDivisor;
+            result.value = numerator > 0    ? infinity
+                           : numerator == 0 ? std::bit_cast<Lum64f>(kNotANumberBits)
+                                            : -infinity;
+        }
+    }
+    if (std::isnan(result.value)) {
+        result.value = std::bit_cast<Lum64f>(kNotANumberBits);
     }
     return result;
 }
