@@ -10,6 +10,7 @@
 #include "filter.h"
 #include "frame.h"
 #include "morph.h"
+#include "stats.h"
 #include "types.h"
 
 #endif
