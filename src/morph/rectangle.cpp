@@ -277,27 +277,40 @@ template <int rows, class Operation, class T>
     const int64_t tabled = height - rows < tableRows ? height - rows : tableRows;
     for (int64_t i = 0; i < tabled; ++i)
         table[i] = windows.row(rows + i);
-    simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=, &table](int64_t x, auto lanes) {
-        using V = simd::Vec<T, lanes>;
-        V common = simd::load<lanes>(above[rows - 1] + x);
+    // a cache line at a time: there is enough to do while the maximum of what all rows see waits for its next row
+    constexpr int line = 64 / static_cast<int>(sizeof(T));
+    simd::eachAtLeastOnce<line>(0, n, [=, &table](int64_t x, auto lanes) {
+        constexpr int N = lanes < simd::registerLanes<T> ? int{lanes} : simd::registerLanes<T>;
+        constexpr int parts = lanes / N;
+        using V = simd::Vec<T, N>;
+        V common[parts];
+        const auto see = [&](const T* row) {
+            for (int i = 0; i < parts; ++i)
+                common[i] = Operation{}(common[i], simd::load<N>(row + x + i * N));
+        };
+        for (int i = 0; i < parts; ++i)
+            common[i] = simd::load<N>(above[rows - 1] + x + i * N);
         for (int64_t i = 0; i < tabled; ++i)
-            common = Operation{}(common, simd::load<lanes>(table[i] + x));
+            see(table[i]);
         for (int64_t i = rows + tabled; i < height; ++i)
-            common = Operation{}(common, simd::load<lanes>(windows.row(i) + x));
-        V seen[rows];  // by each output row, down to the last common one
-        seen[rows - 1] = common;
-        for (int i = rows - 2; i >= 0; --i)
-            seen[i] = Operation{}(simd::load<lanes>(above[i] + x), seen[i + 1]);
+            see(windows.row(i));
         if constexpr (lanes > 1)
             for (int i = 0; i < rows; ++i)
                 simd::prefetch<lanes>(static_cast<const T*>(rowAt(d[i] + x, dstAhead, 1)));
-        simd::store(d[0] + x, seen[0]);
-        if constexpr (rows > 1) {
-            V rest = simd::load<lanes>(below[1] + x);
-            simd::store(d[1] + x, Operation{}(seen[1], rest));
-            for (int i = 2; i < rows; ++i) {
-                rest = Operation{}(rest, simd::load<lanes>(below[i] + x));
-                simd::store(d[i] + x, Operation{}(seen[i], rest));
+        for (int part = 0; part < parts; ++part) {
+            const int64_t at = x + part * N;
+            V seen[rows];  // by each output row, down to the last common one
+            seen[rows - 1] = common[part];
+            for (int i = rows - 2; i >= 0; --i)
+                seen[i] = Operation{}(simd::load<N>(above[i] + at), seen[i + 1]);
+            simd::store(d[0] + at, seen[0]);
+            if constexpr (rows > 1) {
+                V rest = simd::load<N>(below[1] + at);
+                simd::store(d[1] + at, Operation{}(seen[1], rest));
+                for (int i = 2; i < rows; ++i) {
+                    rest = Operation{}(rest, simd::load<N>(below[i] + at));
+                    simd::store(d[i] + at, Operation{}(seen[i], rest));
+                }
             }
         }
     });
