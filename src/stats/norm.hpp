@@ -47,48 +47,59 @@ requires(sense != Sense::inf) struct GathererChoice<sense, Lum32f>
 template <Sense sense, class T>
 using GathererOf = typename GathererChoice<sense, T>::Type;
 
-/// The norm of the difference of two images, and that of the second.
+/// Gathers for a quotient: the difference of two images, and the second image.
 template <class Gatherer>
-struct Relative
+class Relative
 {
+  public:
     static constexpr int lanes = Gatherer::lanes;
 
-    Gatherer difference, reference;
+    struct Values
+    {
+        Lum64f difference, reference;
+    };
 
     template <class V>
     void add(const Lum8u* mask, V a, V b)
     {
-        difference.add(mask, a, b);
-        reference.add(mask, b);
+        difference_.add(mask, a, b);
+        reference_.add(mask, b);
     }
+
     void settle()
     {
-        difference.settle();
-        reference.settle();
+        difference_.settle();
+        reference_.settle();
     }
+
     void endRow()
     {
-        difference.endRow();
-        reference.endRow();
+        difference_.endRow();
+        reference_.endRow();
     }
+
+    Values value() const
+    {
+        return {difference_.value(), reference_.value()};
+    }
+
+  private:
+    Gatherer difference_, reference_;
 };
 
 /// Shows each step of pixels of one channel of the images to a gatherer, row after row.
 template <class Gatherer, int channels, class... T>
-[[gnu::flatten]] Gatherer gathered(LumiSize size, Plane<const Lum8u> mask, Plane<const T>... images)
+[[gnu::flatten]] auto gathered(LumiSize size, Plane<const Lum8u> mask, Plane<const T>... images)
 {
     constexpr int lanes = Gatherer::lanes;
-    const auto step = [](Gatherer sums, const Lum8u* m, const T*... p) {
-        sums.add(m, simd::loadPixels<lanes, channels>(p)...);
-        return sums;
-    };
     Gatherer sums{};
+    const auto add = [&sums](const Lum8u* m, const T*... p) { sums.add(m, simd::loadPixels<lanes, channels>(p)...); };
     for (int64_t y = 0; y < size.height; ++y) {
-        sums = foldSettled<lanes>(size.width, sums, step, PixelRow<Lum8u, 1>{mask.row(y), 0},
-                                  PixelRow<T, channels>{images.row(y), T{0}}...);
+        addSettled<lanes>(sums, size.width, add, PixelRow<Lum8u, 1>{mask.row(y), 0},
+                          PixelRow<T, channels>{images.row(y), T{0}}...);
         sums.endRow();
     }
-    return sums;
+    return sums.value();
 }
 
 /// A not-a-number has the same bits wherever it comes from.
@@ -110,8 +121,7 @@ LumStatus normBy(LumiSize roiSize, Lum64f* pValue, Channel<Lum8u, 1> mask, Chann
     const auto checks = Checks{}.notNull(pValue).then(channelChecks(roiSize, images..., mask).status());
     if (checks.failed())
         return checks.status();
-    const auto sum = gathered<Gatherer, channels>(roiSize, mask.plane(), images.plane()...);
-    *pValue = canonical(rooted<sense>(sum.value()));
+    *pValue = canonical(rooted<sense>(gathered<Gatherer, channels>(roiSize, mask.plane(), images.plane()...)));
     return lumOk;
 }
 
@@ -142,10 +152,8 @@ LumStatus relativeNorm(Channel<T, channels> image1, Channel<T, channels> image2,
     const auto checks = Checks{}.notNull(pValue).then(channelChecks(roiSize, image1, image2, mask).status());
     if (checks.failed())
         return checks.status();
-    const auto sums =
+    const auto [difference, reference] =
         gathered<Relative<GathererOf<sense, T>>, channels>(roiSize, mask.plane(), image1.plane(), image2.plane());
-    const Lum64f difference = sums.difference.value();
-    const Lum64f reference = sums.reference.value();
     const bool zeroDivisor = reference == 0.0;
     *pValue = canonical(zeroDivisor ? zeroQuotient(difference) : rooted<sense>(difference / reference));
     return zeroDivisor ? lumWrnZeroDivisor : lumOk;

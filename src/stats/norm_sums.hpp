@@ -1,7 +1,7 @@
 // What the norms gather from the pixels under a mask: the largest magnitude, or the sum of magnitudes or squares.
 //
 // A gatherer takes a step of pixels at a time, of one image or of two, together with the mask bytes. It is told to
-// settle as foldSettled() does it, and when a row ends.
+// settle as addSettled() has it, and when a row ends.
 #pragma once
 
 #include "stats/pixel_groups.hpp"
