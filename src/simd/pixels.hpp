@@ -83,14 +83,14 @@ template <int N, int channels, class T>
         return loadEveryThird<N>(p);
 }
 
-/// Copies a few bytes, in blocks that may overlap.
-[[gnu::always_inline]] inline void copyFew(void* to, const void* from, int64_t bytes)
+/// Calls body(at, std::integral_constant<int, size>) for blocks of 16, 8, 4, 2 or 1 bytes that cover a few bytes; the
+/// last one may overlap the one before it.
+template <class Body>
+[[gnu::always_inline]] inline void eachFewBytes(int64_t bytes, Body body)
 {
     const auto blocks = [=](auto size) {
-        for (int64_t i = 0; i < bytes; i += size) {
-            const int64_t at = i + size <= bytes ? i : bytes - size;
-            __builtin_memcpy(static_cast<char*>(to) + at, static_cast<const char*>(from) + at, size);
-        }
+        for (int64_t i = 0; i < bytes; i += size)
+            body(i + size <= bytes ? i : bytes - size, size);
     };
     if (bytes >= 16)
         blocks(std::integral_constant<int, 16>{});
@@ -102,6 +102,28 @@ template <int N, int channels, class T>
         blocks(std::integral_constant<int, 2>{});
     else if (bytes == 1)
         blocks(std::integral_constant<int, 1>{});
+}
+
+[[gnu::always_inline]] inline void copyFew(void* to, const void* from, int64_t bytes)
+{
+    eachFewBytes(bytes, [=](int64_t at, auto size) {
+        __builtin_memcpy(static_cast<char*>(to) + at, static_cast<const char*>(from) + at, size);
+    });
+}
+
+/// A few pixels of one value, each of pixelBytes.
+template <int pixelBytes>
+[[gnu::always_inline]] inline void fillFew(void* to, const void* pixel, int64_t pixels)
+{
+    if constexpr (16 % pixelBytes == 0) {
+        char pattern[16];
+        for (int i = 0; i < 16; i += pixelBytes)
+            __builtin_memcpy(pattern + i, pixel, pixelBytes);
+        eachFewBytes(pixels * pixelBytes,
+                     [=](int64_t at, auto size) { __builtin_memcpy(static_cast<char*>(to) + at, pattern, size); });
+    } else
+        for (int64_t i = 0; i < pixels; ++i)
+            __builtin_memcpy(static_cast<char*>(to) + i * pixelBytes, pixel, pixelBytes);
 }
 
 #if defined(__AVX512BW__)
