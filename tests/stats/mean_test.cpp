@@ -218,6 +218,7 @@ TEST(MeanQuick, FloatsAreSummedInSixteenPartialSums)
     constexpr Lum32f large = 0x1p60f;
     const Case cases[] = {
         {{{0, large}, {16, 1}, {1, -large}}, 0},    // lost in partial sum 0
+        {{{0, large}, {8, 1}, {16, -large}}, 1},    // sixteen, not eight
         {{{0, large}, {1, 1}, {16, -large}}, 1},    // 0 in partial sum 0
         {{{0, large}, {32, -large}, {16, 1}}, 0},   // in the order of columns: lost before the large number leaves
         {{{15, large}, {31, -large}, {32, 1}}, 1},  // partial sum 15 is 0, partial sum 0 is 1
