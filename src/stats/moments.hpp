@@ -16,9 +16,6 @@ struct Moments
     Value squares;
 };
 
-/// Pixels of a row after which 32-bit lanes are added to 64-bit ones.
-inline constexpr int64_t pixelsPerSettlement = 1 << 17;
-
 template <class T, bool withSquares>
 struct MomentSums;
 
@@ -138,18 +135,11 @@ template <int channels, bool withSquares, class T, class... Mask>
 [[gnu::flatten]] auto momentsOf(LumiSize size, Plane<const T> src, Plane<const Mask>... mask)
 {
     using Sums = MomentSums<T, withSquares>;
-    const auto add = [](Sums sums, const T* p, const Mask*... m) {
-        sums.template add<channels>(p, m...);
-        return sums;
-    };
     Sums sums{};
+    const auto add = [&sums](const T* p, const Mask*... m) { sums.template add<channels>(p, m...); };
     for (int64_t y = 0; y < size.height; ++y)
-        for (int64_t x = 0; x < size.width; x += pixelsPerSettlement) {
-            const int64_t end = size.width - x < pixelsPerSettlement ? size.width : x + pixelsPerSettlement;
-            sums = foldGroups<Sums::lanes>(x, end, sums, add, PixelRow<T, channels>{src.row(y), Sums::fill},
-                                           PixelRow<Mask, 1>{mask.row(y), 0}...);
-            sums.settle();
-        }
+        addSettled<Sums::lanes>(sums, size.width, add, PixelRow<T, channels>{src.row(y), Sums::fill},
+                                PixelRow<Mask, 1>{mask.row(y), 0}...);
     const auto pixels = static_cast<uint64_t>(size.width) * static_cast<uint64_t>(size.height);
     return sums.total(sizeof...(mask) == 0 ? pixels : static_cast<uint64_t>(simd::total(sums.count)));
 }
