@@ -57,28 +57,51 @@ struct Extremes
     }
 };
 
-/// Pixels in a group: two registers of each extreme where the processor takes one cycle for an integer, four for a
-/// float's four cycles.
+/// Pixels of a row that are worked on together: four registers, for an extreme of floats takes four cycles.
 template <class T>
-inline constexpr int groupPixels = simd::registerLanes<T> * 4;
+inline constexpr int groupPixels = 4 * simd::registerLanes<T>;
 
 template <class T>
 using RowExtremes = Extremes<T, groupPixels<T>>;
 
-/// Adds the pixels of a row to the extrema.
+/// The first register of several.
+template <class T, int N>
+[[gnu::always_inline]] inline auto& firstRegister(simd::Vec<T, N>& v)
+{
+    if constexpr (simd::kindOf<T, N> == simd::Kind::pair)
+        return firstRegister(v.lo);
+    else
+        return v;
+}
+
+/// Adds the pixels of a row to the extrema. A pixel may be added twice.
 template <int channels, class T, class... Mask>
 [[gnu::always_inline]] inline RowExtremes<T> addRow(RowExtremes<T> extremes, int64_t width, const T* row,
                                                     const Mask*... mask)
 {
     constexpr int N = groupPixels<T>;
-    const auto add = [](RowExtremes<T> sum, const T* p, const Mask*... m) {
-        return sum.with(simd::loadPixels<N, channels>(p), m...);
+    int64_t x = 0;
+    for (; x + N <= width; x += N)
+        extremes = extremes.with(simd::loadPixels<N, channels>(row + x * channels), (mask + x)...);
+    if (x == width)
+        return extremes;
+
+    constexpr int lanes = simd::registerLanes<T>;
+    auto& least = firstRegister(extremes.least);
+    auto& greatest = firstRegister(extremes.greatest);
+    const auto add = [](Extremes<T, lanes> sum, const T* p, const Mask*... m) {
+        return sum.with(simd::loadPixels<lanes, channels>(p), m...);
     };
-    if (width < N)  // a masked-out pixel or a copy of the first one makes no difference
-        return foldGroups<N>(0, width, extremes, add, PixelRow<T, channels>{row, *row}, PixelRow<Mask, 1>{mask, 0}...);
-    for (int64_t x = 0; x + N <= width; x += N)
-        extremes = add(extremes, row + x * channels, (mask + x)...);
-    return add(extremes, row + (width - N) * channels, (mask + (width - N))...);
+    Extremes<T, lanes> rest{least, greatest};
+    for (; x + lanes <= width; x += lanes)
+        rest = add(rest, row + x * channels, (mask + x)...);
+    if (x < width && width >= lanes)
+        rest = add(rest, row + (width - lanes) * channels, (mask + (width - lanes))...);
+    else  // the missing pixels of a group are masked out, or the first one again
+        rest = foldGroups<lanes>(x, width, rest, add, PixelRow<T, channels>{row, *row}, PixelRow<Mask, 1>{mask, 0}...);
+    least = rest.least;
+    greatest = rest.greatest;
+    return extremes;
 }
 
 template <class Operation, class T, int N>

@@ -25,9 +25,8 @@ class LastGroup
   public:
     [[gnu::always_inline]] LastGroup(PixelRow<T, channels> row, int64_t x, int64_t width)
     {
-        constexpr int lanes = N < simd::registerLanes<T> ? N : simd::registerLanes<T>;
-        static_assert(N * channels % lanes == 0);
-        for (int i = 0; i < N * channels; i += lanes)
+        constexpr int lanes = elements % simd::registerLanes<T> == 0 ? simd::registerLanes<T> : simd::groupLanes<T>;
+        for (int i = 0; i < elements; i += lanes)
             simd::store(elements_ + i, simd::broadcast<lanes>(row.fill));
         // the elements between are copied along; behind the last pixel's element nothing may be read
         simd::copyFew(elements_, row.at(x), ((width - x - 1) * channels + 1) * static_cast<int64_t>(sizeof(T)));
@@ -39,7 +38,11 @@ class LastGroup
     }
 
   private:
-    alignas(64) T elements_[N * channels];
+    /// Whole groups of 16 bytes, for the sake of filling them.
+    static constexpr int elements =
+        (N * channels + simd::groupLanes<T> - 1) / simd::groupLanes<T> * simd::groupLanes<T>;
+
+    alignas(64) T elements_[elements];
 };
 
 /// Calls body(const T* of each row) for each group of N of the pixels x of [begin, width); it reads N pixels of each
