@@ -89,16 +89,16 @@ template <int channels, class T, class... Mask>
     constexpr int lanes = simd::registerLanes<T>;
     auto& least = firstRegister(extremes.least);
     auto& greatest = firstRegister(extremes.greatest);
-    const auto add = [](Extremes<T, lanes> sum, const T* p, const Mask*... m) {
-        return sum.with(simd::loadPixels<lanes, channels>(p), m...);
-    };
     Extremes<T, lanes> rest{least, greatest};
+    const auto add = [&rest](const T* p, const Mask*... m) {
+        rest = rest.with(simd::loadPixels<lanes, channels>(p), m...);
+    };
     for (; x + lanes <= width; x += lanes)
-        rest = add(rest, row + x * channels, (mask + x)...);
+        add(row + x * channels, (mask + x)...);
     if (x < width && width >= lanes)
-        rest = add(rest, row + (width - lanes) * channels, (mask + (width - lanes))...);
+        add(row + (width - lanes) * channels, (mask + (width - lanes))...);
     else  // the missing pixels of a group are masked out, or the first one again
-        rest = foldGroups<lanes>(x, width, rest, add, PixelRow<T, channels>{row, *row}, PixelRow<Mask, 1>{mask, 0}...);
+        eachGroup<lanes>(x, width, add, PixelRow<T, channels>{row, *row}, PixelRow<Mask, 1>{mask, 0}...);
     least = rest.least;
     greatest = rest.greatest;
     return extremes;

@@ -24,16 +24,6 @@ LumStatus mean(Channel<T, channels> source, Channel<Lum8u, 1> mask, LumiSize roi
     return writeMean(checks, source, mask, roiSize, pMean);
 }
 
-/// The number of pixels without a mask. That of floats is a 32-bit product, as documented.
-template <class T>
-Lum64f pixelCount(LumiSize size)
-{
-    if constexpr (std::is_same_v<T, Lum32f>)
-        return static_cast<Lum32s>(static_cast<Lum32u>(size.width) * static_cast<Lum32u>(size.height));
-    else
-        return static_cast<Lum64f>(static_cast<int64_t>(size.width) * size.height);
-}
-
 template <class T, int channels, class... Mask>
 LumStatus meanAndDeviation(Channel<T, channels> source, LumiSize roiSize, Lum64f* pMean, Lum64f* pStdDev,
                            Channel<Mask, 1>... mask)
@@ -43,10 +33,12 @@ LumStatus meanAndDeviation(Channel<T, channels> source, LumiSize roiSize, Lum64f
         return checks.status();
 
     const auto moments = momentsOf<channels, true>(roiSize, source.plane(), mask.plane()...);
-    const Lum64f count = sizeof...(mask) == 0 ? pixelCount<T>(roiSize) : static_cast<Lum64f>(moments.count);
+    auto count = static_cast<Lum64f>(moments.count);
+    if constexpr (std::is_same_v<T, Lum32f> && sizeof...(mask) == 0)  // a 32-bit product, as documented
+        count = static_cast<Lum32s>(static_cast<Lum32u>(roiSize.width) * static_cast<Lum32u>(roiSize.height));
     Lum64f mean = 0.0;
     Lum64f deviation = 0.0;
-    if (sizeof...(mask) == 0 || moments.count != 0) {
+    if (moments.count != 0) {
         const Lum64f scale = 1.0 / count;
         mean = static_cast<Lum64f>(moments.sum) * scale;
         deviation = __builtin_sqrt(__builtin_fabs(static_cast<Lum64f>(moments.squares) * scale - mean * mean));

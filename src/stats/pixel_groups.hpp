@@ -61,15 +61,6 @@ template <int N, class Body, class... Rows>
     }
 }
 
-/// Folds the same groups into an accumulator: sum = body(sum, const T* of each row).
-template <int N, class Sum, class Body, class... Rows>
-[[gnu::always_inline]] inline Sum foldGroups(int64_t begin, int64_t width, Sum sum, Body body, Rows... rows)
-{
-    eachGroup<N>(
-        begin, width, [&](const auto*... p) { sum = body(sum, p...); }, rows...);
-    return sum;
-}
-
 /// Pixels of a row after which partial sums in narrow lanes are added to wide ones.
 inline constexpr int64_t pixelsPerSettlement = 1 << 17;
 

@@ -29,17 +29,16 @@ void expectGroups(std::size_t width, Guard guard)
         std::vector<Lum8u> bytes;
     };
     const T fill = 77;
-    const auto collect = [](Seen seen, const T* p, const Lum8u* m) {
-        for (int i = 0; i < N; ++i) {
-            seen.pixels.push_back(p[i * channels]);
-            seen.bytes.push_back(m[i]);
-        }
-        return seen;
-    };
     for (const std::size_t begin : {std::size_t{0}, width / 2}) {
-        const Seen seen = foldGroups<N>(static_cast<int64_t>(begin), static_cast<int64_t>(width), Seen{}, collect,
-                                        PixelRow<T, channels>{row.as<const T>(), fill},
-                                        PixelRow<Lum8u, 1>{mask.as<const Lum8u>(), 0});
+        Seen seen;
+        const auto collect = [&seen](const T* p, const Lum8u* m) {
+            for (int i = 0; i < N; ++i) {
+                seen.pixels.push_back(p[i * channels]);
+                seen.bytes.push_back(m[i]);
+            }
+        };
+        eachGroup<N>(static_cast<int64_t>(begin), static_cast<int64_t>(width), collect,
+                     PixelRow<T, channels>{row.as<const T>(), fill}, PixelRow<Lum8u, 1>{mask.as<const Lum8u>(), 0});
         ASSERT_EQ(seen.pixels.size(), (width - begin + N - 1) / N * N);
         for (std::size_t i = 0; i < seen.pixels.size(); ++i) {
             const bool there = begin + i < width;
