@@ -70,6 +70,21 @@ TEST(SimdSums, OfBytesAndOfTheirSquares)
     });
 }
 
+TEST(SimdSums, OfDifferencesOfBytes)
+{
+    forByteCounts([]<int N>(simd::Lanes<N>) {
+        for (unsigned seed = 0; seed <= draws; ++seed) {
+            const auto a = seed == draws ? filledWith<Lum8u, N>(255) : drawn<Lum8u, N>(seed);
+            const auto b = seed == draws ? filledWith<Lum8u, N>(0) : drawn<Lum8u, N>(seed + 1000);
+            uint64_t sum = 0;
+            for (std::size_t i = 0; i < N; ++i)
+                sum += static_cast<uint64_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
+            EXPECT_EQ(simd::total(simd::sumsOfDifferences(simd::load<N>(a.data()), simd::load<N>(b.data()))), sum);
+            EXPECT_EQ(simd::total(simd::sumsOfDifferences(simd::load<N>(b.data()), simd::load<N>(a.data()))), sum);
+        }
+    });
+}
+
 TEST(SimdSums, OfWordsAndOfTheirSquares)
 {
     forByteCounts([]<int N>(simd::Lanes<N>) {
@@ -130,6 +145,20 @@ TEST(SimdSums, TotalsFoldHalves)
         };
         EXPECT_EQ(got, (folded(0) + folded(2)) + (folded(1) + folded(3)));
     }
+}
+
+TEST(SimdSums, FloatsComeInHalves)
+{
+    const auto check = []<int N>(simd::Lanes<N>) {
+        const auto lanes = drawn<Lum32f, N>(N, Values::NonFinite);
+        std::array<Lum32f, N> halves;
+        simd::store(halves.data(), simd::lowerHalf(simd::load<N>(lanes.data())));
+        simd::store(halves.data() + N / 2, simd::upperHalf(simd::load<N>(lanes.data())));
+        EXPECT_EQ(std::memcmp(halves.data(), lanes.data(), sizeof lanes), 0) << N << " lanes";
+    };
+    check(simd::Lanes<8>{});
+    check(simd::Lanes<16>{});
+    check(simd::Lanes<32>{});
 }
 
 TEST(SimdSums, FloatsBecomeDoublesAndTheirSquaresAreExact)
