@@ -48,8 +48,8 @@ extern "C" {
  * pixel has no influence at all, also if it is infinite or not-a-number. If no pixel takes part, all results are 0.0
  * and the status is #lumOk.
  *
- * **8u and 16u.** `S`, `Q` and `n` are exact for every ROI, and are converted to double precision, rounded to nearest,
- * before anything else is done with them.
+ * **8u and 16u.** `S`, `Q` and `n` are exact for every ROI of up to 2 to the 32 pixels, and are converted to double
+ * precision, rounded to nearest, before anything else is done with them.
  *
  * **32f.** A pixel is converted to double precision, which is exact, and so is its square. There are 16 partial sums
  * for `S` and 16 for `Q`, which begin with 0.0: pixel `x` of every row is added to partial sum `x mod 16`, row after

@@ -1,6 +1,9 @@
 // Means and standard deviations: each documented rule by name.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -218,6 +221,7 @@ TEST(MeanQuick, FloatsAreSummedInSixteenPartialSums)
     constexpr Lum32f large = 0x1p60f;
     const Case cases[] = {
         {{{0, large}, {16, 1}, {1, -large}}, 0},    // lost in partial sum 0
+        {{{0, large}, {8, 1}, {16, -large}}, 1},    // sixteen, not eight
         {{{0, large}, {1, 1}, {16, -large}}, 1},    // 0 in partial sum 0
         {{{0, large}, {32, -large}, {16, 1}}, 0},   // in the order of columns: lost before the large number leaves
         {{{15, large}, {31, -large}, {32, 1}}, 1},  // partial sum 15 is 0, partial sum 0 is 1
@@ -290,6 +294,34 @@ TEST(Mean, FloatsAreCloseToTheExactValue)
             EXPECT_LE(std::fabs(got - variance), 4 * relative * squares / static_cast<long double>(count));
         }
     });
+}
+
+// 2^31 pixels, which are the same 2 MiB of ones again and again: as a signed number of 32 bits their count is negative.
+TEST(Mean, CountOfFloatsIsASignedThirtyTwoBitProduct)
+{
+    constexpr std::size_t pieceBytes = std::size_t{2} << 20;
+    constexpr std::size_t pieces = 4096;
+    const int file = memfd_create("ones", 0);
+    ASSERT_GE(file, 0);
+    ASSERT_EQ(ftruncate(file, pieceBytes), 0);
+    void* const all = mmap(nullptr, pieceBytes * pieces, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (all == MAP_FAILED) {
+        close(file);
+        GTEST_SKIP() << "no 8 GiB of addresses";
+    }
+    for (std::size_t i = 0; i < pieces; ++i) {
+        ASSERT_NE(mmap(static_cast<Lum8u*>(all) + i * pieceBytes, pieceBytes, PROT_READ | PROT_WRITE,
+                       MAP_SHARED | MAP_FIXED, file, 0),
+                  MAP_FAILED);
+    }
+    auto* const ones = static_cast<Lum32f*>(all);
+    std::fill(ones, ones + pieceBytes / sizeof(Lum32f), 1.0f);
+    Lum64f mean = 0, deviation = 0;
+    EXPECT_EQ(lumiMean_StdDev_32f_C1R(ones, 65536 * 4, {65536, 32768}, &mean, &deviation), lumOk);
+    EXPECT_EQ(mean, -1.0);
+    EXPECT_EQ(deviation, std::sqrt(2.0)) << "the root of abs(-1 - 1)";
+    munmap(all, pieceBytes * pieces);
+    close(file);
 }
 
 // Not-a-numbers and infinities.

@@ -65,6 +65,7 @@ TEST(NormOrderQuick, EightLanesAndTheirFold)
     const Case cases[] = {
         {0, 8, 16, false},   // the same lane, after the large number
         {16, 0, 8, true},    // the same lane, before it
+        {4, 0, 8, true},     // 0 and 8 share a lane, 4 has another
         {0, 1, 9, true},     // meet in lane 1
         {0, 4, 2, false},    // 4 joins 0 at once, 2 with 6 joins after that
         {0, 2, 6, true},     // meet before they join 0 and 4
