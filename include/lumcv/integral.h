@@ -261,13 +261,10 @@ LUMCV_API LumStatus lumiTiltedSqrIntegral_8u32f64f_C1R(const Lum8u* pSrc, Lum32s
  *    gives -2147483648.
  *
  * The tilted functions, all pixels alike; sums are `(first - (second + third)) + fourth`:
- *
- * | | Sum of P | Sum of Q |
- * |---|---|---|
- * | lumiTiltedRectStdDev_32f_C1R() | double, of entries widened before; times `1 / area`, double | the same |
- * | lumiTiltedRectStdDev_32s32f_C1R() | integers; single, times `1 / area` in single; widened | double, times `1 /
- * area`, double | | lumiTiltedRectStdDev_32s_C1RSfs() | integers; single, times `1 / area` in single; widened | the
- * same |
+ * - lumiTiltedRectStdDev_32f_C1R(): both sums in double, of entries widened before, times `1 / area`, double.
+ * - lumiTiltedRectStdDev_32s32f_C1R(): the sum of P in integers modulo 2 to the 32, converted to single, times
+ *   `1 / area`, single, and widened; the sum of Q in double, times `1 / area`, double.
+ * - lumiTiltedRectStdDev_32s_C1RSfs(): both sums as that of P in the function before.
  *
  * and then `variance = meanSqr - mean * mean`, double; what is not above 0, not-a-number included, becomes 0; the
  * variance is rounded to single. The float results are its single root. The integer result is `root * scale + 0.5`,
@@ -447,13 +444,14 @@ typedef struct LumiHaarStageRecord LumiHaarStageRecord;
  * `threshold * n > feature`, it votes `val1`, otherwise `val2`: also if the two are equal, or if one is not-a-number.
  * Every product and every sum is rounded by itself.
  *
- * | Function | Rectangle sum | Feature, comparison | Votes |
- * |---|---|---|---|
- * | `lumiApplyHaarClassifier_32f` | single: `((br - bl) - tr) + tl` in groups, `(br - (bl + tr)) + tl` in the tail |
- * single | single | | `lumiApplyMixedHaarClassifier_32f` | single: `((br - bl) - tr) + tl` | single | single | | both
- * `_32s32f` | integers modulo 2 to the 32, then converted to single | single | single | | both `_32s_C1RSfs` | `br -
- * (bl + tr)` modulo 2 to the 32, widened, plus `tl`: 64-bit integers | 64-bit integers; `feature * 2^-scaleFactor <
- * threshold * n` votes `val1` | 32-bit integers |
+ * - `lumiApplyHaarClassifier_32f`: single precision. A rectangle's sum is `((br - bl) - tr) + tl` in groups and
+ *   `(br - (bl + tr)) + tl` in the tail; see below.
+ * - `lumiApplyMixedHaarClassifier_32f`: single precision. A rectangle's sum is `((br - bl) - tr) + tl`.
+ * - Both `_32s32f`: a rectangle's sum is an integer modulo 2 to the 32, then converted to single precision; all else is
+ *   single precision.
+ * - Both `_32s_C1RSfs`: a rectangle's sum is `br - (bl + tr)` modulo 2 to the 32, widened to 64 bits, plus `tl`. The
+ *   feature has 64 bits, and `feature * 2^-scaleFactor < threshold * n` in 64 bits votes `val1`. Votes are added in 32
+ *   bits.
  *
  * All integers wrap around. The count of places by which the feature is shifted to the left, `-scaleFactor`, is taken
  * modulo 64.
