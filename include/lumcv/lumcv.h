@@ -11,6 +11,7 @@
 #include "frame.h"
 #include "integral.h"
 #include "morph.h"
+#include "stats.h"
 #include "types.h"
 
 #endif
