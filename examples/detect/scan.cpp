@@ -2,76 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
+
+#include "stage_record.hpp"
 
 namespace detect {
 namespace {
 
-using gallery::Failure;
 using gallery::Image;
 using gallery::Picture;
-
-void check(LumStatus status, const char* function)
-{
-    if (status != lumOk) {
-        throw Failure(std::string(function) + " returned the status " + std::to_string(status));
-    }
-}
-
-// One stage as the library takes it: its rectangles grown to a window, in a record.
-class StageRecord
-{
-  public:
-    /// `places` is how many places of the window one call looks at, at most.
-    StageRecord(const Stage& stage, const Cascade& cascade, LumiSize window, LumiSize places)
-        : threshold_(stage.threshold)
-    {
-        const auto grownX = [&](int x) {
-            return static_cast<int>(std::lround(1.0 * x * window.width / cascade.windowWidth));
-        };
-        const auto grownY = [&](int y) {
-            return static_cast<int>(std::lround(1.0 * y * window.height / cascade.windowHeight));
-        };
-        std::vector<LumiRect> rectangles;
-        std::vector<Lum32f> weights, thresholds, votesBelow, votesOtherwise;
-        std::vector<int> counts;
-        for (const WeakClassifier& weak : stage.classifiers) {
-            for (const WeightedRectangle& r : weak.rectangles) {
-                const int left = grownX(r.x), right = grownX(r.x + r.width);
-                const int top = grownY(r.y), bottom = grownY(r.y + r.height);
-                rectangles.push_back({left, top, right - left, bottom - top});
-                // Edges are whole pixels, so not all rectangles grow alike. The weight makes up for that: whatever its
-                // size has become, the rectangle counts as the part of the window that it is in the cascade.
-                const double part = 1.0 * r.width * r.height / (cascade.windowWidth * cascade.windowHeight);
-                weights.push_back(static_cast<Lum32f>(r.weight * part / (1.0 * (right - left) * (bottom - top))));
-            }
-            thresholds.push_back(weak.threshold);
-            votesBelow.push_back(weak.voteBelow);
-            votesOtherwise.push_back(weak.voteOtherwise);
-            counts.push_back(static_cast<int>(weak.rectangles.size()));
-        }
-        const int length = static_cast<int>(counts.size());
-        int size = 0;
-        check(lumiHaarClassifierGetSize(lumType32f, places, counts.data(), length, &size), "lumiHaarClassifierGetSize");
-        block_.resize(static_cast<std::size_t>(size));
-        check(lumiHaarClassifierInit_32f(record(), rectangles.data(), weights.data(), thresholds.data(),
-                                         votesBelow.data(), votesOtherwise.data(), counts.data(), length),
-              "lumiHaarClassifierInit_32f");
-    }
-
-    Lum32f threshold() const
-    {
-        return threshold_;
-    }
-    LumiHaarStageRecord* record()
-    {
-        return reinterpret_cast<LumiHaarStageRecord*>(block_.data());
-    }
-
-  private:
-    Lum32f threshold_;
-    std::vector<Lum8u> block_;  // the record must stay where it is, and moving a vector leaves its elements in place
-};
 
 // Part of a picture, in place.
 struct Region
@@ -138,8 +76,11 @@ void scanAt(const Picture& gray, const Cascade& cascade, LumiSize window, std::v
     for (const Stage& stage : cascade.stages) {
         stages.emplace_back(stage, cascade, window, places);
     }
-    for (int top = 0; top + window.height <= gray.height(); top += places.height) {
-        for (int left = 0; left + window.width <= gray.width(); left += places.width) {
+    // the grid goes on from tile to tile
+    const int right = (places.width + stride - 1) / stride * stride;
+    const int down = (places.height + stride - 1) / stride * stride;
+    for (int top = 0; top + window.height <= gray.height(); top += down) {
+        for (int left = 0; left + window.width <= gray.width(); left += right) {
             const Region region = {
                 &gray.at(left, top),
                 gray.step(),

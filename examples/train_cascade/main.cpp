@@ -29,6 +29,9 @@ constexpr const char* usage =
     "Learns to tell coins from other things on tables that it draws, and writes the cascade.\n"
     "  --samples FILE.png  also writes windows that it learnt from: coins above, others below\n";
 
+constexpr const char* remark =
+    "# Coins that are brighter than what they lie on. Written by train_cascade; detect/cascade.hpp tells the format.\n";
+
 constexpr std::uint32_t seed = 5;
 constexpr std::size_t coinCount = 1500;
 constexpr std::size_t windowsOfCoin = 2;
@@ -144,7 +147,7 @@ void run(const Arguments& arguments)
         std::fflush(stdout);
     };
     const detect::Cascade cascade = boost(coins, findOthers, goals, report);
-    writeText(arguments.cascade, "# written by train_cascade\n" + detect::cascadeText(cascade));
+    writeText(arguments.cascade, remark + detect::cascadeText(cascade));
     if (!arguments.samples.empty()) {
         gallery::writePng(arguments.samples, sheet(coins, firstOthers));
     }
