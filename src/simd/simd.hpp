@@ -7,6 +7,8 @@
 #include "simd/control.hpp"
 #include "simd/convert.hpp"
 #include "simd/lanes.hpp"
+#include "simd/pixels.hpp"
 #include "simd/row.hpp"
+#include "simd/sums.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"
