@@ -16,8 +16,9 @@
 //     feature = sum over the rectangles of weight * (sum of the pixels in it) / (pixels in the window)
 //     vote    = feature < threshold * deviation of the window ? vote below : vote otherwise
 //
-// and a window is an object if in every stage the sum of the votes is above the stage's threshold. In a larger window
-// the rectangles grow with it, and a weight shrinks as its rectangle grows, so that the thresholds stay as they are.
+// and a window is an object if in every stage the sum of the votes is above the stage's threshold. (Let no sum be equal
+// to it: which way those go is not laid down.) In a larger window the rectangles grow with it, and a weight shrinks as
+// its rectangle grows, so that the thresholds stay as they are.
 #pragma once
 
 #include <filesystem>

@@ -1,7 +1,6 @@
 // Gallery: integral images, local deviation, and the cascade that finds coins.
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include "coins_cascade.hpp"
 #include "scan.hpp"
@@ -11,39 +10,20 @@
 namespace gallery {
 namespace {
 
-Image<Lum32s> integralOf(const Picture& gray, Shot& shot)
+Picture integralBands(const Source& source, Shot& shot)
 {
+    const Picture& gray = source.gray;
     Image<Lum32s> sums(gray.width() + 1, gray.height() + 1, 1);
     shot.time(
         GALLERY_CALL(lumiIntegral_8u32s_C1R(gray.pixels(), gray.step(), sums.pixels(), sums.step(), gray.size(), 0)));
-    return sums;
-}
 
-Picture integralBands(const Source& source, Shot& shot)
-{
-    const Image<Lum32s> sums = integralOf(source.gray, shot);
-    constexpr int bands = 20;
-    const double whole = std::max(1, std::abs(sums.elements().back()));
     // brighter from band to band, and within each from its beginning to its end
+    constexpr int bands = 20;
+    const double whole = std::max(1, sums.elements().back());
     return mapped<Lum8u>(sums, [=](Lum32s sum) {
         const double position = bands * (sum / whole);
         return toByte(static_cast<float>(position / bands * 180.0 + (position - std::floor(position)) * 75.0));
     });
-}
-
-Picture integralExcess(const Source& source, Shot& shot)
-{
-    const Image<Lum32s> sums = integralOf(source.gray, shot);
-    const double mean = static_cast<double>(sums.elements().back()) / source.gray.width() / source.gray.height();
-    Image<Lum32f> excess(sums.width(), sums.height(), 1);
-    float largest = 1.0f;
-    for (int y = 0; y < sums.height(); ++y) {
-        for (int x = 0; x < sums.width(); ++x) {
-            excess.at(x, y) = static_cast<float>(sums.at(x, y) - mean * x * y);
-            largest = std::max(largest, std::abs(excess.at(x, y)));
-        }
-    }
-    return mapped<Lum8u>(excess, [=](Lum32f value) { return toByte(128.0f + 127.0f * value / largest); });
 }
 
 // The table of sums and that of squares, which deviations and cascades start from.
@@ -91,7 +71,7 @@ Picture stagesPassed(const Source& source, Shot& shot)
                                                      norms.pixels(), norms.step(), norms.size(),
                                                      LumiRect{0, 0, window.width, window.height})));
     Picture mask(norms.width(), norms.height(), 1, 255);
-    Picture passed(norms.width(), norms.height(), 1);
+    Picture passed(gray.width(), gray.height(), 1);
     const int share = 255 / static_cast<int>(cascade.stages.size());
     int positive = norms.width() * norms.height();
     for (const detect::Stage& description : cascade.stages) {
@@ -99,8 +79,11 @@ Picture stagesPassed(const Source& source, Shot& shot)
         shot.timeOnce(GALLERY_CALL(
             lumiApplyHaarClassifier_32f_C1R(sums.pixels(), sums.step(), norms.pixels(), norms.step(), mask.pixels(),
                                             mask.step(), mask.size(), &positive, stage.threshold(), stage.record())));
-        for (std::size_t i = 0; i < passed.elements().size(); ++i) {
-            passed.elements()[i] = static_cast<Lum8u>(passed.elements()[i] + (mask.elements()[i] != 0 ? share : 0));
+        for (int y = 0; y < mask.height(); ++y) {
+            for (int x = 0; x < mask.width(); ++x) {
+                Lum8u& middle = passed.at(x + window.width / 2, y + window.height / 2);
+                middle = static_cast<Lum8u>(middle + (mask.at(x, y) != 0 ? share : 0));
+            }
         }
     }
     return passed;
@@ -123,9 +106,6 @@ const Section integrals{
     {{"integral", "Integral image",
       "From black in the upper left corner to the whole sum in the lower right one, in twenty bands of equal share.",
       integralBands},
-     {"integral-excess", "Integral image, less that of an even picture",
-      "Gray is what a picture of the mean brightness would have summed up to, brighter is more, darker less.",
-      integralExcess},
      {"local-deviation", "Local deviation",
       "The standard deviation under a square of 9 x 9 pixels, three times enlarged: even areas are black.",
       localDeviation}},
@@ -142,7 +122,9 @@ const Section cascades{
       "all.",
       stagesPassed},
      {"cascade-coins", "What the cascade finds",
-      "Windows of all sizes, from 24 pixels up, a tenth wider each time; those that overlap are merged.", coinsFound}},
+      "In windows from 24 pixels up, a tenth wider each time; those that overlap are merged. What is bright, round and "
+      "alone is taken for a coin.",
+      coinsFound}},
 };
 
 }  // namespace
