@@ -122,28 +122,6 @@ template <class T, int N>
     return lanes[0];
 }
 
-/// Single-precision lanes in double precision, which is exact.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum64f, N> toDouble(Vec<Lum32f, N> v)
-{
-    using V = Vec<Lum64f, N>;
-    if constexpr (N == 1)
-        return {v.raw};
-    else if constexpr (kindOf<Lum32f, N> == Kind::pair)
-        return {toDouble(v.lo), toDouble(v.hi)};
-    else if constexpr (N == 4)
-        return V{_mm256_cvtps_pd(v.raw)};
-#if defined(__AVX512BW__)
-    else if constexpr (N == 8)
-        return V{_mm512_cvtps_pd(v.raw)};
-    else
-        return {{_mm512_cvtps_pd(_mm512_castps512_ps256(v.raw))}, {_mm512_cvtps_pd(_mm512_extractf32x8_ps(v.raw, 1))}};
-#else
-    else
-        return {{_mm256_cvtps_pd(_mm256_castps256_ps128(v.raw))}, {_mm256_cvtps_pd(_mm256_extractf128_ps(v.raw, 1))}};
-#endif
-}
-
 /// One channel of N pixels in double precision; the conversions read memory.
 template <int N, int channels>
 [[gnu::always_inline]] inline Vec<Lum64f, N> loadDoubles(const Lum32f* p)
