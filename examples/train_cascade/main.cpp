@@ -70,18 +70,33 @@ std::optional<Arguments> parse(int argc, char** argv)
     return arguments;
 }
 
-void writeText(const std::string& path, const std::string& text)
+// The file that is written at the end. It is opened at the beginning, so that nobody waits for a file that cannot be.
+class TextFile
 {
-    const auto fail = [&] { return Failure("cannot write '" + path + "': " + std::strerror(errno)); };
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (file == nullptr) {
-        throw fail();
+  public:
+    explicit TextFile(const std::string& path) : path_(path), file_(std::fopen(path.c_str(), "wb"), std::fclose)
+    {
+        if (!file_) {
+            throw fail();
+        }
     }
-    const bool whole = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    if (std::fclose(file) != 0 || !whole) {
-        throw fail();
+
+    void write(const std::string& text)
+    {
+        if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size() || std::fclose(file_.release()) != 0) {
+            throw fail();
+        }
     }
-}
+
+  private:
+    Failure fail() const
+    {
+        return Failure("cannot write '" + path_ + "': " + std::strerror(errno));
+    }
+
+    std::string path_;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+};
 
 // Windows side by side, each enlarged twice.
 Picture sheet(const std::vector<Sample>& coins, const std::vector<Sample>& others)
@@ -111,6 +126,7 @@ Picture sheet(const std::vector<Sample>& coins, const std::vector<Sample>& other
 
 void run(const Arguments& arguments)
 {
+    TextFile file(arguments.cascade);
     Random random(seed);
     std::vector<Sample> coins;
     while (coins.size() < coinCount) {
@@ -147,7 +163,7 @@ void run(const Arguments& arguments)
         std::fflush(stdout);
     };
     const detect::Cascade cascade = boost(coins, findOthers, goals, report);
-    writeText(arguments.cascade, remark + detect::cascadeText(cascade));
+    file.write(remark + detect::cascadeText(cascade));
     if (!arguments.samples.empty()) {
         gallery::writePng(arguments.samples, sheet(coins, firstOthers));
     }
