@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief Image statistics: means and standard deviations, extrema with location.
+ * @brief Image statistics: means and standard deviations, extrema with location, norms.
  */
 #ifndef LUMCV_STATS_H
 #define LUMCV_STATS_H
@@ -441,6 +441,450 @@ LUMCV_API LumStatus lumiMinMaxIndx_16u_C3CMR(const Lum16u* pSrc, Lum32s srcStep,
 LUMCV_API LumStatus lumiMinMaxIndx_32f_C3CMR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
                                              LumiSize roiSize, Lum32s coi, Lum32f* pMinVal, Lum32f* pMaxVal,
                                              LumiPoint* pMinIndex, LumiPoint* pMaxIndex);
+
+/** @} */
+
+/**
+ * @defgroup norm Norms
+ * @brief Norms of an image, of the difference of two images, and of that difference in relation to the second image,
+ * over a mask.
+ *
+ * Only pixels whose mask byte is not zero count. With `x` the pixel in `lumiNorm` and `s1 - s2` in the others:
+ *
+ * | Sense | `lumiNorm`, `lumiNormDiff` | `lumiNormRel` |
+ * |---|---|---|
+ * | `Inf` | largest `abs(x)` | (largest `abs(s1 - s2)`) / (largest `abs(s2)`) |
+ * | `L1` | sum of `abs(x)` | (sum of `abs(s1 - s2)`) / (sum of `abs(s2)`) |
+ * | `L2` | root of the sum of `x * x` | root of ((sum of `(s1 - s2) * (s1 - s2)`) / (sum of `s2 * s2`)) |
+ *
+ * An empty mask gives maxima and sums of 0. The functions with `C3CMR` in their names take the channel `coi` of images
+ * of three channels; the other two have no part in the result. Images and mask may overlap.
+ *
+ * **Integers.** Maxima and sums of 8u and 16u images are exact and are rounded to Lum64f once, at their end. A sum is
+ * an unsigned 64-bit integer, which only the squares of a 16u image of more than 2 to the 32 pixels can exceed. The
+ * division and the root of `lumiNormRel` are each rounded to Lum64f.
+ *
+ * **32f, Inf.** Differences are rounded to single precision. Not-a-number pixels, and differences, do not count;
+ * infinite ones do. What is masked out takes no part, whatever its value.
+ *
+ * **32f, L1 and L2.** The order of the additions is fixed, so that all builds give the same bits:
+ *
+ * 1. `v = x * m` in single precision, where the factor `m` is 1.0 for a mask byte that is not zero and 0.0 for one that
+ *    is. So an infinite or not-a-number pixel spoils the sum under a zero mask byte as well. `s1 - s2` is rounded to
+ *    single precision before.
+ * 2. Each row has eight lanes `l0` to `l7`, in double precision, which start at 0.0. Column `i` of the ROI adds
+ *    `abs(v)` (L1) or `v * v` (L2) to lane `i mod 8`, from left to right.
+ * 3. At its end the sum of the row is `((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7))`.
+ * 4. A Lum64f total starts at 0.0 and takes the sums of the rows, from the first row to the last.
+ *
+ * There is one exception: lumiNorm_L2_32f_C3CMR() has `v * v`, its lanes and the sum of the row in single precision;
+ * only the total of step 4 is double. Both sums of lumiNormRel_L2_32f_C3CMR() follow the rule, not the exception.
+ *
+ * **Zero divisor.** Where the sum or maximum of `s2` is zero, `lumiNormRel` returns #lumWrnZeroDivisor and writes plus
+ * infinity if that of the difference is above zero, minus infinity if it is not-a-number, and not-a-number if it is
+ * zero too.
+ *
+ * **Not-a-number** as a result, this one or any other, always has the bits 0xFFF8000000000000.
+ *
+ * **Checks**, in this order; the first that fails decides the status, and nothing has been written:
+ *
+ * 1. #lumErrNullPointer: the pointer to an image, to the mask or to the value is null.
+ * 2. #lumErrSize: the width or the height of the ROI is below 1.
+ * 3. #lumErrStep: a stride is smaller than a row of its image in bytes (a mask row has one byte for each pixel).
+ * 4. #lumErrStepAlignment: the stride of a 16u or a 32f image is not a multiple of its element size.
+ * 5. #lumErrChannelOfInterest: `coi` is not 1, 2 or 3 (`C3CMR`).
+ *
+ * @see @ref absdiff
+ *
+ * @{
+ */
+
+/**
+ * Inf norm of an 8u image, over a mask.
+ *
+ * @param pSrc     first pixel of the image's ROI
+ * @param srcStep  stride of the image, in bytes; a multiple of the element size
+ * @param pMask    first byte of the mask's ROI, one byte for each pixel
+ * @param maskStep stride of the mask, in bytes
+ * @param roiSize  size of the ROI in pixels
+ * @param pValue   where the norm goes
+ * @retval lumOk               the norm has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment the stride of an image is not a multiple of its element size
+ */
+LUMCV_API LumStatus lumiNorm_Inf_8u_C1MR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                         LumiSize roiSize, Lum64f* pValue);
+
+/** Inf norm of a 16u image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_Inf_16u_C1MR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                          LumiSize roiSize, Lum64f* pValue);
+
+/** Inf norm of a 32f image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_Inf_32f_C1MR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                          LumiSize roiSize, Lum64f* pValue);
+
+/**
+ * Inf norm of one channel of an 8u image of three channels, over a mask.
+ *
+ * @param pSrc     first pixel of the image's ROI
+ * @param srcStep  stride of the image, in bytes; a multiple of the element size
+ * @param pMask    first byte of the mask's ROI, one byte for each pixel
+ * @param maskStep stride of the mask, in bytes
+ * @param roiSize  size of the ROI in pixels
+ * @param coi      channel of interest: 1, 2 or 3
+ * @param pValue   where the norm goes
+ * @retval lumOk                   the norm has been written
+ * @retval lumErrNullPointer       a pointer is null
+ * @retval lumErrSize              the width or the height is below 1
+ * @retval lumErrStep              a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment     the stride of an image is not a multiple of its element size
+ * @retval lumErrChannelOfInterest `coi` is not 1, 2 or 3
+ */
+LUMCV_API LumStatus lumiNorm_Inf_8u_C3CMR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                          LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/** Inf norm of one channel of a 16u image of three channels, over a mask. @copydetails lumiNorm_Inf_8u_C3CMR */
+LUMCV_API LumStatus lumiNorm_Inf_16u_C3CMR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                           LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/** Inf norm of one channel of a 32f image of three channels, over a mask. @copydetails lumiNorm_Inf_8u_C3CMR */
+LUMCV_API LumStatus lumiNorm_Inf_32f_C3CMR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                           LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/** L1 norm of an 8u image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_L1_8u_C1MR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                        LumiSize roiSize, Lum64f* pValue);
+
+/** L1 norm of a 16u image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_L1_16u_C1MR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                         LumiSize roiSize, Lum64f* pValue);
+
+/** L1 norm of a 32f image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_L1_32f_C1MR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                         LumiSize roiSize, Lum64f* pValue);
+
+/** L1 norm of one channel of an 8u image of three channels, over a mask. @copydetails lumiNorm_Inf_8u_C3CMR */
+LUMCV_API LumStatus lumiNorm_L1_8u_C3CMR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                         LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/** L1 norm of one channel of a 16u image of three channels, over a mask. @copydetails lumiNorm_Inf_8u_C3CMR */
+LUMCV_API LumStatus lumiNorm_L1_16u_C3CMR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                          LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/** L1 norm of one channel of a 32f image of three channels, over a mask. @copydetails lumiNorm_Inf_8u_C3CMR */
+LUMCV_API LumStatus lumiNorm_L1_32f_C3CMR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                          LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/** L2 norm of an 8u image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_L2_8u_C1MR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                        LumiSize roiSize, Lum64f* pValue);
+
+/** L2 norm of a 16u image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_L2_16u_C1MR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                         LumiSize roiSize, Lum64f* pValue);
+
+/** L2 norm of a 32f image, over a mask. @copydetails lumiNorm_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNorm_L2_32f_C1MR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                         LumiSize roiSize, Lum64f* pValue);
+
+/** L2 norm of one channel of an 8u image of three channels, over a mask. @copydetails lumiNorm_Inf_8u_C3CMR */
+LUMCV_API LumStatus lumiNorm_L2_8u_C3CMR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                         LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/** L2 norm of one channel of a 16u image of three channels, over a mask. @copydetails lumiNorm_Inf_8u_C3CMR */
+LUMCV_API LumStatus lumiNorm_L2_16u_C3CMR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                          LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/**
+ * L2 norm of one channel of a 32f image of three channels, over a mask; the only one with sums in single precision.
+ * @copydetails lumiNorm_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNorm_L2_32f_C3CMR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
+                                          LumiSize roiSize, Lum32s coi, Lum64f* pValue);
+
+/**
+ * Inf norm of the difference of two 8u images, over a mask.
+ *
+ * @param pSrc1    first pixel of the first image's ROI
+ * @param src1Step stride of the first image, in bytes; a multiple of the element size
+ * @param pSrc2    first pixel of the second image's ROI
+ * @param src2Step stride of the second image, in bytes; a multiple of the element size
+ * @param pMask    first byte of the mask's ROI, one byte for each pixel
+ * @param maskStep stride of the mask, in bytes
+ * @param roiSize  size of the ROI in pixels
+ * @param pValue   where the norm goes
+ * @retval lumOk               the norm has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment the stride of an image is not a multiple of its element size
+ */
+LUMCV_API LumStatus lumiNormDiff_Inf_8u_C1MR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** Inf norm of the difference of two 16u images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_Inf_16u_C1MR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum64f* pValue);
+
+/** Inf norm of the difference of two 32f images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_Inf_32f_C1MR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum64f* pValue);
+
+/**
+ * Inf norm of the difference of one channel of two 8u images of three channels, over a mask.
+ *
+ * @param pSrc1    first pixel of the first image's ROI
+ * @param src1Step stride of the first image, in bytes; a multiple of the element size
+ * @param pSrc2    first pixel of the second image's ROI
+ * @param src2Step stride of the second image, in bytes; a multiple of the element size
+ * @param pMask    first byte of the mask's ROI, one byte for each pixel
+ * @param maskStep stride of the mask, in bytes
+ * @param roiSize  size of the ROI in pixels
+ * @param coi      channel of interest: 1, 2 or 3
+ * @param pValue   where the norm goes
+ * @retval lumOk                   the norm has been written
+ * @retval lumErrNullPointer       a pointer is null
+ * @retval lumErrSize              the width or the height is below 1
+ * @retval lumErrStep              a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment     the stride of an image is not a multiple of its element size
+ * @retval lumErrChannelOfInterest `coi` is not 1, 2 or 3
+ */
+LUMCV_API LumStatus lumiNormDiff_Inf_8u_C3CMR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                              const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                              Lum64f* pValue);
+
+/**
+ * Inf norm of the difference of one channel of two 16u images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_Inf_16u_C3CMR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2,
+                                               Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                               Lum32s coi, Lum64f* pValue);
+
+/**
+ * Inf norm of the difference of one channel of two 32f images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_Inf_32f_C3CMR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2,
+                                               Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                               Lum32s coi, Lum64f* pValue);
+
+/** L1 norm of the difference of two 8u images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_L1_8u_C1MR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** L1 norm of the difference of two 16u images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_L1_16u_C1MR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** L1 norm of the difference of two 32f images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_L1_32f_C1MR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/**
+ * L1 norm of the difference of one channel of two 8u images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_L1_8u_C3CMR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                             Lum64f* pValue);
+
+/**
+ * L1 norm of the difference of one channel of two 16u images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_L1_16u_C3CMR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum32s coi, Lum64f* pValue);
+
+/**
+ * L1 norm of the difference of one channel of two 32f images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_L1_32f_C3CMR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum32s coi, Lum64f* pValue);
+
+/** L2 norm of the difference of two 8u images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_L2_8u_C1MR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** L2 norm of the difference of two 16u images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_L2_16u_C1MR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** L2 norm of the difference of two 32f images, over a mask. @copydetails lumiNormDiff_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormDiff_L2_32f_C1MR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/**
+ * L2 norm of the difference of one channel of two 8u images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_L2_8u_C3CMR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                             Lum64f* pValue);
+
+/**
+ * L2 norm of the difference of one channel of two 16u images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_L2_16u_C3CMR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum32s coi, Lum64f* pValue);
+
+/**
+ * L2 norm of the difference of one channel of two 32f images of three channels, over a mask.
+ * @copydetails lumiNormDiff_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormDiff_L2_32f_C3CMR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum32s coi, Lum64f* pValue);
+
+/**
+ * Relative Inf norm of two 8u images, over a mask.
+ *
+ * @param pSrc1    first pixel of the first image's ROI
+ * @param src1Step stride of the first image, in bytes; a multiple of the element size
+ * @param pSrc2    first pixel of the second image's ROI; the reference
+ * @param src2Step stride of the second image, in bytes; a multiple of the element size
+ * @param pMask    first byte of the mask's ROI, one byte for each pixel
+ * @param maskStep stride of the mask, in bytes
+ * @param roiSize  size of the ROI in pixels
+ * @param pValue   where the norm goes
+ * @retval lumOk               the norm has been written
+ * @retval lumWrnZeroDivisor   the norm of the second image is zero; an infinity or a not-a-number has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment the stride of an image is not a multiple of its element size
+ */
+LUMCV_API LumStatus lumiNormRel_Inf_8u_C1MR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** Relative Inf norm of two 16u images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_Inf_16u_C1MR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** Relative Inf norm of two 32f images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_Inf_32f_C1MR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/**
+ * Relative Inf norm of one channel of two 8u images of three channels, over a mask.
+ *
+ * @param pSrc1    first pixel of the first image's ROI
+ * @param src1Step stride of the first image, in bytes; a multiple of the element size
+ * @param pSrc2    first pixel of the second image's ROI; the reference
+ * @param src2Step stride of the second image, in bytes; a multiple of the element size
+ * @param pMask    first byte of the mask's ROI, one byte for each pixel
+ * @param maskStep stride of the mask, in bytes
+ * @param roiSize  size of the ROI in pixels
+ * @param coi      channel of interest: 1, 2 or 3
+ * @param pValue   where the norm goes
+ * @retval lumOk                   the norm has been written
+ * @retval lumWrnZeroDivisor       the norm of the second image is zero; an infinity or a not-a-number has been written
+ * @retval lumErrNullPointer       a pointer is null
+ * @retval lumErrSize              the width or the height is below 1
+ * @retval lumErrStep              a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment     the stride of an image is not a multiple of its element size
+ * @retval lumErrChannelOfInterest `coi` is not 1, 2 or 3
+ */
+LUMCV_API LumStatus lumiNormRel_Inf_8u_C3CMR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                             Lum64f* pValue);
+
+/**
+ * Relative Inf norm of one channel of two 16u images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_Inf_16u_C3CMR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum32s coi, Lum64f* pValue);
+
+/**
+ * Relative Inf norm of one channel of two 32f images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_Inf_32f_C3CMR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2,
+                                              Lum32s src2Step, const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize,
+                                              Lum32s coi, Lum64f* pValue);
+
+/** Relative L1 norm of two 8u images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_L1_8u_C1MR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                           const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** Relative L1 norm of two 16u images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_L1_16u_C1MR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** Relative L1 norm of two 32f images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_L1_32f_C1MR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/**
+ * Relative L1 norm of one channel of two 8u images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_L1_8u_C3CMR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                            Lum64f* pValue);
+
+/**
+ * Relative L1 norm of one channel of two 16u images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_L1_16u_C3CMR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                             Lum64f* pValue);
+
+/**
+ * Relative L1 norm of one channel of two 32f images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_L1_32f_C3CMR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                             Lum64f* pValue);
+
+/** Relative L2 norm of two 8u images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_L2_8u_C1MR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                           const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** Relative L2 norm of two 16u images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_L2_16u_C1MR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/** Relative L2 norm of two 32f images, over a mask. @copydetails lumiNormRel_Inf_8u_C1MR */
+LUMCV_API LumStatus lumiNormRel_L2_32f_C1MR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum64f* pValue);
+
+/**
+ * Relative L2 norm of one channel of two 8u images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_L2_8u_C3CMR(const Lum8u* pSrc1, Lum32s src1Step, const Lum8u* pSrc2, Lum32s src2Step,
+                                            const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                            Lum64f* pValue);
+
+/**
+ * Relative L2 norm of one channel of two 16u images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_L2_16u_C3CMR(const Lum16u* pSrc1, Lum32s src1Step, const Lum16u* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                             Lum64f* pValue);
+
+/**
+ * Relative L2 norm of one channel of two 32f images of three channels, over a mask.
+ * @copydetails lumiNormRel_Inf_8u_C3CMR
+ */
+LUMCV_API LumStatus lumiNormRel_L2_32f_C3CMR(const Lum32f* pSrc1, Lum32s src1Step, const Lum32f* pSrc2, Lum32s src2Step,
+                                             const Lum8u* pMask, Lum32s maskStep, LumiSize roiSize, Lum32s coi,
+                                             Lum64f* pValue);
 
 /** @} */
 

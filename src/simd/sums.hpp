@@ -14,23 +14,30 @@ template <class T, int N, int elementBytes>
 using Sums = Vec<T, (N * elementBytes < integerRegisterBytes ? N * elementBytes : integerRegisterBytes) /
                         static_cast<int>(sizeof(T))>;
 
+/// Sums of |a - b| of bytes: up to 8 of each register in a lane.
+template <int N>
+[[gnu::always_inline]] inline Sums<uint64_t, N, 1> sumsOfDifferences(Vec<Lum8u, N> a, Vec<Lum8u, N> b)
+{
+    using V = Sums<uint64_t, N, 1>;
+    if constexpr (kindOf<Lum8u, N> == Kind::pair)
+        return sumsOfDifferences(a.lo, b.lo) + sumsOfDifferences(a.hi, b.hi);
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_sad_epu8(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_sad_epu8(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_sad_epu8(bits(a.raw), bits(b.raw))};
+#endif
+}
+
 /// Sums of bytes: up to 8 of each register in a lane.
 template <int N>
 [[gnu::always_inline]] inline Sums<uint64_t, N, 1> sumsOf(Vec<Lum8u, N> v)
 {
-    using V = Sums<uint64_t, N, 1>;
-    if constexpr (kindOf<Lum8u, N> == Kind::pair)
-        return sumsOf(v.lo) + sumsOf(v.hi);
-    else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)_mm_sad_epu8(bits(v.raw), _mm_setzero_si128())};
-#if defined(__AVX2__)
-    else if constexpr (sizeof(V) == 32)
-        return {(typename V::Raw)_mm256_sad_epu8(bits(v.raw), _mm256_setzero_si256())};
-#endif
-#if defined(__AVX512BW__)
-    else
-        return {(typename V::Raw)_mm512_sad_epu8(bits(v.raw), _mm512_setzero_si512())};
-#endif
+    return sumsOfDifferences(v, broadcast<N>(Lum8u{0}));
 }
 
 /// a[0] * b[0] + a[1] * b[1] and so on: the products of two neighbours, added in 32 bits.

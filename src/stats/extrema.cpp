@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "lumcv/stats.h"
-#include "stats/channel_checks.hpp"
+#include "stats/channel.hpp"
 #include "stats/pixel_groups.hpp"
 
 namespace lumcv {
@@ -89,16 +89,16 @@ template <int channels, class T, class... Mask>
     constexpr int lanes = simd::registerLanes<T>;
     auto& least = firstRegister(extremes.least);
     auto& greatest = firstRegister(extremes.greatest);
-    const auto add = [](Extremes<T, lanes> sum, const T* p, const Mask*... m) {
-        return sum.with(simd::loadPixels<lanes, channels>(p), m...);
-    };
     Extremes<T, lanes> rest{least, greatest};
+    const auto add = [&rest](const T* p, const Mask*... m) {
+        rest = rest.with(simd::loadPixels<lanes, channels>(p), m...);
+    };
     for (; x + lanes <= width; x += lanes)
-        rest = add(rest, row + x * channels, (mask + x)...);
+        add(row + x * channels, (mask + x)...);
     if (x < width && width >= lanes)
-        rest = add(rest, row + (width - lanes) * channels, (mask + (width - lanes))...);
+        add(row + (width - lanes) * channels, (mask + (width - lanes))...);
     else  // the missing pixels of a group are masked out, or the first one again
-        rest = foldGroups<lanes>(x, width, rest, add, PixelRow<T, channels>{row, *row}, PixelRow<Mask, 1>{mask, 0}...);
+        eachGroup<lanes>(x, width, add, PixelRow<T, channels>{row, *row}, PixelRow<Mask, 1>{mask, 0}...);
     least = rest.least;
     greatest = rest.greatest;
     return extremes;
@@ -232,17 +232,17 @@ void write(T* result, T value)
 }
 
 template <class T, int channels, class... Mask>
-LumStatus extrema(Channel<T, channels> source, LumiSize roiSize, Results results, Plane<const Mask>... mask)
+LumStatus extrema(Channel<T, channels> source, LumiSize roiSize, Results results, Channel<Mask, 1>... mask)
 {
-    const auto checks = channelChecks(source, roiSize, mask...);
+    const auto checks = channelChecks(roiSize, source, mask...);
     if (checks.failed())
         return checks.status();
 
     const auto src = source.plane();
-    const auto found =
-        results.wantPlaces() ? findRows<channels>(roiSize, src, mask...) : findValues<channels>(roiSize, src, mask...);
+    const auto found = results.wantPlaces() ? findRows<channels>(roiSize, src, mask.plane()...)
+                                            : findValues<channels>(roiSize, src, mask.plane()...);
     if constexpr (sizeof...(mask) > 0)
-        if (!found.any && !(anySet(mask, roiSize) && ...)) {
+        if (!found.any && !(anySet(mask.plane(), roiSize) && ...)) {
             write(results.least, 0.0f);
             write(results.greatest, 0.0f);
             write(results.leastPlace, LumiPoint{0, 0});
@@ -251,7 +251,7 @@ LumStatus extrema(Channel<T, channels> source, LumiSize roiSize, Results results
         }
 
     const auto place = [&](T value, int64_t y) {
-        return found.any ? LumiPoint{columnOf<channels>(value, roiSize.width, src.row(y), mask.row(y)...),
+        return found.any ? LumiPoint{columnOf<channels>(value, roiSize.width, src.row(y), mask.plane().row(y)...),
                                      static_cast<Lum32s>(y)}
                          : LumiPoint{-1, 0};
     };
@@ -293,7 +293,7 @@ LumStatus lumiMinMaxIndx_8u_C1MR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u*
                                  LumiPoint* pMaxIndex)
 {
     return extrema(wholeImage(pSrc, srcStep), roiSize, {pMinVal, pMaxVal, pMinIndex, pMaxIndex},
-                   source(pMask, maskStep));
+                   wholeImage(pMask, maskStep));
 }
 
 LumStatus lumiMinMaxIndx_16u_C1MR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
@@ -301,7 +301,7 @@ LumStatus lumiMinMaxIndx_16u_C1MR(const Lum16u* pSrc, Lum32s srcStep, const Lum8
                                   LumiPoint* pMaxIndex)
 {
     return extrema(wholeImage(pSrc, srcStep), roiSize, {pMinVal, pMaxVal, pMinIndex, pMaxIndex},
-                   source(pMask, maskStep));
+                   wholeImage(pMask, maskStep));
 }
 
 LumStatus lumiMinMaxIndx_32f_C1MR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
@@ -309,7 +309,7 @@ LumStatus lumiMinMaxIndx_32f_C1MR(const Lum32f* pSrc, Lum32s srcStep, const Lum8
                                   LumiPoint* pMaxIndex)
 {
     return extrema(wholeImage(pSrc, srcStep), roiSize, {pMinVal, pMaxVal, pMinIndex, pMaxIndex},
-                   source(pMask, maskStep));
+                   wholeImage(pMask, maskStep));
 }
 
 LumStatus lumiMinMaxIndx_8u_C3CR(const Lum8u* pSrc, Lum32s srcStep, LumiSize roiSize, Lum32s coi, Lum32f* pMinVal,
@@ -335,7 +335,7 @@ LumStatus lumiMinMaxIndx_8u_C3CMR(const Lum8u* pSrc, Lum32s srcStep, const Lum8u
                                   LumiPoint* pMaxIndex)
 {
     return extrema(channelOfInterest(pSrc, srcStep, coi), roiSize, {pMinVal, pMaxVal, pMinIndex, pMaxIndex},
-                   source(pMask, maskStep));
+                   wholeImage(pMask, maskStep));
 }
 
 LumStatus lumiMinMaxIndx_16u_C3CMR(const Lum16u* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
@@ -343,7 +343,7 @@ LumStatus lumiMinMaxIndx_16u_C3CMR(const Lum16u* pSrc, Lum32s srcStep, const Lum
                                    LumiPoint* pMaxIndex)
 {
     return extrema(channelOfInterest(pSrc, srcStep, coi), roiSize, {pMinVal, pMaxVal, pMinIndex, pMaxIndex},
-                   source(pMask, maskStep));
+                   wholeImage(pMask, maskStep));
 }
 
 LumStatus lumiMinMaxIndx_32f_C3CMR(const Lum32f* pSrc, Lum32s srcStep, const Lum8u* pMask, Lum32s maskStep,
@@ -351,5 +351,5 @@ LumStatus lumiMinMaxIndx_32f_C3CMR(const Lum32f* pSrc, Lum32s srcStep, const Lum
                                    LumiPoint* pMaxIndex)
 {
     return extrema(channelOfInterest(pSrc, srcStep, coi), roiSize, {pMinVal, pMaxVal, pMinIndex, pMaxIndex},
-                   source(pMask, maskStep));
+                   wholeImage(pMask, maskStep));
 }

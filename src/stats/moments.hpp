@@ -7,7 +7,7 @@
 
 namespace lumcv {
 
-/// Of the pixels that a mask keeps; without a mask `count` is 0 and the caller knows it.
+/// Of the pixels that the mask keeps, or of all of them.
 template <class Value>
 struct Moments
 {
@@ -15,9 +15,6 @@ struct Moments
     Value sum;
     Value squares;
 };
-
-/// Pixels of a row after which 32-bit lanes are added to 64-bit ones.
-inline constexpr int64_t pixelsPerSettlement = 1 << 17;
 
 template <class T, bool withSquares>
 struct MomentSums;
@@ -30,7 +27,7 @@ struct MomentSums<Lum8u, withSquares>
     using Count = simd::Sums<uint64_t, lanes, 1>;
     using Recent = simd::Sums<Lum32s, lanes, 1>;
 
-    Count count, sum, squares;
+    Count keptPixels, sum, squares;
     Recent recentSquares;  ///< at most 16 squares of 255 for each 64 pixels: 2048 times that is below 2^31
 
     template <int channels, class... Mask>
@@ -38,7 +35,7 @@ struct MomentSums<Lum8u, withSquares>
     {
         auto v = simd::loadPixels<lanes, channels>(p);
         ((v = simd::keepWhere(mask, v)), ...);
-        ((count = count + simd::countsOf<lanes>(mask)), ...);
+        ((keptPixels = keptPixels + simd::countsOf<lanes>(mask)), ...);
         sum = sum + simd::sumsOf(v);
         if constexpr (withSquares)
             recentSquares = recentSquares + simd::squareSumsOf(v);
@@ -52,9 +49,9 @@ struct MomentSums<Lum8u, withSquares>
         }
     }
 
-    Moments<uint64_t> total(uint64_t /* pixels */) const
+    Moments<uint64_t> total(uint64_t count) const
     {
-        return {simd::total(count), simd::total(sum), simd::total(squares)};
+        return {count, simd::total(sum), simd::total(squares)};
     }
 };
 
@@ -69,7 +66,7 @@ struct MomentSums<Lum16u, withSquares>
     using Sum = simd::Sums<uint64_t, lanes, 2>;
     using Recent = simd::Sums<Lum32s, lanes, 2>;
 
-    Count count;
+    Count keptPixels;
     Sum sum, squares;
     Recent recentSum;  ///< at most 8 distances of 32768 for each 32 pixels: 4096 times that is 2^30
 
@@ -79,7 +76,7 @@ struct MomentSums<Lum16u, withSquares>
         auto distance =
             simd::reinterpreted<Lum16s>(simd::loadPixels<lanes, channels>(p) - simd::broadcast<lanes>(centre));
         ((distance = simd::keepWhere(mask, distance)), ...);
-        ((count = count + simd::countsOf<lanes>(mask)), ...);
+        ((keptPixels = keptPixels + simd::countsOf<lanes>(mask)), ...);
         recentSum = recentSum + simd::sumsOf(distance);
         if constexpr (withSquares)
             squares = squares + simd::squareSumsOf(distance);
@@ -92,11 +89,10 @@ struct MomentSums<Lum16u, withSquares>
     }
 
     /// Modulo 2^64, so that a negative sum of distances does no harm.
-    Moments<uint64_t> total(uint64_t pixels) const
+    Moments<uint64_t> total(uint64_t count) const
     {
         const uint64_t distances = simd::total(sum);
-        return {simd::total(count), distances + (pixels << 15),
-                simd::total(squares) + (distances << 16) + (pixels << 30)};
+        return {count, distances + (count << 15), simd::total(squares) + (distances << 16) + (count << 30)};
     }
 };
 
@@ -107,7 +103,7 @@ struct MomentSums<Lum32f, withSquares>
     static constexpr int lanes = 16;
     static constexpr Lum32f fill = 0.0f;
 
-    simd::Sums<uint64_t, lanes, 1> count;
+    simd::Sums<uint64_t, lanes, 1> keptPixels;
     simd::Vec<Lum64f, lanes> sum, squares;
 
     template <int channels, class... Mask>
@@ -119,7 +115,7 @@ struct MomentSums<Lum32f, withSquares>
             else
                 return simd::toDouble(simd::keepWhere(mask..., simd::loadPixels<lanes, channels>(p)));
         }();
-        ((count = count + simd::countsOf<lanes>(mask)), ...);
+        ((keptPixels = keptPixels + simd::countsOf<lanes>(mask)), ...);
         sum = sum + v;
         if constexpr (withSquares)
             squares = simd::addExactSquare(squares, v);
@@ -127,9 +123,9 @@ struct MomentSums<Lum32f, withSquares>
 
     [[gnu::always_inline]] void settle() {}
 
-    Moments<Lum64f> total(uint64_t /* pixels */) const
+    Moments<Lum64f> total(uint64_t count) const
     {
-        return {simd::total(count), simd::total(sum), simd::total(squares)};
+        return {count, simd::total(sum), simd::total(squares)};
     }
 };
 
@@ -138,20 +134,13 @@ template <int channels, bool withSquares, class T, class... Mask>
 [[gnu::flatten]] auto momentsOf(LumiSize size, Plane<const T> src, Plane<const Mask>... mask)
 {
     using Sums = MomentSums<T, withSquares>;
-    const auto add = [](Sums sums, const T* p, const Mask*... m) {
-        sums.template add<channels>(p, m...);
-        return sums;
-    };
     Sums sums{};
+    const auto add = [&sums](const T* p, const Mask*... m) { sums.template add<channels>(p, m...); };
     for (int64_t y = 0; y < size.height; ++y)
-        for (int64_t x = 0; x < size.width; x += pixelsPerSettlement) {
-            const int64_t end = size.width - x < pixelsPerSettlement ? size.width : x + pixelsPerSettlement;
-            sums = foldGroups<Sums::lanes>(x, end, sums, add, PixelRow<T, channels>{src.row(y), Sums::fill},
-                                           PixelRow<Mask, 1>{mask.row(y), 0}...);
-            sums.settle();
-        }
+        addSettled<Sums::lanes>(sums, size.width, add, PixelRow<T, channels>{src.row(y), Sums::fill},
+                                PixelRow<Mask, 1>{mask.row(y), 0}...);
     const auto pixels = static_cast<uint64_t>(size.width) * static_cast<uint64_t>(size.height);
-    return sums.total(sizeof...(mask) == 0 ? pixels : static_cast<uint64_t>(simd::total(sums.count)));
+    return sums.total(sizeof...(mask) == 0 ? pixels : simd::total(sums.keptPixels));
 }
 
 /// The sum of the squares of (pixel - centre), the difference in single precision, over the same pixels and in the same
@@ -162,15 +151,15 @@ template <int channels, class... Mask>
 {
     constexpr int lanes = MomentSums<Lum32f, true>::lanes;
     using Sum = simd::Vec<Lum64f, lanes>;
-    const auto add = [centre](Sum sum, const Lum32f* p, const Mask*... m) {
+    Sum sum{};
+    const auto add = [&sum, centre](const Lum32f* p, const Mask*... m) {
         auto distance = simd::loadPixels<lanes, channels>(p) - simd::broadcast<lanes>(centre);
         ((distance = simd::keepWhere(m, distance)), ...);
-        return simd::addExactSquare(sum, simd::toDouble(distance));
+        sum = simd::addExactSquare(sum, simd::toDouble(distance));
     };
-    Sum sum{};
     for (int64_t y = 0; y < size.height; ++y)
-        sum = foldGroups<lanes>(0, size.width, sum, add, PixelRow<Lum32f, channels>{src.row(y), centre},
-                                PixelRow<Mask, 1>{mask.row(y), 0}...);
+        eachGroup<lanes>(0, size.width, add, PixelRow<Lum32f, channels>{src.row(y), centre},
+                         PixelRow<Mask, 1>{mask.row(y), 0}...);
     return simd::total(sum);
 }
 

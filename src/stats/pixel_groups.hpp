@@ -45,21 +45,35 @@ class LastGroup
     alignas(64) T elements_[elements];
 };
 
-/// Folds the pixels x of [begin, width) into an accumulator: sum = body(sum, const T* of each row) for each group of N,
-/// which reads N pixels of each row. Pixel begin + i is always in lane i mod N.
-template <int N, class Sum, class Body, class... Rows>
-[[gnu::always_inline]] inline Sum foldGroups(int64_t begin, int64_t width, Sum sum, Body body, Rows... rows)
+/// Calls body(const T* of each row) for each group of N of the pixels x of [begin, width); it reads N pixels of each
+/// row. Pixel begin + i is always in lane i mod N.
+template <int N, class Body, class... Rows>
+[[gnu::always_inline]] inline void eachGroup(int64_t begin, int64_t width, Body body, Rows... rows)
 {
     int64_t x = begin;
     for (; x + N <= width; x += N)
-        sum = body(sum, rows.at(x)...);
+        body(rows.at(x)...);
     if (x < width) {
         const auto last = [&]<class T, int channels>(PixelRow<T, channels> row) {
             return LastGroup<N, T, channels>(row, x, width);
         };
-        sum = [&](const auto&... groups) { return body(sum, groups.first()...); }(last(rows)...);
+        [&](const auto&... groups) { body(groups.first()...); }(last(rows)...);
     }
-    return sum;
+}
+
+/// Pixels of a row after which partial sums in narrow lanes are added to wide ones.
+inline constexpr int64_t pixelsPerSettlement = 1 << 17;
+
+/// Adds a row of any width to sums that have to be settled: sums.settle() comes after every pixelsPerSettlement pixels
+/// and at the end of the row. The body adds a group to the same sums.
+template <int N, class Sums, class Body, class... Rows>
+[[gnu::always_inline]] inline void addSettled(Sums& sums, int64_t width, Body body, Rows... rows)
+{
+    static_assert(pixelsPerSettlement % N == 0);
+    for (int64_t x = 0; x < width; x += pixelsPerSettlement) {
+        eachGroup<N>(x, width - x < pixelsPerSettlement ? width : x + pixelsPerSettlement, body, rows...);
+        sums.settle();
+    }
 }
 
 }  // namespace lumcv

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -119,6 +120,36 @@ TEST(SimdLanes, AnyLessSeesEachLaneAndNoEquals)
         } else
             EXPECT_TRUE(simd::anyLess(v, simd::broadcast<N>(static_cast<T>(-1))));
     });
+}
+
+template <class T, int N>
+void expectAnyEqual()
+{
+    std::array<T, N> lanes{};
+    for (std::size_t i = 0; i < N; ++i)
+        lanes[i] = static_cast<T>(i + 1);
+    const auto equalsSome = [&](T value) {
+        return simd::anyEqual(simd::load<N>(lanes.data()), simd::broadcast<N>(value));
+    };
+    EXPECT_FALSE(equalsSome(T{0}));
+    EXPECT_FALSE(equalsSome(static_cast<T>(N + 1)));
+    for (int i = 0; i < N; ++i)
+        EXPECT_TRUE(equalsSome(static_cast<T>(i + 1))) << "lane " << i << " of " << N;
+    if constexpr (std::is_floating_point_v<T>) {
+        EXPECT_FALSE(equalsSome(NAN));
+        lanes[N / 2] = NAN;
+        EXPECT_FALSE(equalsSome(NAN));
+        lanes[N - 1] = -0.0f;
+        EXPECT_TRUE(equalsSome(0.0f));
+    }
+}
+
+TEST(SimdLanes, AnyEqualSeesEachLane)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) { expectAnyEqual<T, N>(); };
+    forWidths<Lum8u>(check);
+    forWidths<Lum16u>(check);
+    forWidths<Lum32f>(check);
 }
 
 TEST(SimdLanes, ExtremesOfDoublesKeepTheSecondOfEquals)
