@@ -12,5 +12,6 @@
 #include "simd/prefix.hpp"
 #include "simd/row.hpp"
 #include "simd/sums.hpp"
+#include "simd/select.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"
