@@ -187,7 +187,8 @@ void append(std::string& text, float value)
 
 void append(std::string& text, int value)
 {
-    text += " " + std::to_string(value);
+    text += ' ';
+    text += std::to_string(value);
 }
 
 template <typename... Numbers>

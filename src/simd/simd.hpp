@@ -11,7 +11,7 @@
 #include "simd/pixels.hpp"
 #include "simd/prefix.hpp"
 #include "simd/row.hpp"
-#include "simd/sums.hpp"
 #include "simd/select.hpp"
+#include "simd/sums.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"
