@@ -118,6 +118,37 @@ void drawZonePlate(Picture& picture, int left, int top, int side)
     }
 }
 
+// A coin with a raised rim and some marks on it.
+void drawCoin(Picture& picture, float x, float y, float radius, const Colour& metal, Random& random)
+{
+    const auto shade = [&](int more) { return Colour{metal[0] + more, metal[1] + more, metal[2] + more}; };
+    drawRing(picture, x, y, 0.0f, radius, metal);
+    drawRing(picture, x, y, radius * 0.84f, radius, shade(22));
+    for (int mark = 0; mark < 5; ++mark) {
+        const float x0 = x + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        const float y0 = y + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        const float x1 = x + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        const float y1 = y + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        drawStroke(picture, x0, y0, x1, y1, radius * 0.2f, shade(mark % 2 == 0 ? -48 : 24));
+    }
+}
+
+// A dark tray with coins of several sizes.
+void drawTray(Picture& picture, int left, int top, Random& random)
+{
+    drawRectangle(picture, left, top, 300, 140, {58, 44, 40});
+    drawRectangle(picture, left + 6, top + 6, 288, 128, {40, 34, 38});
+    constexpr Colour metals[] = {{214, 186, 108}, {190, 194, 200}, {196, 130, 92}};
+    for (int row = 0; row < 2; ++row) {
+        for (int column = 0; column < 5; ++column) {
+            const float x = static_cast<float>(left + 38 + column * 56 + random.below(5) - 2);
+            const float y = static_cast<float>(top + 38 + row * 64 + random.below(5) - 2);
+            const float radius = static_cast<float>(15 + random.below(8));
+            drawCoin(picture, x, y, radius, metals[random.below(3)], random);
+        }
+    }
+}
+
 void addNoise(Picture& picture, int left, int top, int width, int height, int strength, Random& random)
 {
     for (int y = std::max(top, 0); y < std::min(top + height, picture.height()); ++y) {
@@ -178,6 +209,8 @@ Picture drawScene()
     drawWriting(picture, 478, 338, 19, 10, {34, 32, 44}, random);
     drawRectangle(picture, 726, 376, 212, 212, {30, 30, 30});
     drawZonePlate(picture, 732, 382, 200);
+
+    drawTray(picture, 392, 22, random);
 
     // a strip of pure colours, then noise: a little everywhere, much in one corner
     for (int patch = 0; patch < 8; ++patch) {
