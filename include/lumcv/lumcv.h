@@ -9,6 +9,7 @@
 
 #include "filter.h"
 #include "frame.h"
+#include "integral.h"
 #include "morph.h"
 #include "types.h"
 
