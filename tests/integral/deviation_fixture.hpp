@@ -4,11 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdint>
 #include <type_traits>
+#include <vector>
 
 #include "integral/deviation_reference.hpp"
+#include "integral/table.hpp"
 #include "lumcv/lumcv.h"
 #include "support/compare.hpp"
 #include "support/image.hpp"
@@ -65,12 +65,12 @@ constexpr Mixed kTilted32s32f = {
 constexpr Scaled kUpright32s = {
     "RectStdDev_32s", false, lumiRectStdDev_32s_C1RSfs,
     [](const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, Place, int scaleFactor) {
-        return static_cast<Lum32s>(upright32sSfs(sums, squares, rect, scaleFactor));
+        return upright32sSfs(sums, squares, rect, scaleFactor);
     }};
 constexpr Scaled kTilted32s = {
     "TiltedRectStdDev_32s", true, lumiTiltedRectStdDev_32s_C1RSfs,
     [](const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, Place, int scaleFactor) {
-        return static_cast<Lum32s>(tilted32sSfs(sums, squares, rect, scaleFactor));
+        return tilted32sSfs(sums, squares, rect, scaleFactor);
     }};
 
 /// Calls f with each form in turn.
@@ -92,13 +92,7 @@ void forEachForm(F f)
     }
 }
 
-/// The part of a table that a call reads: its first row and column as seen from the table pointer, and its size.
-struct Extent
-{
-    int row, column, width, height;
-    int columnsOfStep;  ///< what the stride has to hold
-};
-
+/// What is read of a table under a rectangle.
 inline Extent extentOf(bool isTilted, LumiSize roiSize, LumiRect r)
 {
     return isTilted ? Extent{r.x + r.y, r.x - r.y - r.height, r.width + r.height + roiSize.width,
@@ -106,49 +100,6 @@ inline Extent extentOf(bool isTilted, LumiSize roiSize, LumiRect r)
                     : Extent{r.y, r.x, r.width + roiSize.width, r.height + roiSize.height,
                              r.x + r.width + roiSize.width};
 }
-
-/// A table of exactly the rows and columns that are read. Its pointer stands where the entry in row 0 and column 0
-/// would be, mostly out of the memory that belongs to the table.
-template <class T>
-class TableImage
-{
-  public:
-    TableImage(const Extent& extent, Guard guard, int moreGap = 0)
-        : extent_(extent),
-          image_({.width = extent.width,
-                  .height = extent.height,
-                  .gap = (std::max(extent.columnsOfStep - extent.width, 0) + moreGap) * int{sizeof(T)},
-                  .guard = guard})
-    {
-    }
-    Image<T>& image()
-    {
-        return image_;
-    }
-    const Image<T>& image() const
-    {
-        return image_;
-    }
-    int step() const
-    {
-        return image_.step();
-    }
-    const T* pointer() const
-    {
-        const std::int64_t back =
-            std::int64_t{extent_.row} * step() + std::int64_t{extent_.column} * int{sizeof(T)};
-        return reinterpret_cast<const T*>(reinterpret_cast<std::uintptr_t>(image_.pixels()) -
-                                          static_cast<std::uintptr_t>(back));
-    }
-    Table<T> table() const
-    {
-        return {pointer(), step()};
-    }
-
-  private:
-    Extent extent_;
-    Image<T> image_;
-};
 
 /// What the tables hold.
 enum class Content

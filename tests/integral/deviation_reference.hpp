@@ -3,25 +3,12 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
+#include "integral/table.hpp"
 #include "lumcv/types.h"
 
 namespace lumcv::test::deviation {
-
-/// A table of which only its place is known: entries may be addressed anywhere around its pointer.
-template <class T>
-struct Table
-{
-    const T* origin;
-    int step;
-
-    T at(int row, int column) const
-    {
-        return *reinterpret_cast<const T*>(reinterpret_cast<std::uintptr_t>(origin) +
-                                           static_cast<std::uintptr_t>(std::int64_t{row} * step) +
-                                           static_cast<std::uintptr_t>(std::int64_t{column} * int{sizeof(T)}));
-    }
-};
 
 /// The four entries of a rectangle: upright in the order of the rows, tilted top, left, right, bottom.
 template <class T>
@@ -121,25 +108,32 @@ inline Lum32f upright32s32f(const Corners<Lum32s>& sums, const Corners<Lum64f>& 
     const Lum32f mean = static_cast<Lum32f>(integerSum(sums)) / area;
     const Lum32f meanSquare = place == Place::Body
                                   ? inOneRun(narrowed(squares)) / area
-                                  : static_cast<Lum32f>(inOneRun(squares) / static_cast<Lum64f>(area));
-    return std::sqrt(floored(meanSquare - mean * mean));
+                                  : static_cast<Lum32f>(inOneRun(squares) / (rect.width * rect.height));
+    const Lum32f variance = meanSquare - mean * mean;
+    return std::sqrt(variance < 0 ? 0.0F : variance);  // a not-a-number stays one
 }
 
-/// Two to the power of minus the factor; the power is taken modulo 32.
-inline Lum32f scaleOf(int scaleFactor)
+/// Two to the power of minus the factor, whose magnitude is taken modulo 32.
+inline Lum64f scaleOf(int scaleFactor)
 {
-    return scaleFactor < 0 ? static_cast<Lum32f>(std::ldexp(1.0, -scaleFactor & 31))
-                           : static_cast<Lum32f>(std::ldexp(1.0, -(scaleFactor & 31)));
+    const Lum64s factor = scaleFactor;
+    return std::ldexp(1.0, factor < 0 ? static_cast<int>(-factor % 32) : -static_cast<int>(factor % 32));
 }
 
-/// The rounded result before it is made an integer.
-inline Lum64f upright32sSfs(const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, int scaleFactor)
+/// Rounds half up; what is beyond 32 bits becomes the smallest number.
+inline Lum32s scaled(Lum64f root, int scaleFactor)
+{
+    const Lum64f result = std::trunc(root * scaleOf(scaleFactor) + 0.5);
+    return result < 2147483648.0 ? static_cast<Lum32s>(result) : std::numeric_limits<Lum32s>::min();
+}
+
+inline Lum32s upright32sSfs(const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, int scaleFactor)
 {
     const Lum32f inverse = 1.0F / static_cast<Lum32f>(rect.width * rect.height);
     const Lum32f mean = static_cast<Lum32f>(integerSum(sums)) * inverse;
     const Lum32f meanSquare = static_cast<Lum32f>(integerSum(squares)) * inverse;
     const Lum32f variance = floored(meanSquare - mean * mean);
-    return std::trunc(std::sqrt(static_cast<Lum64f>(variance)) * static_cast<Lum64f>(scaleOf(scaleFactor)) + 0.5);
+    return scaled(std::sqrt(static_cast<Lum64f>(variance)), scaleFactor);
 }
 
 inline Lum32f tilted32f(const Corners<Lum32f>& sums, const Corners<Lum64f>& squares, LumiRect rect)
@@ -159,14 +153,14 @@ inline Lum32f tilted32s32f(const Corners<Lum32s>& sums, const Corners<Lum64f>& s
         static_cast<Lum32f>(floored(meanSquare - static_cast<Lum64f>(mean) * static_cast<Lum64f>(mean))));
 }
 
-inline Lum64f tilted32sSfs(const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, int scaleFactor)
+inline Lum32s tilted32sSfs(const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, int scaleFactor)
 {
     const Lum32f inverse = 1.0F / static_cast<Lum32f>(2 * rect.width * rect.height);
     const Lum64f mean = static_cast<Lum32f>(integerSum(sums)) * inverse;
     const Lum64f meanSquare = static_cast<Lum32f>(integerSum(squares)) * inverse;
     const Lum32f variance = static_cast<Lum32f>(floored(meanSquare - mean * mean));
     const Lum32f root = static_cast<Lum32f>(std::sqrt(static_cast<Lum64f>(variance)));
-    return std::trunc(static_cast<Lum64f>(root) * static_cast<Lum64f>(scaleOf(scaleFactor)) + 0.5);
+    return scaled(static_cast<Lum64f>(root), scaleFactor);
 }
 
 }  // namespace lumcv::test::deviation
