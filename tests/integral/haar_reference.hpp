@@ -113,7 +113,7 @@ inline int groupLength(Lum32s positive, LumiSize roiSize)
 template <class T, class V>
 struct Job
 {
-    std::vector<StoredClassifier<V>> classifiers;
+    const std::vector<StoredClassifier<V>>& classifiers;
     bool isMixed;
     Table<T> upright;
     Table<T> tilted;  ///< of mixed forms; its pointer is that of the call
