@@ -30,8 +30,7 @@ struct Form
     Formula formula;
 };
 
-template <class Sum,
-          LumStatus (*f)(const Sum*, int, const Lum64f*, int, Lum32f*, int, LumiSize, LumiRect)>
+template <class Sum, LumStatus (*f)(const Sum*, int, const Lum64f*, int, Lum32f*, int, LumiSize, LumiRect)>
 LumStatus withoutScale(const Sum* pSrc, int srcStep, const Lum64f* pSqr, int sqrStep, Lum32f* pDst, int dstStep,
                        LumiSize roiSize, LumiRect rect, int)
 {
@@ -42,36 +41,24 @@ using Floats = Form<Lum32f, Lum64f, Lum32f>;
 using Mixed = Form<Lum32s, Lum64f, Lum32f>;
 using Scaled = Form<Lum32s, Lum32s, Lum32s>;
 
-constexpr Floats kUpright32f = {
-    "RectStdDev_32f", false, withoutScale<Lum32f, lumiRectStdDev_32f_C1R>,
-    [](const Corners<Lum32f>& sums, const Corners<Lum64f>& squares, LumiRect rect, Place place, int) {
-        return upright32f(sums, squares, rect, place);
-    }};
-constexpr Floats kTilted32f = {
-    "TiltedRectStdDev_32f", true, withoutScale<Lum32f, lumiTiltedRectStdDev_32f_C1R>,
-    [](const Corners<Lum32f>& sums, const Corners<Lum64f>& squares, LumiRect rect, Place, int) {
-        return tilted32f(sums, squares, rect);
-    }};
-constexpr Mixed kUpright32s32f = {
-    "RectStdDev_32s32f", false, withoutScale<Lum32s, lumiRectStdDev_32s32f_C1R>,
-    [](const Corners<Lum32s>& sums, const Corners<Lum64f>& squares, LumiRect rect, Place place, int) {
-        return upright32s32f(sums, squares, rect, place);
-    }};
-constexpr Mixed kTilted32s32f = {
-    "TiltedRectStdDev_32s32f", true, withoutScale<Lum32s, lumiTiltedRectStdDev_32s32f_C1R>,
-    [](const Corners<Lum32s>& sums, const Corners<Lum64f>& squares, LumiRect rect, Place, int) {
-        return tilted32s32f(sums, squares, rect);
-    }};
-constexpr Scaled kUpright32s = {
-    "RectStdDev_32s", false, lumiRectStdDev_32s_C1RSfs,
-    [](const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, Place, int scaleFactor) {
-        return upright32sSfs(sums, squares, rect, scaleFactor);
-    }};
-constexpr Scaled kTilted32s = {
-    "TiltedRectStdDev_32s", true, lumiTiltedRectStdDev_32s_C1RSfs,
-    [](const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, Place, int scaleFactor) {
-        return tilted32sSfs(sums, squares, rect, scaleFactor);
-    }};
+constexpr Floats kUpright32f = {"RectStdDev_32f", false, withoutScale<Lum32f, lumiRectStdDev_32f_C1R>,
+                                [](const Corners<Lum32f>& sums, const Corners<Lum64f>& squares, LumiRect rect,
+                                   Place place, int) { return upright32f(sums, squares, rect, place); }};
+constexpr Floats kTilted32f = {"TiltedRectStdDev_32f", true, withoutScale<Lum32f, lumiTiltedRectStdDev_32f_C1R>,
+                               [](const Corners<Lum32f>& sums, const Corners<Lum64f>& squares, LumiRect rect, Place,
+                                  int) { return tilted32f(sums, squares, rect); }};
+constexpr Mixed kUpright32s32f = {"RectStdDev_32s32f", false, withoutScale<Lum32s, lumiRectStdDev_32s32f_C1R>,
+                                  [](const Corners<Lum32s>& sums, const Corners<Lum64f>& squares, LumiRect rect,
+                                     Place place, int) { return upright32s32f(sums, squares, rect, place); }};
+constexpr Mixed kTilted32s32f = {"TiltedRectStdDev_32s32f", true, withoutScale<Lum32s, lumiTiltedRectStdDev_32s32f_C1R>,
+                                 [](const Corners<Lum32s>& sums, const Corners<Lum64f>& squares, LumiRect rect, Place,
+                                    int) { return tilted32s32f(sums, squares, rect); }};
+constexpr Scaled kUpright32s = {"RectStdDev_32s", false, lumiRectStdDev_32s_C1RSfs,
+                                [](const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, Place,
+                                   int scaleFactor) { return upright32sSfs(sums, squares, rect, scaleFactor); }};
+constexpr Scaled kTilted32s = {"TiltedRectStdDev_32s", true, lumiTiltedRectStdDev_32s_C1RSfs,
+                               [](const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, Place,
+                                  int scaleFactor) { return tilted32sSfs(sums, squares, rect, scaleFactor); }};
 
 /// Calls f with each form in turn.
 template <class F>
@@ -95,18 +82,18 @@ void forEachForm(F f)
 /// What is read of a table under a rectangle.
 inline Extent extentOf(bool isTilted, LumiSize roiSize, LumiRect r)
 {
-    return isTilted ? Extent{r.x + r.y, r.x - r.y - r.height, r.width + r.height + roiSize.width,
-                             r.width + r.height + roiSize.height, r.x + r.y + r.width + r.height + roiSize.width - 1}
-                    : Extent{r.y, r.x, r.width + roiSize.width, r.height + roiSize.height,
-                             r.x + r.width + roiSize.width};
+    return isTilted
+               ? Extent{r.x + r.y, r.x - r.y - r.height, r.width + r.height + roiSize.width,
+                        r.width + r.height + roiSize.height, r.x + r.y + r.width + r.height + roiSize.width - 1}
+               : Extent{r.y, r.x, r.width + roiSize.width, r.height + roiSize.height, r.x + r.width + roiSize.width};
 }
 
 /// What the tables hold.
 enum class Content
 {
-    Image,    ///< sums over a random image, so that deviations are real ones
-    Random,   ///< entries without any order between them, squares large enough that half of the variances are positive
-    Extreme   ///< whatever the types can hold
+    Image,   ///< sums over a random image, so that deviations are real ones
+    Random,  ///< entries without any order between them, squares large enough that half of the variances are positive
+    Extreme  ///< whatever the types can hold
 };
 
 /// Fills both tables alike, as if they were windows into larger ones.

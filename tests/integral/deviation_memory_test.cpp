@@ -32,8 +32,7 @@ TEST(RectDeviationMemory, RowsStandAlone)
                     ASSERT_EQ(form.call(sumTable.origin, sumTable.step, squareTable.origin, squareTable.step,
                                         result.pixels(), result.step(), {width, 2}, rect, 1),
                               lumOk);
-                    const Image<Result> expected =
-                        expectedResult(form, sumTable, squareTable, {width, 2}, rect, 1);
+                    const Image<Result> expected = expectedResult(form, sumTable, squareTable, {width, 2}, rect, 1);
                     for (int y = 0; y < 2; ++y) {
                         ASSERT_TRUE(sameElements(expected.row(y), result.row(y), static_cast<std::size_t>(width)))
                             << "row " << y << " of width " << width;

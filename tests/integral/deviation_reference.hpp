@@ -149,8 +149,7 @@ inline Lum32f tilted32s32f(const Corners<Lum32s>& sums, const Corners<Lum64f>& s
     const int area = 2 * rect.width * rect.height;
     const Lum32f mean = static_cast<Lum32f>(integerSum(sums)) * (1.0F / static_cast<Lum32f>(area));
     const Lum64f meanSquare = middleFirst(squares) * (1.0 / static_cast<Lum64f>(area));
-    return std::sqrt(
-        static_cast<Lum32f>(floored(meanSquare - static_cast<Lum64f>(mean) * static_cast<Lum64f>(mean))));
+    return std::sqrt(static_cast<Lum32f>(floored(meanSquare - static_cast<Lum64f>(mean) * static_cast<Lum64f>(mean))));
 }
 
 inline Lum32s tilted32sSfs(const Corners<Lum32s>& sums, const Corners<Lum32s>& squares, LumiRect rect, int scaleFactor)

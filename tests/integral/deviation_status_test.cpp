@@ -169,9 +169,7 @@ TEST(RectDeviationStatusQuick, ColumnsAreCountedIn32Bits)
         Sum sum[8] = {};
         Square square[8] = {};
         Result result[2] = {Result{7}, Result{7}};
-        const auto status = [&](LumiRect rect) {
-            return form.call(sum, 32, square, 64, result, 8, {1, 1}, rect, 0);
-        };
+        const auto status = [&](LumiRect rect) { return form.call(sum, 32, square, 64, result, 8, {1, 1}, rect, 0); };
         EXPECT_EQ(status({1 << 20, 0, 1, 1}), lumErrStep);
         EXPECT_EQ(status({-(1 << 20), 0, 1, 1}), lumErrSize);
         EXPECT_EQ(status({kIntMin, 0, 1, 1}), lumErrSize) << "times four this wraps to nothing";

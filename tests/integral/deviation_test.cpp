@@ -81,8 +81,8 @@ TEST(RectDeviationQuick, IsTheDeviationOfThePixels)
     fill(source, random);
     Image<Lum32f> sums({.width = 31, .height = 17});
     Image<Lum64f> squares({.width = 31, .height = 17});
-    ASSERT_EQ(lumiSqrIntegral_8u32f64f_C1R(source.pixels(), source.step(), sums.pixels(), sums.step(),
-                                           squares.pixels(), squares.step(), {30, 16}, 0, 0),
+    ASSERT_EQ(lumiSqrIntegral_8u32f64f_C1R(source.pixels(), source.step(), sums.pixels(), sums.step(), squares.pixels(),
+                                           squares.step(), {30, 16}, 0, 0),
               lumOk);
     const LumiRect rect = {2, 1, 7, 5};
     Image<Lum32f> result({.width = 22, .height = 11});
@@ -196,11 +196,9 @@ template <class Sum, class Square>
 void fillConstant(int value, bool isTilted, Image<Sum>& sums, Image<Square>& squares)
 {
     const auto count = [=](int x, int y) { return isTilted ? y * y : x * y; };
-    sums.forEach(Area::Roi,
-                 [&](Sum& entry, int x, int y, int) { entry = static_cast<Sum>(value * count(x, y)); });
-    squares.forEach(Area::Roi, [&](Square& entry, int x, int y, int) {
-        entry = static_cast<Square>(value * value * count(x, y));
-    });
+    sums.forEach(Area::Roi, [&](Sum& entry, int x, int y, int) { entry = static_cast<Sum>(value * count(x, y)); });
+    squares.forEach(
+        Area::Roi, [&](Square& entry, int x, int y, int) { entry = static_cast<Square>(value * value * count(x, y)); });
 }
 
 // A constant image deviates nowhere. The area is a power of two, so that no mean is rounded.
@@ -312,8 +310,8 @@ class SparseTable
   public:
     SparseTable(int rows, int columns) : columns_(columns), bytes_(static_cast<std::size_t>(rows * step()))
     {
-        void* const mapping = mmap(nullptr, bytes_, PROT_READ | PROT_WRITE,
-                                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        void* const mapping =
+            mmap(nullptr, bytes_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
         if (mapping == MAP_FAILED) {
             std::abort();
         }

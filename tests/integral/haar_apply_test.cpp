@@ -33,8 +33,7 @@ void sweepAgainstReference(Sweep sweep)
                 scene.positive = all[static_cast<std::size_t>(random.between(0, 8))];
                 scene.scaleFactor = static_cast<int>(random.between(-3, 0));
                 fillScene(scene, random, numbers);
-                EXPECT_TRUE(agrees(scene, record)) << "estimate " << scene.positive << ", " << length
-                                                   << " classifiers";
+                EXPECT_TRUE(agrees(scene, record)) << "estimate " << scene.positive << ", " << length << " classifiers";
             }
         });
     });
@@ -68,8 +67,8 @@ TEST(HaarApply, LargerRois)
                         continue;
                     }
                     scene.positive = positive;
-                    EXPECT_TRUE(agrees(scene, record)) << "estimate " << positive << " of " << size.width << " x "
-                                                       << size.height;
+                    EXPECT_TRUE(agrees(scene, record))
+                        << "estimate " << positive << " of " << size.width << " x " << size.height;
                 }
                 EXPECT_TRUE(agrees(scene, record));
             });
@@ -90,8 +89,8 @@ TEST(HaarApplyQuick, ComparesThePixelsOfRectangles)
     Image<Lum32f> norms({.width = roiSize.width, .height = roiSize.height});
     Image<Lum8u> mask({.width = roiSize.width, .height = roiSize.height});
     mask.forEach(Area::Roi, [](Lum8u& byte, int, int, int) { byte = 1; });
-    ASSERT_EQ(lumiSqrIntegral_8u32f64f_C1R(source.pixels(), source.step(), sums.pixels(), sums.step(),
-                                           squares.pixels(), squares.step(), {width, height}, 0, 0),
+    ASSERT_EQ(lumiSqrIntegral_8u32f64f_C1R(source.pixels(), source.step(), sums.pixels(), sums.step(), squares.pixels(),
+                                           squares.step(), {width, height}, 0, 0),
               lumOk);
     ASSERT_EQ(lumiRectStdDev_32f_C1R(sums.pixels(), sums.step(), squares.pixels(), squares.step(), norms.pixels(),
                                      norms.step(), roiSize, {0, 0, windowWidth, windowHeight}),

@@ -75,7 +75,9 @@ void expectFates(const Scene<Lum32f, Lum32f>& scene, const Record<Lum32f>& recor
         for (int x = 0; x < scene.roiSize.width; ++x) {
             const Lum8u before = scene.mask.at(x, y);
             const Fate fate = x < windowsInGroups ? inGroups : inTail;
-            const Lum8u expected = fate == Fate::Cleared || before == 0 ? Lum8u{0} : fate == Fate::Set ? Lum8u{255} : before;
+            const Lum8u expected = fate == Fate::Cleared || before == 0 ? Lum8u{0}
+                                   : fate == Fate::Set                  ? Lum8u{255}
+                                                                        : before;
             expectedCount += expected != 0;
             ASSERT_EQ(mask.at(x, y), expected) << "x " << x << ", y " << y;
         }
@@ -198,7 +200,8 @@ TEST(HaarDensity, ASingleCandidateAtEveryPlace)
         SCOPED_TRACE(path.name);
         scene.positive = path.positive;
         for (int place = 0; place < 39; ++place) {
-            scene.mask.forEach(Area::Roi, [&](Lum8u& byte, int x, int, int) { byte = x == place ? Lum8u{1} : Lum8u{0}; });
+            scene.mask.forEach(Area::Roi,
+                               [&](Lum8u& byte, int x, int, int) { byte = x == place ? Lum8u{1} : Lum8u{0}; });
             scene.threshold = 1;
             expectFates(scene, record, path.windowsInGroups, Fate::Set, Fate::Kept);
             scene.threshold = 2;
@@ -216,12 +219,10 @@ TEST(HaarDensity, EveryWidth)
         const Record<Lum32f> record(stage, roiSize);
         Scene<Lum32f, Lum32f> scene = sceneOf(stage, roiSize);
         scene.threshold = 3;
-        for (const Path& path : {Path{"whole rows", 4 * width, width / 16 * 16},
-                                 Path{"groups of 4", 4 * width - 1, width / 4 * 4},
-                                 Path{"groups of 4", 2 * width, width / 4 * 4},
-                                 Path{"groups of 8", 2 * width - 1, width / 8 * 8},
-                                 Path{"groups of 8", width, width / 8 * 8},
-                                 Path{"groups of 16", width - 1, width / 16 * 16}}) {
+        for (const Path& path :
+             {Path{"whole rows", 4 * width, width / 16 * 16}, Path{"groups of 4", 4 * width - 1, width / 4 * 4},
+              Path{"groups of 4", 2 * width, width / 4 * 4}, Path{"groups of 8", 2 * width - 1, width / 8 * 8},
+              Path{"groups of 8", width, width / 8 * 8}, Path{"groups of 16", width - 1, width / 16 * 16}}) {
             SCOPED_TRACE(path.name);
             scene.positive = path.positive;
             expectFates(scene, record, path.windowsInGroups, Fate::Cleared, Fate::Kept);
@@ -265,9 +266,8 @@ TEST(HaarDensity, EstimatesGiveTheSameWindows)
         Scene<Lum32f, Lum32f> scene(kPlain32f, stage, allTurned(stage.size(), Turn::Upright), layout, layout);
         fillScene(scene, random, Numbers::Ordinary, percentZero);
         // integers in the table: no order of additions rounds, and no sum of votes is the threshold
-        scene.upright.image().forEach(Area::Roi, [&](Lum32f& entry, int, int, int) {
-            entry = static_cast<Lum32f>(random.between(-1000, 1000));
-        });
+        scene.upright.image().forEach(
+            Area::Roi, [&](Lum32f& entry, int, int, int) { entry = static_cast<Lum32f>(random.between(-1000, 1000)); });
         scene.threshold = std::nextafter(scene.sumAt(3, 3), 1000.0F);
         std::optional<Image<Lum8u>> first;
         Lum32s firstCount = 0;
@@ -301,8 +301,8 @@ TEST(HaarDensityQuick, TieOfAClassifierVotesVal2)
         Scene<Lum32f, Lum32f> scene(form, stage, allTurned(1, Turn::Upright), layout, layout);
         fillScene(scene, random, Numbers::Ordinary, 0);
         scene.mask.forEach(Area::Roi, [](Lum8u& byte, int, int, int) { byte = 1; });
-        scene.upright.image().forEach(
-            Area::Roi, [](Lum32f& entry, int x, int y, int) { entry = static_cast<Lum32f>(6 * x * y); });
+        scene.upright.image().forEach(Area::Roi,
+                                      [](Lum32f& entry, int x, int y, int) { entry = static_cast<Lum32f>(6 * x * y); });
         scene.threshold = 0.5F;
         for (const Lum32s positive : estimates(roiSize)) {
             scene.positive = positive;

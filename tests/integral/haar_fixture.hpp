@@ -94,14 +94,14 @@ class Record
     Record(const Arrays<V>& arrays, LumiSize roiSize, bool tiltedInit, RecordPlace place)
     {
         Lum32s bytes = -1;
-        EXPECT_EQ(lumiHaarClassifierGetSize(RecordExports<V>::dataType, roiSize, arrays.nums.data(), arrays.length(),
-                                            &bytes),
-                  lumOk);
+        EXPECT_EQ(
+            lumiHaarClassifierGetSize(RecordExports<V>::dataType, roiSize, arrays.nums.data(), arrays.length(), &bytes),
+            lumOk);
         EXPECT_EQ(bytes, recordBytes<V>(arrays.length(), static_cast<Lum64s>(arrays.rects.size()), roiSize.width));
         block_.emplace(static_cast<std::size_t>(bytes), place.guard, place.distance);
         EXPECT_EQ((tiltedInit ? RecordExports<V>::tiltedInit : RecordExports<V>::init)(
-                      state(), arrays.rects.data(), arrays.weights.data(), arrays.thresholds.data(),
-                      arrays.val1.data(), arrays.val2.data(), arrays.nums.data(), arrays.length()),
+                      state(), arrays.rects.data(), arrays.weights.data(), arrays.thresholds.data(), arrays.val1.data(),
+                      arrays.val2.data(), arrays.nums.data(), arrays.length()),
                   lumOk);
     }
     LumiHaarStageRecord* state() const
@@ -175,8 +175,7 @@ using Integers = Form<Lum32s, Lum32s>;
 
 constexpr Floats kPlain32f = {"Apply_32f", false, plain<Lum32f, lumiApplyHaarClassifier_32f_C1R>};
 constexpr Floats kMixed32f = {"ApplyMixed_32f", true, mixed<Lum32f, lumiApplyMixedHaarClassifier_32f_C1R>};
-constexpr FloatsOfIntegers kPlain32s32f = {"Apply_32s32f", false,
-                                           plain<Lum32s, lumiApplyHaarClassifier_32s32f_C1R>};
+constexpr FloatsOfIntegers kPlain32s32f = {"Apply_32s32f", false, plain<Lum32s, lumiApplyHaarClassifier_32s32f_C1R>};
 constexpr FloatsOfIntegers kMixed32s32f = {"ApplyMixed_32s32f", true,
                                            mixed<Lum32s, lumiApplyMixedHaarClassifier_32s32f_C1R>};
 constexpr Integers kPlain32s = {"Apply_32s", false, plain32s};
@@ -234,9 +233,9 @@ struct Scene
           upright(extentOf(classifiers, roiSize, 0,
                            [&](const StoredClassifier<V>& c) { return !f.isMixed || !c.isTilted; }),
                   guard, moreGap),
-          tilted(extentOf(classifiers, roiSize, 1,
-                          [&](const StoredClassifier<V>& c) { return f.isMixed && c.isTilted; }),
-                 guard, 2 * moreGap),
+          tilted(
+              extentOf(classifiers, roiSize, 1, [&](const StoredClassifier<V>& c) { return f.isMixed && c.isTilted; }),
+              guard, 2 * moreGap),
           norms(normLayout),
           mask(maskLayout)
     {
@@ -360,19 +359,16 @@ template <class T, class V>
 void fillScene(Scene<T, V>& scene, Random& random, Numbers numbers = Numbers::Ordinary, int percentZero = -1)
 {
     for (TableImage<T>* const table : {&scene.upright, &scene.tilted}) {
-        table->image().forEach(Area::Roi, [&](T& entry, int, int, int) {
-            entry = drawNumber<T>(random, numbers, 1000);
-        });
+        table->image().forEach(Area::Roi,
+                               [&](T& entry, int, int, int) { entry = drawNumber<T>(random, numbers, 1000); });
     }
-    scene.norms.forEach(Area::Roi,
-                        [&](V& norm, int, int, int) { norm = drawNumber<V>(random, numbers, 60); });
+    scene.norms.forEach(Area::Roi, [&](V& norm, int, int, int) { norm = drawNumber<V>(random, numbers, 60); });
     const int percentages[] = {0, 10, 50, 80, 95};
     fillMask(scene.mask, random, percentZero >= 0 ? percentZero : percentages[random.between(0, 4)]);
     if (random.oneIn(2)) {
         // runs of zeros, so that whole groups are passed over
-        scene.mask.forEach(Area::Roi, [](Lum8u& byte, int x, int y, int) {
-            byte = (x / 7 + y) % 3 == 0 ? byte : Lum8u{0};
-        });
+        scene.mask.forEach(Area::Roi,
+                           [](Lum8u& byte, int x, int y, int) { byte = (x / 7 + y) % 3 == 0 ? byte : Lum8u{0}; });
     }
     const int i = static_cast<int>(random.between(0, scene.roiSize.width - 1));
     const int j = static_cast<int>(random.between(0, scene.roiSize.height - 1));

@@ -181,7 +181,8 @@ TEST(HaarOrder, FeaturesInTheOrderOfTheRectangles)
             scene.threshold = 0.5F;
             for (const Lum32s positive : estimates(scene.roiSize)) {
                 scene.positive = positive;
-                // the norm is the feature itself, which is then not below it; a feature that is rounded otherwise often is
+                // the norm is the feature itself, which is then not below it; a feature that is rounded otherwise often
+                // is
                 const Job<T, Lum32f> job = scene.job();
                 int lower = 0;
                 scene.norms.forEach(Area::Roi, [&](Lum32f& norm, int i, int j, int) {
@@ -189,7 +190,8 @@ TEST(HaarOrder, FeaturesInTheOrderOfTheRectangles)
                     norm = featureOf(job, job.classifiers[0], i, j, order);
                     Lum64f exact = 0;
                     Lum32f backwards = 0;
-                    for (auto rect = job.classifiers[0].rects.rbegin(); rect != job.classifiers[0].rects.rend(); ++rect) {
+                    for (auto rect = job.classifiers[0].rects.rbegin(); rect != job.classifiers[0].rects.rend();
+                         ++rect) {
                         const Lum32f sum = rectangleSum(entriesOf(job, job.classifiers[0], *rect, i, j), order);
                         backwards += rect->weight * sum;
                         exact += static_cast<Lum64f>(rect->weight) * static_cast<Lum64f>(sum);

@@ -116,9 +116,8 @@ TYPED_TEST(HaarRecord, BlockAtAnyAddress)
             forEachForm([&]<class T, class V>(const Form<T, V>& form) {
                 if constexpr (std::is_same_v<V, TypeParam>) {
                     const Layout layout{.width = size.width, .height = size.height};
-                    Scene<T, V> scene(form, stage,
-                                      allTurned(stage.size(), tiltedInit ? Turn::Tilted : Turn::Upright), layout,
-                                      layout);
+                    Scene<T, V> scene(form, stage, allTurned(stage.size(), tiltedInit ? Turn::Tilted : Turn::Upright),
+                                      layout, layout);
                     for (const Lum32s positive : {1000, size.width * 3 / 4 - 1, size.width * 3 / 8 - 1, -1}) {
                         scene.positive = positive;
                         fillScene(scene, random);
@@ -168,8 +167,8 @@ TYPED_TEST(HaarRecord, ServesSmallerRoisAndAnyStride)
             forEachForm([&]<class T, class V>(const Form<T, V>& form) {
                 if constexpr (std::is_same_v<V, TypeParam>) {
                     const Layout layout{.width = size.width, .height = size.height};
-                    Scene<T, V> scene(form, stage, allTurned(stage.size(), Turn::Upright), layout, layout,
-                                      Guard::After, moreGap);
+                    Scene<T, V> scene(form, stage, allTurned(stage.size(), Turn::Upright), layout, layout, Guard::After,
+                                      moreGap);
                     for (const Lum32s positive : estimates(size)) {
                         scene.positive = positive;
                         fillScene(scene, random);
@@ -286,8 +285,7 @@ TYPED_TEST(HaarRecordQuick, WindowSizeOfARecordWithoutRectangles)
 {
     const std::vector<unsigned char> zeros(512, 0);
     LumiSize size = {-1, -1};
-    EXPECT_EQ(RecordExports<TypeParam>::windowSize(
-                  reinterpret_cast<const LumiHaarStageRecord*>(zeros.data()), &size),
+    EXPECT_EQ(RecordExports<TypeParam>::windowSize(reinterpret_cast<const LumiHaarStageRecord*>(zeros.data()), &size),
               lumOk);
     EXPECT_EQ(size.width, 0);
     EXPECT_EQ(size.height, 0);

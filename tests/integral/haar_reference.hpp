@@ -49,12 +49,12 @@ StoredRect<V> storedRect(LumiRect r, V weight, Turn turn)
 {
     const int x = r.x, y = r.y, w = r.width, h = r.height;
     switch (turn) {
-    case Turn::Tilted:
-        return {{x, y}, {x + w, y + w}, {x - h, y + h}, {x + w - h, y + w + h}, weight};
-    case Turn::TiltedWithZeroFlag:
-        return {{x + w - h, y - w}, {x + w, y + h - w}, {x - h, y}, {x, y + h}, weight};
-    default:
-        return {{x, y}, {x + w, y}, {x, y + h}, {x + w, y + h}, weight};
+        case Turn::Tilted:
+            return {{x, y}, {x + w, y + w}, {x - h, y + h}, {x + w - h, y + w + h}, weight};
+        case Turn::TiltedWithZeroFlag:
+            return {{x + w - h, y - w}, {x + w, y + h - w}, {x - h, y}, {x, y + h}, weight};
+        default:
+            return {{x, y}, {x + w, y}, {x, y + h}, {x + w, y + h}, weight};
     }
 }
 
@@ -179,8 +179,8 @@ inline Lum64s featureOf(const Job<Lum32s, Lum32s>& job, const StoredClassifier<L
     std::uint64_t feature = 0;
     for (const StoredRect<Lum32s>& rect : classifier.rects) {
         const Entries<Lum32s> e = entriesOf(job, classifier, rect, i, j);
-        const auto difference = static_cast<Lum32s>(static_cast<Lum32u>(e.br) -
-                                                    (static_cast<Lum32u>(e.bl) + static_cast<Lum32u>(e.tr)));
+        const auto difference =
+            static_cast<Lum32s>(static_cast<Lum32u>(e.br) - (static_cast<Lum32u>(e.bl) + static_cast<Lum32u>(e.tr)));
         feature += bitsOf(rect.weight) * (bitsOf(difference) + bitsOf(e.tl));
     }
     return static_cast<Lum64s>(feature);
@@ -214,8 +214,7 @@ V stageSum(const Job<T, V>& job, V norm, int i, int j, SumOrder order)
 {
     V sum = 0;
     for (const StoredClassifier<V>& c : job.classifiers) {
-        sum = votesTogether(sum,
-                            isBelow(job, featureOf(job, c, i, j, order), c.threshold, norm) ? c.val1 : c.val2);
+        sum = votesTogether(sum, isBelow(job, featureOf(job, c, i, j, order), c.threshold, norm) ? c.val1 : c.val2);
     }
     return sum;
 }

@@ -150,11 +150,14 @@ TYPED_TEST(HaarStatusQuick, InitChecksInDocumentedOrder)
             order.push_back({"width" + of, lumErrArgument, [=](A& a) { a.arrays.rects[i].width = 0; }});
             order.push_back({"height" + of, lumErrArgument, [=](A& a) { a.arrays.rects[i].height = 0; }});
             order.push_back({"negative width" + of, lumErrArgument, [=](A& a) { a.arrays.rects[i].width = -2; }});
-            order.push_back({"negative height" + of, lumErrArgument, [=](A& a) { a.arrays.rects[i].height = kIntMin; }});
+            order.push_back(
+                {"negative height" + of, lumErrArgument, [=](A& a) { a.arrays.rects[i].height = kIntMin; }});
         }
         if (tiltedInit) {
-            order.push_back({"height of x + 2 in the first", lumErrArgument, [](A& a) { a.arrays.rects[0].height = 2; }});
-            order.push_back({"height of x + 2 in the last", lumErrArgument, [](A& a) { a.arrays.rects[5].height = 7; }});
+            order.push_back(
+                {"height of x + 2 in the first", lumErrArgument, [](A& a) { a.arrays.rects[0].height = 2; }});
+            order.push_back(
+                {"height of x + 2 in the last", lumErrArgument, [](A& a) { a.arrays.rects[5].height = 7; }});
         }
         expectStatusOrder(A{.tiltedInit = tiltedInit, .arrays = arrays, .block = &block, .length = 3}, order);
     }
@@ -215,8 +218,8 @@ struct ApplyArgs
 
     LumStatus call() const
     {
-        return function(pSrc, srcStep, pTilt, tiltStep, pNorm, normStep, pMask, maskStep, roiSize, pPositive,
-                        threshold, pState, scaleFactor);
+        return function(pSrc, srcStep, pTilt, tiltStep, pNorm, normStep, pMask, maskStep, roiSize, pPositive, threshold,
+                        pState, scaleFactor);
     }
     std::vector<Output> outputs() const
     {
@@ -297,24 +300,23 @@ TEST(HaarStatusQuickApply, ChecksInDocumentedOrder)
         // some window goes
         scene.threshold = std::max(scene.sumAt(0, 0), scene.sumAt(1, 1)) + V{1};
         Lum32s count = 1000;
-        expectStatusOrder(
-            ApplyArgs<T, V>{.function = form.call,
-                            .pSrc = scene.upright.pointer(),
-                            .srcStep = scene.upright.step(),
-                            .pTilt = scene.tilted.pointer(),
-                            .tiltStep = scene.tilted.step(),
-                            .pNorm = scene.norms.pixels(),
-                            .normStep = scene.norms.step(),
-                            .pMask = scene.mask.pixels(),
-                            .maskStep = scene.mask.step(),
-                            .pPositive = &count,
-                            .threshold = scene.threshold,
-                            .pState = record.state(),
-                            .zeros = reinterpret_cast<LumiHaarStageRecord*>(zeros.data()),
-                            .mask = &scene.mask,
-                            .count = &count,
-                            .block = &record.block()},
-            orderOf(form));
+        expectStatusOrder(ApplyArgs<T, V>{.function = form.call,
+                                          .pSrc = scene.upright.pointer(),
+                                          .srcStep = scene.upright.step(),
+                                          .pTilt = scene.tilted.pointer(),
+                                          .tiltStep = scene.tilted.step(),
+                                          .pNorm = scene.norms.pixels(),
+                                          .normStep = scene.norms.step(),
+                                          .pMask = scene.mask.pixels(),
+                                          .maskStep = scene.mask.step(),
+                                          .pPositive = &count,
+                                          .threshold = scene.threshold,
+                                          .pState = record.state(),
+                                          .zeros = reinterpret_cast<LumiHaarStageRecord*>(zeros.data()),
+                                          .mask = &scene.mask,
+                                          .count = &count,
+                                          .block = &record.block()},
+                          orderOf(form));
         for (std::size_t i = 0; i < zeros.size(); ++i) {
             EXPECT_EQ(zeros.data()[i], 0) << "the block without a record was written";
         }

@@ -230,12 +230,11 @@ TEST(HaarMixedQuick, TiltedTableIsReadARowAndAColumnFurther)
     // pixels of the first column have no cone
     for (int y = 0; y < height; ++y) {
         for (int x = 1; x < width; ++x) {
-            source.forEach(Area::Roi, [&](Lum8u& pixel, int i, int j, int) {
-                pixel = i == x && j == y ? Lum8u{10} : Lum8u{0};
-            });
-            ASSERT_EQ(lumiIntegral_8u32s_C1R(source.pixels(), source.step(), sums.pixels(), sums.step(),
-                                             {width, height}, 0),
-                      lumOk);
+            source.forEach(Area::Roi,
+                           [&](Lum8u& pixel, int i, int j, int) { pixel = i == x && j == y ? Lum8u{10} : Lum8u{0}; });
+            ASSERT_EQ(
+                lumiIntegral_8u32s_C1R(source.pixels(), source.step(), sums.pixels(), sums.step(), {width, height}, 0),
+                lumOk);
             ASSERT_EQ(lumiTiltedIntegral_8u32s_C1R(source.pixels(), source.step(), tilts.pixels(), tilts.step(),
                                                    {width, height}, 0),
                       lumOk);

@@ -83,7 +83,8 @@ T drawInitial(Random& random)
         const T choices[] = {0, 5, -1, std::numeric_limits<T>::max(), std::numeric_limits<T>::min(), 123456789};
         return choices[random.between(0, 5)];
     } else {
-        const T choices[] = {0, 5, T(-0.1), T(16777215), T(1.0e9 / 3), T(-1.0e12 / 7), random.value<T>(Values::Ordinary)};
+        const T choices[] = {
+            0, 5, T(-0.1), T(16777215), T(1.0e9 / 3), T(-1.0e12 / 7), random.value<T>(Values::Ordinary)};
         return choices[random.between(0, 6)];
     }
 }

@@ -202,9 +202,8 @@ TEST(IntegralOfFloats, RowsBelowFourOneByOne)
 TEST(IntegralOfFloatsQuick, RowAboveStaysOutOfTheTotals)
 {
     Image<Lum32f> source({.width = 9, .height = 2}), table({.width = 10, .height = 3});
-    source.forEach(Area::Roi, [](Lum32f& pixel, int x, int y, int) {
-        pixel = y == 0 ? (x == 0 ? 16777216.0F : 0.0F) : 1.0F;
-    });
+    source.forEach(Area::Roi,
+                   [](Lum32f& pixel, int x, int y, int) { pixel = y == 0 ? (x == 0 ? 16777216.0F : 0.0F) : 1.0F; });
     ASSERT_TRUE(agrees(source, table));
     // 2^24 + 1 rounds to 2^24; if it were the running total, all entries of the row would stay there
     EXPECT_EQ(table.at(1, 2), 16777216.0F);
@@ -217,9 +216,8 @@ TEST(IntegralOfFloatsQuick, InfinityAndNotANumberStayRightOfAndBelowTheirPixel)
     for (const Lum32f special : {infinity, -infinity, std::numeric_limits<Lum32f>::quiet_NaN()}) {
         for (int column = 0; column < 11; ++column) {
             Image<Lum32f> source({.width = 11, .height = 3}), table({.width = 12, .height = 4});
-            source.forEach(Area::Roi, [&](Lum32f& pixel, int x, int y, int) {
-                pixel = x == column && y == 1 ? special : 1.0F;
-            });
+            source.forEach(Area::Roi,
+                           [&](Lum32f& pixel, int x, int y, int) { pixel = x == column && y == 1 ? special : 1.0F; });
             ASSERT_TRUE(agrees(source, table));
             for (int y = 1; y <= 3; ++y) {
                 for (int x = 1; x <= 11; ++x) {

@@ -17,8 +17,7 @@ template <class T>
 testing::AssertionResult sameRows(const Image<T>& expected, const IsolatedRows<T>& actual)
 {
     for (int y = 0; y < expected.height(); ++y) {
-        if (const auto same =
-                sameElements(expected.row(y), actual.row(y), static_cast<std::size_t>(expected.width()));
+        if (const auto same = sameElements(expected.row(y), actual.row(y), static_cast<std::size_t>(expected.width()));
             !same) {
             return testing::AssertionFailure() << "row " << y << ": " << same.message();
         }
@@ -162,9 +161,9 @@ TEST(IntegralMemory, ThreadsShareASource)
             threads.emplace_back([&, i] {
                 for (int repetition = 0; repetition < 5; ++repetition) {
                     std::memset(tables[i].sums.bytes(), repetition, tables[i].sums.byteCount());
-                    statuses[i] = form.call(source.pixels(), source.step(), tables[i].sums.pixels(),
-                                            tables[i].sums.step(), tables[i].squares.pixels(),
-                                            tables[i].squares.step(), {67, 31}, Sum{6}, Square{8});
+                    statuses[i] =
+                        form.call(source.pixels(), source.step(), tables[i].sums.pixels(), tables[i].sums.step(),
+                                  tables[i].squares.pixels(), tables[i].squares.step(), {67, 31}, Sum{6}, Square{8});
                 }
             });
         }

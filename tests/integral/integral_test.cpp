@@ -29,8 +29,7 @@ void sweepAgainstReference(Sweep sweep)
         forEachForm([&]<class Sum, class Square>(const Form<Sum, Square>& form) {
             Tables<Sum, Square> tables(tableLayout<Sum>(geometry, 1, form.border()),
                                        tableLayout<Square>(geometry, 2, form.border()));
-            EXPECT_TRUE(
-                agrees(form, source, tables, drawInitial<Sum>(random), drawInitial<Square>(random)));
+            EXPECT_TRUE(agrees(form, source, tables, drawInitial<Sum>(random), drawInitial<Square>(random)));
         });
     });
 }

@@ -36,9 +36,9 @@ template <class T>
 Table<T> tableAt(const T* firstEntry, int step, const Extent& extent)
 {
     const std::int64_t back = std::int64_t{extent.row} * step + std::int64_t{extent.column} * int{sizeof(T)};
-    return {reinterpret_cast<const T*>(reinterpret_cast<std::uintptr_t>(firstEntry) -
-                                       static_cast<std::uintptr_t>(back)),
-            step};
+    return {
+        reinterpret_cast<const T*>(reinterpret_cast<std::uintptr_t>(firstEntry) - static_cast<std::uintptr_t>(back)),
+        step};
 }
 
 /// A table of exactly the rows and columns that are read. Its pointer is mostly out of the memory that belongs to it.
