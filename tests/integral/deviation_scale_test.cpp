@@ -125,12 +125,12 @@ TEST(RectDeviationScaled, MeansAreProductsWithAReciprocal)
         TableImage<Lum32s> sums(extent, Guard::After), squares(extent, Guard::After);
         fillTables(Content::Random, random, sums.image(), squares.image());
         Image<Lum32s> result({.width = 29, .height = 2});
-        ASSERT_TRUE(agrees(kUpright32s, sums, squares, result, rect, -8));
+        ASSERT_TRUE(agrees(kUpright32s, sums, squares, result, rect, -16));
         for (int i = 0; i < 29; ++i) {
             const Lum32f mean = static_cast<Lum32f>(integerSum(uprightCorners(sums.table(), rect, i, 0))) / 21.0F;
             const Lum32f square = static_cast<Lum32f>(integerSum(uprightCorners(squares.table(), rect, i, 0))) / 21.0F;
             const Lum32f variance = floored(square - mean * mean);
-            different += result.at(i, 0) != scaled(std::sqrt(static_cast<Lum64f>(variance)), -8);
+            different += result.at(i, 0) != scaled(std::sqrt(static_cast<Lum64f>(variance)), -16);
         }
     }
     EXPECT_GT(different, 50) << "quotients would do as well";

@@ -115,22 +115,22 @@ TEST(HaarOrderQuick, OneRectangleStandsWithFourAndMore)
 TEST(HaarOrder, OneRunningSum)
 {
     Random random(92);
-    for (const int length : {2, 5, 16, 17, 33, 50, 64, 90}) {
+    for (const int length : {2, 16, 17, 33, 50, 70}) {
         Stage<Lum32f> stage = drawStage<Lum32f>(random, length, {6, 6});
         for (Classifier<Lum32f>& c : stage) {
             c.val1 = random.value<Lum32f>(Values::Ordinary) * (random.oneIn(3) ? 4096.0F : 1.0F);
             c.val2 = random.value<Lum32f>(Values::Ordinary);
         }
-        const Record<Lum32f> record(stage, {83, 3});
+        const Record<Lum32f> record(stage, {83, 2});
         forEachFloatForm([&]<class T>(const Form<T, Lum32f>& form) {
-            Scene<T, Lum32f> scene(form, stage, allTurned(stage.size(), Turn::Upright), {.width = 83, .height = 3},
-                                   {.width = 83, .height = 3});
+            Scene<T, Lum32f> scene(form, stage, allTurned(stage.size(), Turn::Upright), {.width = 83, .height = 2},
+                                   {.width = 83, .height = 2});
             fillScene(scene, random, Numbers::Ordinary, 0);
             scene.mask.forEach(Area::Roi, [](Lum8u& byte, int, int, int) { byte = 1; });
             // a threshold that every window of one sum meets exactly: off by a rounding, its outcome is another
             int differentSums = 0;
-            for (int repetition = 0; repetition < 25; ++repetition) {
-                const int i = static_cast<int>(random.between(0, 82)), j = static_cast<int>(random.between(0, 2));
+            for (int repetition = 0; repetition < 18; ++repetition) {
+                const int i = static_cast<int>(random.between(0, 82)), j = static_cast<int>(random.between(0, 1));
                 const std::vector<Lum32s> all = estimates(scene.roiSize);
                 scene.positive = all[static_cast<std::size_t>(repetition) % all.size()];
                 scene.threshold = scene.sumAt(i, j);
@@ -153,7 +153,7 @@ TEST(HaarOrder, OneRunningSum)
                 }
             }
             if (length > 16) {
-                EXPECT_GT(differentSums, 10) << "blocks would do as well";
+                EXPECT_GT(differentSums, 3) << "blocks would do as well";
             }
         });
     }
