@@ -262,4 +262,48 @@ template <class T, int N>
         return roundTo<T>(min(v, broadcast<N>(static_cast<Lum32f>(std::numeric_limits<T>::max()))));
 }
 
+/// The lower half of the lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N / 2> lowerHalf(Vec<Lum32f, N> v)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return v.lo;
+    else if constexpr (N == 8)
+        return {_mm256_castps256_ps128(v.raw)};
+#if defined(__AVX512BW__)
+    else
+        return {_mm512_castps512_ps256(v.raw)};
+#endif
+}
+
+/// The upper half of the lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N / 2> upperHalf(Vec<Lum32f, N> v)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return v.hi;
+    else if constexpr (N == 8)
+        return {_mm256_extractf128_ps(v.raw, 1)};
+#if defined(__AVX512BW__)
+    else
+        return {_mm512_extractf32x8_ps(v.raw, 1)};
+#endif
+}
+
+/// The same numbers in double precision.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum64f, N> toDouble(Vec<Lum32f, N> v)
+{
+    if constexpr (N == 1)
+        return {v.raw};
+    else if constexpr (kindOf<Lum64f, N> == Kind::pair)
+        return {toDouble(lowerHalf(v)), toDouble(upperHalf(v))};
+    else if constexpr (N == 4)
+        return {_mm256_cvtps_pd(v.raw)};
+#if defined(__AVX512BW__)
+    else
+        return {_mm512_cvtps_pd(v.raw)};
+#endif
+}
+
 }  // namespace lumcv::simd
