@@ -63,15 +63,12 @@ TEST(HaarApply, LargerRois)
                                   {.width = size.width, .height = size.height},
                                   {.width = size.width, .height = size.height});
                 fillScene(scene, random, Numbers::Ordinary, percentZero);
-                for (const Lum32s positive : estimates(size)) {
-                    if (scene.form.isMixed || !std::is_same_v<T, Lum32f>) {
-                        continue;
-                    }
+                const bool hasPaths = std::is_same_v<T, Lum32f> && !form.isMixed;
+                for (const Lum32s positive : hasPaths ? estimates(size) : std::vector<Lum32s>{0}) {
                     scene.positive = positive;
                     EXPECT_TRUE(agrees(scene, record))
                         << "estimate " << positive << " of " << size.width << " x " << size.height;
                 }
-                EXPECT_TRUE(agrees(scene, record));
             });
         }
     }

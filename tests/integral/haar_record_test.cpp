@@ -1,6 +1,7 @@
 // Records of Haar stages: their size, blocks of exactly that anywhere, the size of the window, what threads share.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <optional>

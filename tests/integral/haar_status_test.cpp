@@ -1,6 +1,7 @@
 // The order of the argument checks of Haar classifiers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <type_traits>
