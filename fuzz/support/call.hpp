@@ -26,7 +26,9 @@ enum class Element
     S8,
     U16,
     S16,
-    F32
+    S32,
+    F32,
+    F64
 };
 
 template <typename T>
@@ -41,9 +43,13 @@ constexpr Element elementOf()
         return Element::U16;
     else if constexpr (std::is_same_v<U, Lum16s>)
         return Element::S16;
-    else {
-        static_assert(std::is_same_v<U, Lum32f>);
+    else if constexpr (std::is_same_v<U, Lum32s>)
+        return Element::S32;
+    else if constexpr (std::is_same_v<U, Lum32f>)
         return Element::F32;
+    else {
+        static_assert(std::is_same_v<U, Lum64f>);
+        return Element::F64;
     }
 }
 
@@ -66,6 +72,11 @@ struct ImageOperand
     test::Margins margins = {};
     // For functions that take an array of row pointers: which row each of them is. A plain image has none.
     std::vector<int> rowPointers = {};
+    // Columns and rows that the image has beyond the ROI, to its right and below. They belong to it: a table's, say.
+    LumiSize extra = {0, 0};
+    int leastExtra = 0;  // how many of these columns the stride is held against
+    // Of an updated image: half of its elements are zero, as in a mask.
+    bool halfZero = false;
 };
 
 struct BlockOperand

@@ -10,5 +10,6 @@
 #include "simd/lanes.hpp"
 #include "simd/prefix.hpp"
 #include "simd/row.hpp"
+#include "simd/select.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"
