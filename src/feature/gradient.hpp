@@ -9,8 +9,8 @@ namespace lumcv {
 /// Pixels that a row of products is made of at a time; the last group is a whole one, whatever lies behind the row.
 inline constexpr int64_t productLanes = 16;
 
-/// The products of n pixels. rows[j] is the row j of the mask at the first of them; it can be read as far as the mask
-/// reaches to the left, and to the right of the last group. Whole groups are stored.
+/// The products of n pixels, in whole groups. rows[j] is the row j of the mask at the first of them; two groups behind
+/// the last pixel can be read.
 template <class S>
 using ProductRow = void (*)(const S* const* rows, int64_t n, Lum32f* out, int64_t pitch);
 
@@ -114,11 +114,20 @@ template <class Derivatives>
     });
 }
 
+/// Stores the pixels of the row only, the last group included.
 template <class Derivatives>
 [[gnu::flatten]] void productQuads(const typename Derivatives::Source* const* rows, int64_t n, Lum32f* out, int64_t)
 {
-    Derivatives::template each<productLanes>(
-        rows, n, [=](int64_t x, auto dx, auto dy) { simd::storeQuads(out + 4 * x, dx * dx, dx * dy, dy * dy); });
+    Derivatives::template each<productLanes>(rows, n, [=](int64_t x, auto dx, auto dy) {
+        if (x + productLanes <= n) {
+            simd::storeQuads(out + 4 * x, dx * dx, dx * dy, dy * dy);
+            return;
+        }
+        Lum32f group[4 * productLanes];
+        simd::storeQuads(group, dx * dx, dx * dy, dy * dy);
+        for (int64_t i = 0; x + i < n; ++i)
+            simd::store(out + 4 * (x + i), simd::load<4>(group + 4 * i));
+    });
 }
 
 template <class Derivatives>
@@ -127,8 +136,7 @@ constexpr Gradient<typename Derivatives::Source> gradientOf(Lum32s largest)
     return {Derivatives::reach, productPlanes<Derivatives>, productQuads<Derivatives>, largest};
 }
 
-// What the measures choose from. A WordGradient reads its source as far to the right as a group of columns reaches that
-// begins `reach` columns before the last pixels.
+// What the measures choose from.
 
 template <class S>
 struct Gradients;

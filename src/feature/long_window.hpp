@@ -65,8 +65,8 @@ class LongWindow
     /// With `rows` rows in flight.
     static int64_t bytes(const TensorImage<S>& image, int64_t rows)
     {
-        return sourceBytes(image) + ((image.window + rows - 1) * slotPitch(image) + rows * linePitch(image)) *
-                                        static_cast<int64_t>(sizeof(Lum32f));
+        return sourceBytes(image) +
+               (slots(image, rows) * slotPitch(image) + rows * linePitch(image)) * static_cast<int64_t>(sizeof(Lum32f));
     }
 
     LongWindow(const TensorImage<S>& image, const Last& last, int64_t rows, Lum8u* space)
@@ -75,7 +75,7 @@ class LongWindow
           rows_(rows),
           products_(image, -image.before(), image.roiSize.width + image.after(), reinterpret_cast<S*>(space)),
           ring_(reinterpret_cast<Lum32f*>(space + sourceBytes(image))),
-          lines_(ring_ + (image.window + rows - 1) * slotPitch(image) + 4),
+          lines_(ring_ + slots(image, rows) * slotPitch(image) + 4),
           next_(image.firstRow())
     {
     }
@@ -105,9 +105,17 @@ class LongWindow
             Products::sourceElements(extendedWidth(image), image.gradient.reach) * static_cast<int64_t>(sizeof(S)), 64);
     }
 
+    /// The rows of the ring: no more than there are.
+    static int64_t slots(const TensorImage<S>& image, int64_t rows)
+    {
+        const int64_t wanted = image.window + rows - 1;
+        const int64_t all = image.endRow() - image.firstRow();
+        return wanted < all ? wanted : all;
+    }
+
     static int64_t slotPitch(const TensorImage<S>& image)
     {
-        return 4 * (extendedWidth(image) + productLanes - 1);
+        return 4 * extendedWidth(image);
     }
 
     static int64_t linePitch(const TensorImage<S>& image)
@@ -117,7 +125,7 @@ class LongWindow
 
     Lum32f* slotOf(int64_t r) const
     {
-        return ring_ + (r - image_.firstRow()) % (image_.window + rows_ - 1) * slotPitch(image_);
+        return ring_ + (r - image_.firstRow()) % slots(image_, rows_) * slotPitch(image_);
     }
 
     template <int rows>

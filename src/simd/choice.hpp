@@ -49,7 +49,7 @@ template <class T, int N>
 [[gnu::always_inline]] inline Lum32u lessBits(Vec<T, N> a, Vec<T, N> b)
 {
     static_assert(N <= 32 && (std::is_same_v<T, Lum32f> || std::is_same_v<T, Lum32s>));
-    constexpr bool floats = std::is_same_v<T, Lum32f>;
+    [[maybe_unused]] constexpr bool floats = std::is_same_v<T, Lum32f>;
     if constexpr (kindOf<T, N> == Kind::pair)
         return lessBits(a.lo, b.lo) | lessBits(a.hi, b.hi) << (N / 2);
     else if constexpr (N == 1)
