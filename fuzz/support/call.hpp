@@ -133,6 +133,7 @@ struct Call
     std::function<void(Arguments&)> prepare = {};  // lays records
     std::function<LumStatus(const Arguments&)> call;
     bool looseStep = false;  // strides are held against the width in pixels, and not against the element size
+    bool freeStep = false;   // strides are refused if they are negative, and for nothing else
     bool longStep = false;   // strides and sizes have 64 bits
     bool ignoresSize = false;
 

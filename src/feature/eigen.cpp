@@ -11,6 +11,7 @@ namespace {
 
 struct MinEigenvalue
 {
+    static constexpr int lanes = 16;
     Plane<Lum32f> dst;
     Lum32f factor;
 
@@ -29,6 +30,8 @@ struct MinEigenvalue
 
 struct EigenvaluesAndVectors
 {
+    /// More would not fit the registers.
+    static constexpr int lanes = simd::registerLanes<Lum32f>;
     Plane<Lum32f> dst;
     Lum32f scale;
     Lum32f sense;

@@ -12,6 +12,7 @@ namespace {
 
 struct Response
 {
+    static constexpr int lanes = 16;
     Plane<Lum32f> dst;
     Lum32f k, scale;
 
@@ -28,6 +29,7 @@ struct Response
 
 struct Suppression
 {
+    static constexpr int lanes = 16;
     Plane<const Lum8u> feature;
     Plane<Lum8u> dst;
     Lum32f threshold;

@@ -8,16 +8,36 @@
 
 namespace lumcv {
 
-/// line = addend, or line + addend, for n floats.
-template <bool isFirst, class Addend>
-[[gnu::flatten, gnu::noinline]] void addToLine(Lum32f* line, int64_t n, Addend addend)
+/// The rows that are added to the column sums at once.
+inline constexpr int rowsAtOnce = 4;
+
+/// line + rows[0] + rows[1] + ..., from left to right, or the sum of the rows alone where they are the first.
+template <int count, bool isFirst>
+[[gnu::flatten, gnu::noinline]] void addRows(Lum32f* line, const Lum32f* const* rows, int64_t n)
 {
-    simd::eachOnce<64>(0, n, [=](int64_t x, auto lanes) {
-        if constexpr (isFirst)
-            simd::store(line + x, addend(x, lanes));
-        else
-            simd::store(line + x, simd::load<lanes>(line + x) + addend(x, lanes));
+    const Lum32f* r[count];
+    for (int i = 0; i < count; ++i)
+        r[i] = rows[i];
+    simd::eachOnce<32>(0, n, [=](int64_t x, auto lanes) {
+        auto sum = simd::load<lanes>(isFirst ? r[0] + x : line + x);
+        for (int i = isFirst ? 1 : 0; i < count; ++i)
+            sum = sum + simd::load<lanes>(r[i] + x);
+        simd::store(line + x, sum);
     });
+}
+
+template <bool isFirst>
+void addRows(Lum32f* line, const Lum32f* const* rows, int64_t count, int64_t n)
+{
+    static_assert(rowsAtOnce == 4);
+    if (count == 4)
+        addRows<4, isFirst>(line, rows, n);
+    else if (count == 3)
+        addRows<3, isFirst>(line, rows, n);
+    else if (count == 2)
+        addRows<2, isFirst>(line, rows, n);
+    else
+        addRows<1, isFirst>(line, rows, n);
 }
 
 /// Makes means of column sums, four floats for each pixel. lines[i][0] belongs to the first column under the window of
@@ -55,7 +75,7 @@ template <class Put>
     });
 }
 
-/// `last` takes the means: last.row(y, 0) is called with x, A, B and C.
+/// `last` takes the means: last.row(y, 0) is called with x, A, B and C. Products beyond a constant border are 0.
 template <class S, class Last>
 class LongWindow
 {
@@ -146,20 +166,18 @@ class LongWindow
     void sumColumns(int64_t y, Lum32f* line) const
     {
         const int64_t n = 4 * extendedWidth(image_);
+        const Lum32f* rows[rowsAtOnce];
+        int64_t count = 0;
+        bool isFirst = true;
         for (int64_t j = 0; j < image_.window; ++j) {
             const SourceRow row = sourceRow(y - image_.before() + j, image_.roiSize.height, image_.productBorder);
-            const auto add = [=](auto addend) {
-                if (j == 0)
-                    addToLine<true>(line, n, addend);
-                else
-                    addToLine<false>(line, n, addend);
-            };
-            if (row.isConstant) {
-                const Lum32f value = image_.productBorderValue;
-                add([=](int64_t, auto lanes) { return simd::broadcast<lanes>(value); });
-            } else {
-                const Lum32f* const products = slotOf(row.index);
-                add([=](int64_t x, auto lanes) { return simd::load<lanes>(products + x); });
+            // a row beyond a constant border is 0 and adds nothing
+            if (!row.isConstant)
+                rows[count++] = slotOf(row.index);
+            if (count == rowsAtOnce || (count > 0 && j + 1 == image_.window)) {
+                isFirst ? addRows<true>(line, rows, count, n) : addRows<false>(line, rows, count, n);
+                isFirst = false;
+                count = 0;
             }
         }
     }

@@ -39,10 +39,10 @@ struct WindowRows
 };
 
 /// Calls put(x, A, B, C) for the pixels [0, n), for some of them twice.
-template <int window, class Put>
+template <int N, int window, class Put>
 [[gnu::flatten, gnu::noinline]] void meansAcross(WindowRows<window> rows, Lum32f factor, int64_t n, Put put)
 {
-    simd::eachAtLeastOnce<productLanes>(0, n, [=](int64_t x, auto lanes) {
+    simd::eachAtLeastOnce<N>(0, n, [=](int64_t x, auto lanes) {
         const auto mean = [=](int i) {
             return sumOf<window>([=](int j) { return simd::load<lanes>(rows.rows[j] + i * rows.pitch + x); }) *
                    simd::broadcast<lanes>(factor);
@@ -51,7 +51,8 @@ template <int window, class Put>
     });
 }
 
-/// The columns [begin, end). `last` takes the means: last.row(y) is called with x, A, B and C.
+/// The columns [begin, end). `last` takes the means: last.row(y, begin) is called with x, A, B and C, Last::lanes of
+/// them at a time or one.
 template <int window, class S, class Last>
 class ShortWindowBand
 {
@@ -103,7 +104,7 @@ class ShortWindowBand
                 const SourceRow row = sourceRow(y - image_.before() + j, height, image_.productBorder);
                 rows.rows[j] = row.isConstant ? slot(window) : slotOf(row.index);
             }
-            meansAcross<window>(rows, factor_, columns_, last_.row(y, begin_));
+            meansAcross<Last::lanes>(rows, factor_, columns_, last_.row(y, begin_));
         }
     }
 
