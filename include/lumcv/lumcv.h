@@ -7,6 +7,7 @@
 #ifndef LUMCV_H
 #define LUMCV_H
 
+#include "feature.h"
 #include "filter.h"
 #include "frame.h"
 #include "integral.h"

@@ -26,6 +26,15 @@ template <int factor, int N>
 }
 
 template <int factor, int N>
+[[gnu::always_inline]] inline auto times(simd::Vec<Lum16s, N> tap)
+{
+    if constexpr (factor == 2)
+        return tap + tap;
+    else
+        return tap * simd::broadcast<N>(Lum16s{factor});
+}
+
+template <int factor, int N>
 [[gnu::always_inline]] inline auto times(simd::Vec<Lum32f, N> tap)
 {
     return tap * simd::broadcast<N>(Lum32f{factor});
