@@ -9,23 +9,25 @@
 namespace lumcv::canny {
 namespace {
 
-// Operators: what smooths across a derivative, and the derivative. Words hold all sums: the greatest is
-// 255 * 16 * 3 = 12240, of the 5x5 Sobel operator.
+// Operators: what smooths across a derivative, the derivative, and its greatest value. Words hold all sums.
 
 struct Sobel3
 {
+    static constexpr Lum32s greatest = 4 * 255;
     using Smooth = Smooth3;
     using Difference = NegatedDifference3;
 };
 
 struct Scharr3
 {
+    static constexpr Lum32s greatest = 16 * 255;
     using Smooth = ScharrSmooth3;
     using Difference = NegatedDifference3;
 };
 
 struct Sobel5
 {
+    static constexpr Lum32s greatest = 48 * 255;
     using Smooth = Smooth5;
     using Difference = NegatedDifference5;
 };
@@ -161,6 +163,7 @@ constexpr int64_t leastHeight = 4;
 template <class Operator>
 void draw(const BorderCall& call)
 {
+    static_assert(Operator::greatest <= ByteTangents::greatest);
     const bool isLow = call.source.size.height < leastHeight;
     if (call.norm == lumNormL1) {
         const Lum32s low = integerThreshold(call.low);
@@ -169,11 +172,14 @@ void draw(const BorderCall& call)
         if (isLow)
             drawEdgesOf<Operator>(call, sum, Angles{}, high);
         else
-            drawEdgesOf<Operator>(call, sum, SingleTangents{}, high);
+            drawEdgesOf<Operator>(call, sum, ByteTangents{}, high);
     } else if (isLow)
         drawEdgesOf<Operator>(call, RootOfFloatSquares{call.low}, Angles{}, thresholdBits(call.high));
+    else if constexpr (2 * Operator::greatest * Operator::greatest < greatestSumForRoot)
+        drawEdgesOf<Operator>(call, IntegerSquares{squareThreshold(call.low)}, ByteTangents{},
+                              squareThreshold(call.high));
     else
-        drawEdgesOf<Operator>(call, RootOfSquares{call.low}, SingleTangents{}, thresholdBits(call.high));
+        drawEdgesOf<Operator>(call, RootOfSquares{squareThreshold(call.low)}, ByteTangents{}, thresholdBits(call.high));
 }
 
 constexpr bool isMask(LumiMaskSize mask)

@@ -46,6 +46,81 @@ struct SingleTangents
     }
 };
 
+/// The same for derivatives of bytes, integers up to 12240: there each test is whether a ratio is above that of two
+/// small integers, so that products of words decide it, and codes are chosen among bytes.
+struct ByteTangents
+{
+    struct Ratio
+    {
+        Lum16s longer, shorter;
+    };
+    static constexpr Lum32s greatest = 12240;
+    static constexpr Ratio steepest{9104, 3771};
+    static constexpr Ratio flattest{5741, 2378};
+
+    template <int N>
+    [[gnu::always_inline]] static simd::Vec<Lum8u, N> of(const Lum16s* pDx, const Lum16s* pDy)
+    {
+        const auto dx = simd::load<N>(pDx);
+        const auto dy = simd::load<N>(pDy);
+        const auto ax = absolute(dx);
+        const auto ay = absolute(dy);
+        const auto code = [](Direction direction) { return simd::broadcast<N>(static_cast<Lum8s>(direction)); };
+        const auto zero = simd::broadcast<N>(Lum8s{0});
+        // above zero in bytes where the sum of products is
+        const auto excess = [](auto products) { return simd::narrowOnce<Lum8s>(simd::saturated(products)); };
+        const auto steep = excess(simd::products(ax, static_cast<Lum16s>(-steepest.longer), ay, steepest.shorter));
+        const auto flat = excess(simd::products(ax, flattest.shorter, ay, static_cast<Lum16s>(-flattest.longer)));
+        // the sign bit says that the derivatives' signs differ
+        const auto signs = simd::narrowOnce<Lum8s>(dx ^ dy);
+        const auto diagonal = simd::select(simd::greater(zero, signs), code(antiDiagonal), code(mainDiagonal));
+        const auto codes = simd::select(simd::greater(steep, zero), code(vertical),
+                                        simd::select(simd::greater(flat, zero), code(horizontal), diagonal));
+        return bytes(codes);
+    }
+
+  private:
+    template <int N>
+    [[gnu::always_inline]] static simd::Vec<Lum16s, N> absolute(simd::Vec<Lum16s, N> v)
+    {
+        if constexpr (N == 1)
+            return {static_cast<Lum16s>(v.raw < 0 ? -v.raw : v.raw)};
+        else
+            return simd::reinterpreted<Lum16s>(simd::magnitude(v));
+    }
+
+    template <int N>
+    [[gnu::always_inline]] static simd::Vec<Lum8u, N> bytes(simd::Vec<Lum8s, N> v)
+    {
+        if constexpr (N == 1)
+            return {static_cast<Lum8u>(v.raw)};
+        else
+            return simd::reinterpreted<Lum8u>(v);
+    }
+};
+
+static_assert([] {
+    using Tangents = ByteTangents;
+    const auto isAbove = [](int longer, int shorter, Tangents::Ratio ratio) {
+        return longer * ratio.shorter > shorter * ratio.longer;
+    };
+    // of the derivatives that go with one that is given, those at the border between two directions
+    for (int a = 0; a <= Tangents::greatest; ++a) {
+        const auto ax = static_cast<Lum32f>(a);
+        const int ay = static_cast<int>(ax * 2.41421366f);
+        if (ay < Tangents::greatest)
+            for (int d = 0; d < 2; ++d)
+                if ((static_cast<Lum32f>(ay + d) > ax * 2.41421366f) != isAbove(ay + d, a, Tangents::steepest))
+                    return false;
+        const int by = static_cast<int>(ax * 0.414213568f);
+        for (int d = -1; d < 2; ++d)
+            if (by + d >= 0 &&
+                (ax * 0.414213568f > static_cast<Lum32f>(by + d)) != isAbove(a, by + d, Tangents::flattest))
+                return false;
+    }
+    return true;
+}());
+
 /// The tangents in double precision, their products with a magnitude of 16 bits rounded to single precision.
 struct DoubleTangents
 {

@@ -196,8 +196,7 @@ template <class Magnitude>
 {
     simd::eachAtLeastOnce<blockLanes<Magnitude>>(0, n, [=](int64_t x, auto lanes) {
         constexpr int count = lanes;
-        const auto magnitudes = simd::load<count>(rows.middle + x);
-        if (simd::any(simd::greater(magnitudes, simd::broadcast<count>(Magnitude{0}))))
+        if (simd::anyNonZero(simd::load<count>(rows.middle + x)))
             simd::store(map + x, classBytes(classesOf<count>(rows, directions, high, x)));
         else
             simd::store(map + x, simd::broadcast<count>(Lum8u{none}));

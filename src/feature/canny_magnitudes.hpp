@@ -57,7 +57,7 @@ struct WordSum
         const auto above =
             simd::subtractSaturated(ax + simd::subtractSaturated(ay, least), simd::subtractSaturated(least, ay));
         simd::store(magnitudes, above);
-        return simd::any(simd::greater(above, simd::broadcast<N>(Lum16u{0})));
+        return simd::anyNonZero(above);
     }
 };
 
@@ -94,30 +94,46 @@ struct IntegerSquares
     Lum32s low;
 
     template <int N>
-    [[gnu::always_inline]] static simd::Vec<Lum32s, N> sum(const Lum16s* pDx, const Lum16s* pDy)
-    {
-        const auto dx = simd::loadWidened<N>(pDx);
-        const auto dy = simd::loadWidened<N>(pDy);
-        return dx * dx + dy * dy;
-    }
-
-    template <int N>
     [[gnu::always_inline]] bool operator()(const Lum16s* dx, const Lum16s* dy, Lum32s* magnitudes, simd::Lanes<N>) const
     {
-        return storeCandidates(sum<N>(dx, dy), low, magnitudes);
+        return storeCandidates(simd::squareSums<N>(dx, dy), low, magnitudes);
     }
 };
+
+/// Where roots of sums of squares are wanted: the greatest sum whose root, in single precision, is not above the
+/// threshold. Roots grow with the sums, or stay the same.
+inline Lum32s squareThreshold(Lum32f threshold)
+{
+    Lum32s sum = 0;
+    for (Lum32s bit = 1 << 30; bit; bit >>= 1)
+        if (!(__builtin_sqrtf(static_cast<Lum32f>(sum | bit)) > threshold))
+            sum |= bit;
+    return sum;
+}
+
+/// Up to this sum all roots differ in single precision, so that the sums compare as their roots do.
+inline constexpr Lum32s greatestSumForRoot = 1 << 21;
 
 /// The root of IntegerSquares, which the derivatives of bytes leave exact.
 struct RootOfSquares
 {
     using Magnitude = Lum32s;
-    Lum32f low;
+    Lum32s low;  ///< as a sum of squares
 
     template <int N>
     [[gnu::always_inline]] bool operator()(const Lum16s* dx, const Lum16s* dy, Lum32s* magnitudes, simd::Lanes<N>) const
     {
-        return storeCandidates(simd::squareRoot(simd::toFloat(IntegerSquares::sum<N>(dx, dy))), low, magnitudes);
+        using Roots = simd::Vec<Lum32f, N>;
+        const auto sums = simd::squareSums<N>(dx, dy);
+        const auto isCandidate = simd::greater(sums, simd::broadcast<N>(low));
+        const auto zeros = simd::broadcast<N>(Lum32s{0});
+        if (!simd::any(isCandidate)) {
+            simd::store(magnitudes, zeros);
+            return false;
+        }
+        const Roots roots = simd::squareRoot(simd::toFloat(simd::select(isCandidate, sums, zeros)));
+        simd::store(reinterpret_cast<Lum32f*>(magnitudes), roots);
+        return true;
     }
 };
 

@@ -14,6 +14,16 @@ template <class T, int N>
         return {(decltype(a.raw))(a.raw & b.raw)};
 }
 
+/// The bits in which a and b differ.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> operator^(Vec<T, N> a, Vec<T, N> b)
+{
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {a.lo ^ b.lo, a.hi ^ b.hi};
+    else
+        return {(decltype(a.raw))(a.raw ^ b.raw)};
+}
+
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> operator~(Vec<T, N> a)
 {

@@ -50,6 +50,8 @@ template <class T, int N>
             return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_GT_OQ)};
         else if constexpr (std::is_same_v<T, Lum32s>)
             return M{_mm512_cmpgt_epi32_mask(bits(a.raw), bits(b.raw))};
+        else if constexpr (std::is_same_v<T, Lum8s>)
+            return M{_mm512_cmpgt_epi8_mask(bits(a.raw), bits(b.raw))};
         else {
             static_assert(std::is_same_v<T, Lum16u>);
             return M{_mm512_cmpgt_epu16_mask(bits(a.raw), bits(b.raw))};
@@ -171,6 +173,25 @@ template <class T, int N>
         return _mm_movemask_epi8(bits(mask.raw)) != 0;
     else
         return _mm256_movemask_ps((__m256)mask.raw) != 0;
+}
+
+/// Whether any lane is not zero, of integers.
+template <class T, int N>
+[[gnu::always_inline]] inline bool anyNonZero(Vec<T, N> v)
+{
+    static_assert(std::is_integral_v<T>);
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return anyNonZero(v.lo | v.hi);
+    else if constexpr (N == 1)
+        return v.raw != 0;
+    else if constexpr (sizeof v == 16)
+        return !_mm_testz_si128(bits(v.raw), bits(v.raw));
+#if defined(__AVX512BW__)
+    else if constexpr (sizeof v == 64)
+        return _mm512_test_epi32_mask(bits(v.raw), bits(v.raw)) != 0;
+#endif
+    else
+        return !_mm256_testz_si256(bits(v.raw), bits(v.raw));
 }
 
 }  // namespace lumcv::simd
