@@ -135,6 +135,7 @@ struct Call
     bool looseStep = false;  // strides are held against the width in pixels, and not against the element size
     bool longStep = false;   // strides and sizes have 64 bits
     bool ignoresSize = false;
+    bool ignoresStep = false;  // strides are not tested
 
     std::string text() const;
 };
