@@ -184,6 +184,10 @@ template <class T, int N>
         return mask.raw;
     else if constexpr (sizeof mask.raw == 16)
         return _mm_movemask_epi8(bits(mask.raw)) != 0;
+#if defined(__AVX2__)
+    else if constexpr (sizeof(T) < 4)
+        return _mm256_movemask_epi8(bits(mask.raw)) != 0;
+#endif
     else
         return _mm256_movemask_ps((__m256)mask.raw) != 0;
 }
