@@ -90,7 +90,9 @@ template <class T, int N>
 template <class T, int N>
 [[gnu::always_inline]] inline auto maskLanes(Mask<T, N> mask)
 {
-    if constexpr (std::is_floating_point_v<T> && N > 1 && !hasMaskRegister<T, N>) {
+    if constexpr (N == 1)
+        return int{mask.raw};
+    else if constexpr (std::is_floating_point_v<T> && !hasMaskRegister<T, N>) {
         typedef Lum32s Lanes __attribute__((vector_size(N * sizeof(Lum32s))));
         return (Lanes)mask.raw;
     } else
