@@ -148,6 +148,7 @@ struct Call
     bool alignmentFirst = false;  // of a stride: whether it is a whole number of elements, and only then its size
     bool longStep = false;        // strides and sizes have 64 bits
     bool ignoresSize = false;
+    bool ignoresStep = false;  // strides are not tested
 
     std::string text() const;
 };

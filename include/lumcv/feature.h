@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief Features: corner measures, peaks, suppression of lines.
+ * @brief Features: corner measures, peaks, suppression of lines, Canny edges.
  */
 #ifndef LUMCV_FEATURE_H
 #define LUMCV_FEATURE_H
@@ -47,7 +47,7 @@ extern "C" {
  *
  * Source and destination must not overlap.
  *
- * @see @ref peaks, @ref line_suppression
+ * @see @ref peaks, @ref line_suppression, @ref canny
  */
 
 /**
@@ -400,7 +400,7 @@ LUMCV_API LumStatus lumiEigenValsVecsBorder_8u32f_C1R(const Lum8u* pSrc, Lum32s 
  * @{
  */
 
-/** The derivatives of the Harris response and of line suppression. */
+/** The derivatives of the Harris response, of line suppression and of Canny edges. */
 typedef Lum32s LumiFilterType;
 
 /** The values of LumiFilterType. */
@@ -639,6 +639,305 @@ LUMCV_API LumStatus lumiLineSuppression_8u_C1R(const Lum8u* pSrc, Lum32s srcStep
                                                LumiFilterType filterType, LumiMaskSize filterMask, Lum32s avgWindow,
                                                Lum32f threshold, LumiBorderType borderType, Lum8u borderValue,
                                                Lum8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup canny Canny edges
+ * @brief The edges of an image, one pixel wide: from its two first derivatives, or from the image itself.
+ *
+ * The result is an 8u image: 255 where an edge runs, 0 elsewhere. It comes about in three stages.
+ *
+ * **Magnitude.** With the derivatives `dx` (right minus left) and `dy` (bottom minus top) of a pixel, `m` is
+ * `|dx| + |dy|` for #lumNormL1, and for #lumNormL2 the square or the root of `dx * dx + dy * dy` as told below. A pixel
+ * is a candidate if `m` is strictly greater than the low threshold; all others, and all pixels outside the ROI, count
+ * as 0 from here on, also beyond sides that lie in memory.
+ *
+ * **Suppression.** Each candidate is compared with the two neighbours that lie in the direction of its gradient, given
+ * here as (row, column) from the pixel:
+ *
+ * | Direction | Gradient | First neighbour | Second neighbour |
+ * |---|---|---|---|
+ * | 1 | nearly horizontal | (0, -1) | (0, +1) |
+ * | 2 | `dx` and `dy` differ in sign | (-1, +1) | (+1, -1) |
+ * | 3 | nearly vertical | (-1, 0) | (+1, 0) |
+ * | 4 | `dx` and `dy` agree in sign | (-1, -1) | (+1, +1) |
+ *
+ * It survives if `m` is strictly greater than that of both; in the directions 1 and 3 also if it is strictly greater
+ * than the first and equal to the second. So of a horizontal or vertical run of equal magnitudes the first pixel, the
+ * leftmost or topmost, stays, and of a diagonal run none.
+ *
+ * With `ax = |dx|` and `ay = |dy|` the direction is
+ *
+ *     3             if ay > ax * 2.41421356
+ *     1 otherwise   if ax * 0.41421356 > ay
+ *     2 otherwise   if the sign bits of dx and dy differ
+ *     4 otherwise
+ *
+ * **Hysteresis.** A survivor is strong if `m` is strictly greater than the high threshold, and weak otherwise. Edges
+ * are the strong pixels, and the weak ones that a chain of weak pixels, each one of the eight neighbours of the one
+ * before it, connects with a strong pixel.
+ *
+ * A pixel exactly at the low threshold is no candidate, and one exactly at the high threshold is weak; with both
+ * thresholds the same, no pixel is weak. A threshold that is not a number is above every magnitude.
+ *
+ * @see @ref corners
+ */
+
+/**
+ * @defgroup canny_planes Edges from derivatives
+ * @ingroup canny
+ * @brief Canny edges from two planes of derivatives that the caller has computed.
+ *
+ * The forms without `_L` have 32-bit geometry and know #lumNormL1 only.
+ *
+ * **16s planes.** Everything is exact in integers.
+ * - #lumNormL1: `m = |dx| + |dy|`, where -32768 counts as 32768. The thresholds are truncated towards zero.
+ * - #lumNormL2: `m = dx * dx + dy * dy`, without a root. The thresholds are squared in single precision and then
+ *   truncated. With both derivatives -32768, `m` exceeds 31 bits and the pixel is no candidate.
+ * - A threshold beyond 31 bits is 2147483647.
+ * - Direction: `ax` and `ay` as above; the products with 2.414213562373095 and 0.41421356237309503 are formed in double
+ *   precision and rounded to single precision before they are compared.
+ *
+ * **32f planes.** Single precision, each operation rounded by itself.
+ * - #lumNormL1: `m = |dx| + |dy|`.
+ * - #lumNormL2: `m = dx * dx + dy * dy`, without a root. The thresholds are squared.
+ * - A magnitude that is not a number is no candidate; infinity is one, unless the low threshold is infinite too.
+ * - Direction: the factors are 2.41421366f (0x401A827A) and 0.414213568f (0x3ED413CD).
+ *
+ * The destination may be neither of the planes, nor overlap them.
+ *
+ * **Scratch**, in bytes: `16 * width + p * (width + 2) * (height + 2) + 160`, with `p` 5 if width and height are both
+ * below 65533, and 9 otherwise. lumiCannyGetSize() stores the low 32 bits of it, lumiCannyGetSize_L() the low 64 bits.
+ *
+ * **Checks**, in this order; the first that fails decides the status, and nothing has been written:
+ *
+ * 1. #lumErrNullPointer: `pSrcDx`, `pSrcDy`, `pDstEdges` or `pBuffer` is null.
+ * 2. #lumErrSizeTooLarge (`_L` only): the width, the height or a stride exceeds 2147483647.
+ * 3. #lumErrSize: the width or the height is below 1.
+ * 4. #lumErrStep: a stride is smaller than a row of its image in bytes.
+ * 5. #lumErrStepAlignment: the stride of a plane is not a multiple of its element size.
+ * 6. #lumErrArgument: `lowThreshold` is negative or above `highThreshold`. lumiCanny_16s8u_C1R_L() with #lumNormL2
+ *    tests the squares instead, so there a negative threshold counts like its magnitude.
+ * 7. #lumErrNorm (`_L` only): `norm` is neither #lumNormL1 nor #lumNormL2.
+ *
+ * @see @ref canny_border
+ *
+ * @{
+ */
+
+/**
+ * Scratch size of lumiCanny_16s8u_C1R() and lumiCanny_32f8u_C1R().
+ *
+ * @param roiSize     size of the ROI in pixels
+ * @param pBufferSize where the size in bytes goes; the low 32 bits of a larger one
+ * @retval lumOk             the size has been written
+ * @retval lumErrNullPointer `pBufferSize` is null
+ * @retval lumErrSize        the width or the height is below 1
+ */
+LUMCV_API LumStatus lumiCannyGetSize(LumiSize roiSize, Lum32s* pBufferSize);
+
+/**
+ * Scratch size of lumiCanny_16s8u_C1R_L() and lumiCanny_32f8u_C1R_L().
+ *
+ * @param roiSize     size of the ROI in pixels
+ * @param pBufferSize where the size in bytes goes
+ * @retval lumOk              the size has been written
+ * @retval lumErrNullPointer  `pBufferSize` is null
+ * @retval lumErrSizeTooLarge the width or the height exceeds 2147483647
+ * @retval lumErrSize         the width or the height is below 1
+ */
+LUMCV_API LumStatus lumiCannyGetSize_L(LumiSizeL roiSize, Lum64s* pBufferSize);
+
+/**
+ * Finds edges in 16s planes of derivatives, with the magnitudes of #lumNormL1.
+ *
+ * @param pSrcDx        first pixel of the ROI of the derivatives along the row, right minus left
+ * @param srcDxStep     stride of that plane, in bytes; a multiple of the element size
+ * @param pSrcDy        first pixel of the ROI of the derivatives down the rows, bottom minus top
+ * @param srcDyStep     stride of that plane, in bytes; a multiple of the element size
+ * @param pDstEdges     first pixel of the destination's ROI
+ * @param dstEdgesStep  stride of the destination, in bytes
+ * @param roiSize       size of the ROI in pixels
+ * @param lowThreshold  what the magnitude of an edge pixel exceeds; at least 0
+ * @param highThreshold what the magnitude of some pixel of each edge exceeds; at least `lowThreshold`
+ * @param pBuffer       scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment the stride of a plane is not a multiple of its element size
+ * @retval lumErrArgument      `lowThreshold` is negative or above `highThreshold`
+ */
+LUMCV_API LumStatus lumiCanny_16s8u_C1R(const Lum16s* pSrcDx, Lum32s srcDxStep, const Lum16s* pSrcDy, Lum32s srcDyStep,
+                                        Lum8u* pDstEdges, Lum32s dstEdgesStep, LumiSize roiSize, Lum32f lowThreshold,
+                                        Lum32f highThreshold, Lum8u* pBuffer);
+
+/** Finds edges in 32f planes of derivatives, with the magnitudes of #lumNormL1. @copydetails lumiCanny_16s8u_C1R */
+LUMCV_API LumStatus lumiCanny_32f8u_C1R(const Lum32f* pSrcDx, Lum32s srcDxStep, const Lum32f* pSrcDy, Lum32s srcDyStep,
+                                        Lum8u* pDstEdges, Lum32s dstEdgesStep, LumiSize roiSize, Lum32f lowThreshold,
+                                        Lum32f highThreshold, Lum8u* pBuffer);
+
+/**
+ * Finds edges in 16s planes of derivatives; 64-bit entry point.
+ *
+ * @param pSrcDx        first pixel of the ROI of the derivatives along the row, right minus left
+ * @param srcDxStep     stride of that plane, in bytes; a multiple of the element size
+ * @param pSrcDy        first pixel of the ROI of the derivatives down the rows, bottom minus top
+ * @param srcDyStep     stride of that plane, in bytes; a multiple of the element size
+ * @param pDstEdges     first pixel of the destination's ROI
+ * @param dstEdgesStep  stride of the destination, in bytes
+ * @param roiSize       size of the ROI in pixels
+ * @param lowThreshold  what the magnitude of an edge pixel exceeds; at least 0
+ * @param highThreshold what the magnitude of some pixel of each edge exceeds; at least `lowThreshold`
+ * @param norm          #lumNormL1 or #lumNormL2
+ * @param pBuffer       scratch of the queried size
+ * @retval lumOk               the destination has been written
+ * @retval lumErrNullPointer   a pointer is null
+ * @retval lumErrSizeTooLarge  the width, the height or a stride exceeds 2147483647
+ * @retval lumErrSize          the width or the height is below 1
+ * @retval lumErrStep          a stride is smaller than a row in bytes
+ * @retval lumErrStepAlignment the stride of a plane is not a multiple of its element size
+ * @retval lumErrArgument      the thresholds are refused, as told in @ref canny_planes
+ * @retval lumErrNorm          `norm` is neither #lumNormL1 nor #lumNormL2
+ */
+LUMCV_API LumStatus lumiCanny_16s8u_C1R_L(const Lum16s* pSrcDx, Lum64s srcDxStep, const Lum16s* pSrcDy,
+                                          Lum64s srcDyStep, Lum8u* pDstEdges, Lum64s dstEdgesStep, LumiSizeL roiSize,
+                                          Lum32f lowThreshold, Lum32f highThreshold, LumiNorm norm, Lum8u* pBuffer);
+
+/** Finds edges in 32f planes of derivatives; 64-bit entry point. @copydetails lumiCanny_16s8u_C1R_L */
+LUMCV_API LumStatus lumiCanny_32f8u_C1R_L(const Lum32f* pSrcDx, Lum64s srcDxStep, const Lum32f* pSrcDy,
+                                          Lum64s srcDyStep, Lum8u* pDstEdges, Lum64s dstEdgesStep, LumiSizeL roiSize,
+                                          Lum32f lowThreshold, Lum32f highThreshold, LumiNorm norm, Lum8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup canny_border Edges of an image
+ * @ingroup canny
+ * @brief Canny edges of an 8u image in one call; the derivatives are formed on the way.
+ *
+ * **Derivatives.** `filterType` and `maskSize` choose them; the matrices give the weights of the pixels around:
+ *
+ * | Filter | Mask | dx | dy |
+ * |---|---|---|---|
+ * | #lumFilterSobel | 3x3 | -1 0 1 / -2 0 2 / -1 0 1 | -1 -2 -1 / 0 0 0 / 1 2 1 |
+ * | #lumFilterScharr | 3x3 | -3 0 3 / -10 0 10 / -3 0 3 | -3 -10 -3 / 0 0 0 / 3 10 3 |
+ * | #lumFilterSobel | 5x5 | -1 -2 0 2 1 along the row, 1 4 6 4 1 down the rows | the same, transposed |
+ *
+ * They are exact integers. Outside the ROI, on sides that are not flagged as lying in memory, the image is replicated
+ * or is `borderValue`; a row above or below a constant border is constant over its whole length. Flagged sides are read
+ * as far as the mask reaches, and no further. #lumBorderMirror is refused.
+ *
+ * **Magnitude**, in single precision, against the thresholds as they are given:
+ * - #lumNormL1: `m = |dx| + |dy|`.
+ * - #lumNormL2: `m = sqrt(dx * dx + dy * dy)`; the sum is an exact integer that is rounded to single precision before
+ *   the root.
+ *
+ * **Direction**: `ax` and `ay` are single-precision numbers and the factors 2.41421366f (0x401A827A) and 0.414213568f
+ * (0x3ED413CD), with the products rounded to single precision.
+ *
+ * **Low images.** With a height below 4 two things differ in their rounding. For #lumNormL2 `dx * dx` and `dy * dy` are
+ * rounded to single precision each, and again their sum, before the root. And the direction is that of an angle: with
+ * `t` the single-precision rounding of `atan2(dy, dx)`, to which 3.14159274f is added in single precision if it is
+ * negative, it is
+ *
+ *     1             if t < 0.3926991f
+ *     4 otherwise   if t <= 1.1780972f
+ *     3 otherwise   if t < 1.9634955f
+ *     2 otherwise   if t <= 2.7488937f
+ *     1 otherwise
+ *
+ * **Strides** are not tested: rows may lie in any order and distance. The destination is written after all of the
+ * source has been read, and may overlap it.
+ *
+ * **Scratch**, in bytes, with `k` 3 for #lumMask3x3 and 5 for #lumMask5x5, `w = width + k - 1`, `h = height + k - 1`,
+ * and `A()` rounding up to a multiple of 32: `A(16 * w) + A(w * h) + A(4 * w * h) + 64`, and another `A(w * h)` if the
+ * smaller of width and height is below `k`. The query stores the low 32 bits of it. The filter takes no part.
+ * ROIs of 2^32 pixels and more are beyond this function.
+ *
+ * The **query** tests `pBufferSize` (#lumErrNullPointer), then width and height (#lumErrSize), then `maskSize`
+ * (#lumErrMaskSize).
+ *
+ * **Checks**, in this order; the first that fails decides the status, and nothing has been written:
+ *
+ * 1. #lumErrMaskSize: `maskSize` is neither #lumMask3x3 nor #lumMask5x5, or it is #lumMask5x5 and `filterType` is
+ *    #lumFilterScharr.
+ * 2. #lumErrNullPointer: `pSrc`, `pDst` or `pBuffer` is null.
+ * 3. #lumErrSize: the width or the height is below 1.
+ * 4. #lumErrArgument: `filterType` is neither #lumFilterSobel nor #lumFilterScharr, `norm` is neither #lumNormL1 nor
+ *    #lumNormL2, or `lowThreshold` is negative or above `highThreshold`.
+ * 5. #lumErrBorder: `borderType` is neither #lumBorderInMem nor at most 255 with one of the modes #lumBorderReplicate
+ *    and #lumBorderConstant.
+ *
+ * This draws the edges of an image:
+ *
+ * @code{.c}
+ * #include <lumcv/lumcv.h>
+ * #include <stdlib.h>
+ *
+ * LumStatus drawEdges(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize)
+ * {
+ *     Lum32s bufferBytes = 0;
+ *     LumStatus status = lumiCannyBorderGetSize(roiSize, lumFilterSobel, lumMask3x3, &bufferBytes);
+ *     if (status != lumOk)
+ *         return status;
+ *     Lum8u* buffer = malloc((size_t)bufferBytes);
+ *     // an edge begins where the gradient exceeds 120, and is followed as long as it exceeds 50
+ *     status = lumiCannyBorder_8u_C1R(pSrc, srcStep, pDst, dstStep, roiSize, lumFilterSobel, lumMask3x3,
+ *                                     lumBorderReplicate, 0, 50, 120, lumNormL2, buffer);
+ *     free(buffer);
+ *     return status;
+ * }
+ * @endcode
+ *
+ * @see @ref canny_planes
+ *
+ * @{
+ */
+
+/**
+ * Scratch size of lumiCannyBorder_8u_C1R().
+ *
+ * @param roiSize     size of the ROI in pixels
+ * @param filterType  takes no part
+ * @param maskSize    #lumMask3x3 or #lumMask5x5
+ * @param pBufferSize where the size in bytes goes; the low 32 bits of a larger one
+ * @retval lumOk             the size has been written
+ * @retval lumErrNullPointer `pBufferSize` is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrMaskSize    `maskSize` is not among those listed
+ */
+LUMCV_API LumStatus lumiCannyBorderGetSize(LumiSize roiSize, LumiFilterType filterType, LumiMaskSize maskSize,
+                                           Lum32s* pBufferSize);
+
+/**
+ * Finds the edges of an 8u image.
+ *
+ * @param pSrc          first pixel of the source's ROI
+ * @param srcStep       stride of the source, in bytes
+ * @param pDst          first pixel of the destination's ROI
+ * @param dstStep       stride of the destination, in bytes
+ * @param roiSize       size of the ROI in pixels
+ * @param filterType    #lumFilterSobel or #lumFilterScharr
+ * @param maskSize      #lumMask3x3, or #lumMask5x5 for #lumFilterSobel
+ * @param borderType    what lies outside the ROI
+ * @param borderValue   the pixel value outside, for #lumBorderConstant
+ * @param lowThreshold  what the magnitude of an edge pixel exceeds; at least 0
+ * @param highThreshold what the magnitude of some pixel of each edge exceeds; at least `lowThreshold`
+ * @param norm          #lumNormL1 or #lumNormL2
+ * @param pBuffer       scratch of the queried size
+ * @retval lumOk             the destination has been written
+ * @retval lumErrMaskSize    `maskSize` is not allowed, or not with this filter
+ * @retval lumErrNullPointer a pointer is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrArgument    the filter, the norm or a threshold is not allowed
+ * @retval lumErrBorder      `borderType` is not allowed
+ */
+LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep,
+                                           LumiSize roiSize, LumiFilterType filterType, LumiMaskSize maskSize,
+                                           LumiBorderType borderType, Lum8u borderValue, Lum32f lowThreshold,
+                                           Lum32f highThreshold, LumiNorm norm, Lum8u* pBuffer);
 
 /** @} */
 

@@ -8,7 +8,7 @@
 
 namespace lumcv {
 
-// factor * tap, for all that a tap can be: a number, the words of pixels, floats.
+// factor * tap, for all that a tap can be: a number, the words of pixels, words in order, floats.
 
 template <int factor>
 constexpr int times(int tap)

@@ -164,6 +164,27 @@ template <int N>
     }
 }
 
+/// The magnitude of words, of which the smallest has 32768.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16u, N> magnitude(Vec<Lum16s, N> a)
+{
+    using V = Vec<Lum16u, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {magnitude(a.lo), magnitude(a.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<Lum16u>(a.raw < 0 ? -a.raw : a.raw)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_abs_epi16(bits(a.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_abs_epi16(bits(a.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_abs_epi16(bits(a.raw))};
+#endif
+}
+
 /// a + b, or the greatest value where that is more, for unsigned lanes.
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> addSaturated(Vec<T, N> a, Vec<T, N> b)

@@ -9,6 +9,7 @@
 #include "simd/convert.hpp"
 #include "simd/doubles.hpp"
 #include "simd/lanes.hpp"
+#include "simd/masks.hpp"
 #include "simd/pixels.hpp"
 #include "simd/planes.hpp"
 #include "simd/prefix.hpp"
