@@ -131,7 +131,7 @@ struct RootOfSquares
             simd::store(magnitudes, zeros);
             return false;
         }
-        const Roots roots = simd::squareRoot(simd::toFloat(simd::select(isCandidate, sums, zeros)));
+        const Roots roots = simd::root(simd::toFloat(simd::select(isCandidate, sums, zeros)));
         simd::store(reinterpret_cast<Lum32f*>(magnitudes), roots);
         return true;
     }
@@ -181,7 +181,7 @@ struct RootOfFloatSquares
     template <int N>
     [[gnu::always_inline]] bool operator()(const Lum16s* dx, const Lum16s* dy, Lum32s* magnitudes, simd::Lanes<N>) const
     {
-        return storeCandidates(simd::squareRoot(FloatSquares::sum<N>(dx, dy)), low, magnitudes);
+        return storeCandidates(simd::root(FloatSquares::sum<N>(dx, dy)), low, magnitudes);
     }
 };
 

@@ -22,7 +22,7 @@ struct MinEigenvalue
         return [to = dst.row(y) + begin, factor = factor]<int N>(int64_t x, simd::Vec<Lum32f, N> a,
                                                                  simd::Vec<Lum32f, N> b, simd::Vec<Lum32f, N> c) {
             const auto difference = a - c;
-            const auto root = simd::squareRoot(difference * difference + simd::broadcast<N>(4.0f) * (b * b));
+            const auto root = simd::root(difference * difference + simd::broadcast<N>(4.0f) * (b * b));
             simd::store(to + x, (a + c - root) * simd::broadcast<N>(factor));
         };
     }
@@ -53,7 +53,7 @@ struct EigenvaluesAndVectors
             const auto c = every(scale) * meanC;
             const auto t = every(0.001f) * simd::max(a, c);
             const auto difference = a - c;
-            const auto root = simd::squareRoot(difference * difference + every(4.0f) * (b * b));
+            const auto root = simd::root(difference * difference + every(4.0f) * (b * b));
             const auto lambda1 = every(0.5f) * (a + c + root);
             const auto lambda2 = every(0.5f) * (a + c - root);
 
@@ -61,7 +61,7 @@ struct EigenvaluesAndVectors
             const auto e1 = lambda1 - a;
             const auto e2 = lambda2 - a;
             const auto inverseLength = [=](auto e) {
-                return one / simd::max(simd::squareRoot(p * p + e * e), every(1.1920929e-07f));
+                return one / simd::max(simd::root(p * p + e * e), every(1.1920929e-07f));
             };
             const auto n1 = inverseLength(e1);
             const auto n2 = inverseLength(e2);

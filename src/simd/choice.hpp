@@ -1,27 +1,9 @@
-// Roots, choices between lanes by a comparison, and comparisons as bits of an integer.
+// Choices between lanes by a comparison, and comparisons as bits of an integer.
 #pragma once
 
 #include "simd/lanes.hpp"
 
 namespace lumcv::simd {
-
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum32f, N> squareRoot(Vec<Lum32f, N> a)
-{
-    using V = Vec<Lum32f, N>;
-    if constexpr (kindOf<Lum32f, N> == Kind::pair)
-        return {squareRoot(a.lo), squareRoot(a.hi)};
-    else if constexpr (N == 1)
-        return {__builtin_sqrtf(a.raw)};
-    else if constexpr (N == 4)
-        return V{_mm_sqrt_ps(a.raw)};
-    else if constexpr (N == 8)
-        return V{_mm256_sqrt_ps(a.raw)};
-#if defined(__AVX512BW__)
-    else
-        return V{_mm512_sqrt_ps(a.raw)};
-#endif
-}
 
 /// x where a < b, otherwise y: a not-a-number on either side gives y.
 template <int N>

@@ -238,7 +238,7 @@ TEST(SimdChoice, QuotientsAndRootsAreRoundedOnce)
                 roots[i] = std::sqrt(a[i]);
             }
             expectFloats<N>(simd::load<N>(a.data()) / simd::load<N>(b.data()), quotients);
-            expectFloats<N>(simd::squareRoot(simd::load<N>(a.data())), roots);
+            expectFloats<N>(simd::root(simd::load<N>(a.data())), roots);
         }
     });
 }

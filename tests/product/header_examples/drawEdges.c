@@ -30,7 +30,7 @@ int main(void)
     // the gradients on both sides of an outline are alike, so that the first one of them stays
     for (int y = 0; y < Height; y++)
         for (int x = 0; x < Width; x++) {
-            int isBetweenRows = y > First && y < Last, isBetweenColumns = x > First && x < Last;
+            int isBetweenRows = y > First && y<Last, isBetweenColumns = x> First && x < Last;
             int isSide = isBetweenRows && (x == First - 1 || x == Last);
             int isEnd = isBetweenColumns && (y == First - 1 || y == Last);
             // a corner is rounded off; what becomes of the pixels right beside it does not matter here
