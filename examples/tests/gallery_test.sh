@@ -47,7 +47,9 @@ check_page()
     grep -qi '<script\|http' "$folder/index.html" && fail "the page has scripts or needs the network"
     for file in lumiAbsDiff_8u_C1R lumiAddWeighted_8u32f_C1IR lumiFilterRowBorderPipeline_8u16s_C1R \
         lumiFilterColumnPipeline_16s8u_C1R lumiFilterGaussian_8u_C1R lumiFilterGaussian_32f_C1R \
-        lumiMinMaxIndx_8u_C1R lumiIntegral_8u32s_C1R lumiRectStdDev_32f_C1R lumiApplyHaarClassifier_32f_C1R; do
+        lumiMinMaxIndx_8u_C1R lumiIntegral_8u32s_C1R lumiRectStdDev_32f_C1R lumiApplyHaarClassifier_32f_C1R \
+        lumiHarrisCorner_8u32f_C1R lumiMinEigenVal_8u32f_C1R lumiEigenValsVecs_8u32f_C1R lumiFindPeaks3x3_32f_C1R \
+        lumiCannyBorder_8u_C1R; do
         grep -q "<summary>[^<]*$file" "$folder/index.html" || fail "$file is not on the page"
     done
 }

@@ -22,12 +22,7 @@ template <int N>
                                                                  simd::Vec<Lum32f, N> dy)
 {
     const auto code = [](Direction direction) { return simd::broadcast<N>(static_cast<Lum32f>(direction)); };
-    const auto zero = simd::broadcast<N>(0.0f);
-    // in a diagonal neither derivative is zero
-    const auto down = simd::greater(dy, zero);
-    const auto diagonal =
-        simd::select(simd::greater(dx, zero), simd::select(down, code(mainDiagonal), code(antiDiagonal)),
-                     simd::select(down, code(antiDiagonal), code(mainDiagonal)));
+    const auto diagonal = simd::select(simd::differInSign(dx, dy), code(antiDiagonal), code(mainDiagonal));
     return simd::roundTo<Lum8u>(simd::select(steep, code(vertical), simd::select(flat, code(horizontal), diagonal)));
 }
 

@@ -86,6 +86,22 @@ template <class T, int N>
         return M{(typename M::Raw)(a.raw == b.raw)};
 }
 
+/// Whether the sign bits of a and b differ, those of zeros and of what is not a number too.
+template <int N>
+[[gnu::always_inline]] inline Mask<Lum32f, N> differInSign(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {differInSign(a.lo, b.lo), differInSign(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {__builtin_signbit(a.raw) != __builtin_signbit(b.raw)};
+    else {
+        typedef Lum32s Lanes __attribute__((vector_size(sizeof a)));
+        constexpr Lum32s one = 0x3F800000;
+        const Lanes signedOne = (((Lanes)a.raw ^ (Lanes)b.raw) & INT32_MIN) | one;
+        return greater(broadcast<N>(0.0f), Vec<Lum32f, N>{(typename Vec<Lum32f, N>::Raw)signedOne});
+    }
+}
+
 /// The form in which masks take bit operations.
 template <class T, int N>
 [[gnu::always_inline]] inline auto maskLanes(Mask<T, N> mask)

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <limits>
 
 #include "simd/simd.hpp"
@@ -80,6 +81,20 @@ TEST(SimdMasks, Greater)
     forVectors<Lum16u>(greaterLanes);
     forVectors<Lum32s>(greaterLanes);
     forVectors<Lum32f>(greaterLanes);
+}
+
+TEST(SimdMasks, SignBitsThatDiffer)
+{
+    forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
+        auto a = drawnLanes<Lum32f, N>(seed), b = drawnLanes<Lum32f, N>(seed + 1000);
+        for (int i = 0; i < N; ++i) {
+            a[std::size_t(i)] = (seed + unsigned(i)) % 3 ? a[std::size_t(i)] : -a[std::size_t(i)];
+            b[std::size_t(i)] = (seed + unsigned(i)) % 5 ? b[std::size_t(i)] : -b[std::size_t(i)];
+        }
+        expectMask<Lum32f, N>(simd::differInSign(simd::load<N>(a.data()), simd::load<N>(b.data())), [&](int i) {
+            return std::signbit(a[std::size_t(i)]) != std::signbit(b[std::size_t(i)]);
+        });
+    });
 }
 
 const auto equalLanes = []<class T, int N>(T, simd::Lanes<N>, unsigned seed) {
