@@ -179,6 +179,7 @@ Run harris(Measure measure)
         a.borderType = chooseBorder(choices);
         addWrong(call, "border", {chooseWrongBorder(choices)}, lumErrBorder, &Arguments::borderType);
         call.images = {{Role::Read, elementOf<S>(), 1, meansMargins(a)}, {Role::Written, Element::F32}};
+        call.alignmentFirst = true;
         chooseMeans(choices, call, sizeof(S) == 1 ? lumType8u : lumType32f);
         call.blocks.push_back({Role::Read, sizeof(S), elementOf<S>(), true});
         if (sizeof(S) > 1)

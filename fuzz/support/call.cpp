@@ -292,7 +292,9 @@ std::vector<Violation> commonViolations(const Call& call)
         for (const Lum64s step : {Lum64s{0}, -rowBytes, rowBytes - (call.looseStep ? 1 : elementBytes), Lum64s{-1}}) {
             if (call.freeStep && step >= 0)
                 continue;
-            add(name + " step " + std::to_string(step), {lumErrStep}, [i, step](Arguments& a) { a.steps[i] = step; });
+            const bool isMisaligned = call.alignmentFirst && step % elementBytes != 0;
+            add(name + " step " + std::to_string(step), {isMisaligned ? lumErrStepAlignment : lumErrStep},
+                [i, step](Arguments& a) { a.steps[i] = step; });
         }
         if (elementBytes > 1 && !call.looseStep)
             add(name + " step misaligned", {lumErrStepAlignment},
