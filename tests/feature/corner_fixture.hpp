@@ -30,12 +30,18 @@ S pictureValue(const FilterSetting& setting, int x, int y, Random& random)
     }
 }
 
+/// Floats are multiplied by the magnitude.
 template <class SourceImage>
-void draw(SourceImage& image, const FilterSetting& setting)
+void draw(SourceImage& image, const FilterSetting& setting, [[maybe_unused]] Lum32f magnitude = 1)
 {
     using S = typename SourceImage::Element;
     Random random(static_cast<std::uint64_t>(setting.seed));
-    const auto drawElement = [&](S& element, int x, int y, int) { element = pictureValue<S>(setting, x, y, random); };
+    const auto drawElement = [&](S& element, int x, int y, int) {
+        element = pictureValue<S>(setting, x, y, random);
+        if constexpr (std::is_same_v<S, Lum32f>) {
+            element = element * magnitude;
+        }
+    };
     if constexpr (std::is_same_v<SourceImage, IsolatedRows<S>>) {
         image.forEach(drawElement);
         image.makeReadOnly();
@@ -91,14 +97,14 @@ inline void expectResult(Measure measure, const MeasureCall& call, const Image<L
 
 /// Both eigenvalue measures; where the border is plainly replicated also their forms without a border.
 template <class S, template <class> class SourceImage = Image>
-void expectEigen(const FilterSetting& setting, EigenParameters p)
+void expectEigen(const FilterSetting& setting, EigenParameters p, Lum32f magnitude = 1)
 {
     using E = Exports<S>;
     SCOPED_TRACE(setting);
     SCOPED_TRACE(testing::Message() << "kernType " << p.kernType << ", aperture " << p.aperture << ", window "
                                     << p.window);
     SourceImage<S> source(setting.layout<S>(promisedMargins(setting.border, Margins::all(p.aperture / 2))));
-    draw(source, setting);
+    draw(source, setting, magnitude);
     const S borderValue = drawBorderValue<S>(setting);
     const Planes means = eigenMeans<S>(source, setting.size, p, setting.border, borderValue);
     const PlacedBlock scratch = scratchOf(setting, eigenBytes(setting.size, p, E::type));
@@ -144,12 +150,13 @@ void expectEigen(const FilterSetting& setting, EigenParameters p)
 }
 
 template <class S, template <class> class SourceImage = Image>
-void expectHarris(const FilterSetting& setting, HarrisParameters p, Lum32f k = 0.04f, Lum32f scale = 1.0f)
+void expectHarris(const FilterSetting& setting, HarrisParameters p, Lum32f k = 0.04f, Lum32f scale = 1,
+                  Lum32f magnitude = 1)
 {
     SCOPED_TRACE(setting);
     SCOPED_TRACE(testing::Message() << "filter " << p.filter << ", mask " << p.mask << ", window " << p.window);
     SourceImage<S> source(setting.layout<S>(promisedMargins(setting.border, pixelReach(p))));
-    draw(source, setting);
+    draw(source, setting, magnitude);
     const S borderValue = drawBorderValue<S>(setting);
     const Planes means = harrisMeans<S>(source, setting.size, p, setting.border, borderValue);
     Image<Lum32f> expected = destinationOf(setting);

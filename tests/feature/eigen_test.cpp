@@ -99,6 +99,20 @@ TYPED_TEST(Eigen, ExtremeValues)
     }
 }
 
+// Squares of products that become denormal or infinite.
+TEST(EigenOfFloats, TinyAndHugeMagnitudes)
+{
+    int number = 0;
+    for (const Lum32f magnitude : {1e-19f, 1e-12f, 1e-11f, 1e-10f, 1e-9f, 1e6f, 1e8f, 1e15f}) {
+        for (int i = 0; i < 12; ++i) {
+            FilterSetting setting = placed({29, 7}, number++);
+            setting.values = Values::Ordinary;
+            expectEigen<Lum32f>(setting, eigenParameters(i), magnitude);
+        }
+        ASSERT_FALSE(testing::Test::HasFailure());
+    }
+}
+
 // Results of a call on an image without margins, at the default place.
 template <class S>
 std::vector<Lum32f> resultOf(Measure measure, const Image<S>& image, int floats, EigenParameters p,

@@ -153,6 +153,32 @@ TYPED_TEST(Harris, WeightsAndScales)
     }
 }
 
+TEST(HarrisOfFloats, TinyAndHugeMagnitudes)
+{
+    int number = 0;
+    for (const Lum32f magnitude : {1e-19f, 1e-12f, 1e-11f, 1e-10f, 1e-9f, 1e6f, 1e8f, 1e15f}) {
+        for (int i = 0; i < 12; ++i) {
+            expectHarris<Lum32f>(ordinary({29, 9}, number++), withWindow(kHarrisFilters[i % 4], 1 + i / 4), 0.04f, 1,
+                                 magnitude);
+        }
+        ASSERT_FALSE(testing::Test::HasFailure());
+    }
+}
+
+// The fourth power is an integer of 32 bits that wraps; 65 to the fourth is no number of single precision.
+TYPED_TEST(HarrisQuick, TheFourthPowerIsAWrappedInteger)
+{
+    int number = 1;
+    for (const int window : {65, 77, 91, 255, 257, 300}) {
+        for (const Lum32f scale : {0.7f, 1.1f, 3.3e-7f}) {
+            expectHarris<TypeParam>(ordinary({9, 5}, number), withWindow(kHarrisFilters[number % 4], window), 0.04f,
+                                    scale);
+            ++number;
+        }
+        ASSERT_FALSE(testing::Test::HasFailure());
+    }
+}
+
 template <class S>
 std::vector<Lum32f> responseOf(const Image<S>& image, HarrisParameters p, Lum32f scale = 1, Lum32f k = 0.04f,
                                LumiBorderType border = lumBorderReplicate, Lum32f borderValue = 0)
