@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "feature/corner_fixture.hpp"
+#include "support/max_cache_size.hpp"
 
 namespace lumcv::test::corners {
 namespace {
@@ -129,6 +130,18 @@ TYPED_TEST(Harris, WideAndTall)
     }
 }
 
+// Images far larger than the caches that are reported.
+TYPED_TEST(Harris, LargerThanTheCaches)
+{
+    const ReportedCacheSize reported(lumOk, 1);
+    for (int i = 0; i < 10; ++i) {
+        FilterSetting setting = placed({150 + i, 60}, i);
+        setting.values = Values::Ordinary;
+        expectHarris<TypeParam>(setting, withWindow(kHarrisFilters[i % 4], 3));
+        ASSERT_FALSE(testing::Test::HasFailure());
+    }
+}
+
 // Of floats: up to the largest, denormals, infinities and values that are not numbers.
 TYPED_TEST(Harris, ExtremeValues)
 {
@@ -156,7 +169,7 @@ TYPED_TEST(Harris, WeightsAndScales)
 TEST(HarrisOfFloats, TinyAndHugeMagnitudes)
 {
     int number = 0;
-    for (const Lum32f magnitude : {1e-19f, 1e-12f, 1e-11f, 1e-10f, 1e-9f, 1e6f, 1e8f, 1e15f}) {
+    for (const Lum32f magnitude : {1e-23f, 1e-22f, 1e-19f, 1e-12f, 1e-11f, 1e-10f, 1e-9f, 1e6f, 1e8f, 1e15f}) {
         for (int i = 0; i < 12; ++i) {
             expectHarris<Lum32f>(ordinary({29, 9}, number++), withWindow(kHarrisFilters[i % 4], 1 + i / 4), 0.04f, 1,
                                  magnitude);
