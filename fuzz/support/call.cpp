@@ -286,11 +286,18 @@ std::vector<Violation> commonViolations(const Call& call)
                 });
             continue;
         }
+        if (call.ignoresStep)
+            continue;
         const Lum64s elementBytes = Lum64s(sizeOf(operand.element));
         const Lum64s rowBytes =
             call.looseStep ? call.arguments.width : call.arguments.width * operand.channels * elementBytes;
-        for (const Lum64s step : {Lum64s{0}, -rowBytes, rowBytes - (call.looseStep ? 1 : elementBytes), Lum64s{-1}})
-            add(name + " step " + std::to_string(step), {lumErrStep}, [i, step](Arguments& a) { a.steps[i] = step; });
+        for (const Lum64s step : {Lum64s{0}, -rowBytes, rowBytes - (call.looseStep ? 1 : elementBytes), Lum64s{-1}}) {
+            if (call.freeStep && step >= 0)
+                continue;
+            const bool isMisaligned = call.alignmentFirst && step % elementBytes != 0;
+            add(name + " step " + std::to_string(step), {isMisaligned ? lumErrStepAlignment : lumErrStep},
+                [i, step](Arguments& a) { a.steps[i] = step; });
+        }
         if (elementBytes > 1 && !call.looseStep)
             add(name + " step misaligned", {lumErrStepAlignment},
                 [=](Arguments& a) { a.steps[i] = rowBytes + elementBytes / 2; });
@@ -298,7 +305,7 @@ std::vector<Violation> commonViolations(const Call& call)
             add(name + " step too large", {lumErrSizeTooLarge}, [i](Arguments& a) { a.steps[i] = 0x80000000; });
     }
     for (const ImageOperand& operand : call.images)
-        if (operand.rowPointers.empty()) {
+        if (operand.rowPointers.empty() && !call.freeStep && !call.ignoresStep) {
             add("width above the strides", {lumErrStep}, [](Arguments& a) { a.width = 1 << 20; });
             break;
         }

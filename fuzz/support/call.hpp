@@ -132,9 +132,12 @@ struct Call
     std::vector<Violation> violations = {};
     std::function<void(Arguments&)> prepare = {};  // lays records
     std::function<LumStatus(const Arguments&)> call;
-    bool looseStep = false;  // strides are held against the width in pixels, and not against the element size
-    bool longStep = false;   // strides and sizes have 64 bits
+    bool looseStep = false;       // strides are held against the width in pixels, and not against the element size
+    bool freeStep = false;        // strides are refused if they are negative, and for nothing else
+    bool alignmentFirst = false;  // of a stride: whether it is a whole number of elements, and only then its size
+    bool longStep = false;        // strides and sizes have 64 bits
     bool ignoresSize = false;
+    bool ignoresStep = false;  // strides are not tested
 
     std::string text() const;
 };

@@ -28,19 +28,10 @@ template <int N>
 [[gnu::always_inline]] inline Vec<Lum32f, N> whereLess(Vec<Lum32f, N> a, Vec<Lum32f, N> b, Vec<Lum32f, N> x,
                                                        Vec<Lum32f, N> y)
 {
-    using V = Vec<Lum32f, N>;
     if constexpr (kindOf<Lum32f, N> == Kind::pair)
         return {whereLess(a.lo, b.lo, x.lo, y.lo), whereLess(a.hi, b.hi, x.hi, y.hi)};
-    else if constexpr (N == 1)
+    else  // not by the blend intrinsic: without AVX2, g++ makes branches of it
         return {a.raw < b.raw ? x.raw : y.raw};
-    else if constexpr (N == 4)
-        return V{_mm_blendv_ps(y.raw, x.raw, _mm_cmp_ps(a.raw, b.raw, _CMP_LT_OQ))};
-    else if constexpr (N == 8)
-        return V{_mm256_blendv_ps(y.raw, x.raw, _mm256_cmp_ps(a.raw, b.raw, _CMP_LT_OQ))};
-#if defined(__AVX512BW__)
-    else
-        return V{_mm512_mask_blend_ps(_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_LT_OQ), y.raw, x.raw)};
-#endif
 }
 
 /// Bit i tells whether lane i of a is less than that of b, for floats and signed integers of 32 bits. A not-a-number is
@@ -49,7 +40,7 @@ template <class T, int N>
 [[gnu::always_inline]] inline Lum32u lessBits(Vec<T, N> a, Vec<T, N> b)
 {
     static_assert(N <= 32 && (std::is_same_v<T, Lum32f> || std::is_same_v<T, Lum32s>));
-    constexpr bool floats = std::is_same_v<T, Lum32f>;
+    [[maybe_unused]] constexpr bool floats = std::is_same_v<T, Lum32f>;
     if constexpr (kindOf<T, N> == Kind::pair)
         return lessBits(a.lo, b.lo) | lessBits(a.hi, b.hi) << (N / 2);
     else if constexpr (N == 1)

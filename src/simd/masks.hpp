@@ -90,7 +90,9 @@ template <class T, int N>
 template <class T, int N>
 [[gnu::always_inline]] inline auto maskLanes(Mask<T, N> mask)
 {
-    if constexpr (std::is_floating_point_v<T> && N > 1 && !hasMaskRegister<T, N>) {
+    if constexpr (N == 1)
+        return int{mask.raw};
+    else if constexpr (std::is_floating_point_v<T> && !hasMaskRegister<T, N>) {
         typedef Lum32s Lanes __attribute__((vector_size(N * sizeof(Lum32s))));
         return (Lanes)mask.raw;
     } else
@@ -148,12 +150,25 @@ template <class T, int N>
 template <class T, int N>
 [[gnu::always_inline]] inline uint64_t laneBits(Mask<T, N> mask)
 {
-    static_assert(sizeof(T) == 1 && N <= 64);
+    static_assert(N <= 64);
     if constexpr (kindOf<T, N> == Kind::pair)
         return laneBits(mask.lo) | laneBits(mask.hi) << (N / 2);
     else if constexpr (N == 1 || hasMaskRegister<T, N>)
         return mask.raw;
-    else if constexpr (N == 16)
+    else if constexpr (sizeof(T) == 4) {
+        if constexpr (N == 4)
+            return static_cast<Lum32u>(_mm_movemask_ps((__m128)mask.raw));
+        else
+            return static_cast<Lum32u>(_mm256_movemask_ps((__m256)mask.raw));
+    } else if constexpr (sizeof(T) == 2) {
+        if constexpr (N == 8)
+            return static_cast<Lum32u>(_mm_movemask_epi8(_mm_packs_epi16(bits(mask.raw), _mm_setzero_si128())));
+#if defined(__AVX2__)
+        else
+            return static_cast<Lum32u>(_mm_movemask_epi8(
+                _mm_packs_epi16(_mm256_castsi256_si128(bits(mask.raw)), _mm256_extracti128_si256(bits(mask.raw), 1))));
+#endif
+    } else if constexpr (N == 16)
         return static_cast<Lum32u>(_mm_movemask_epi8(bits(mask.raw)));
 #if defined(__AVX2__)
     else
@@ -171,6 +186,10 @@ template <class T, int N>
         return mask.raw;
     else if constexpr (sizeof mask.raw == 16)
         return _mm_movemask_epi8(bits(mask.raw)) != 0;
+#if defined(__AVX2__)
+    else if constexpr (sizeof(T) < 4)
+        return _mm256_movemask_epi8(bits(mask.raw)) != 0;
+#endif
     else
         return _mm256_movemask_ps((__m256)mask.raw) != 0;
 }

@@ -9,6 +9,7 @@
 #include "simd/convert.hpp"
 #include "simd/lanes.hpp"
 #include "simd/masks.hpp"
+#include "simd/planes.hpp"
 #include "simd/row.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"

@@ -112,6 +112,16 @@ template <class T, int N>
 }
 
 template <class T, int N>
+requires std::is_floating_point_v<T>
+[[gnu::always_inline]] inline Vec<T, N> operator/(Vec<T, N> a, Vec<T, N> b)
+{
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {a.lo / b.lo, a.hi / b.hi};
+    else
+        return {a.raw / b.raw};
+}
+
+template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> operator|(Vec<T, N> a, Vec<T, N> b)
 {
     if constexpr (kindOf<T, N> == Kind::pair)
