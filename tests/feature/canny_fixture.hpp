@@ -66,8 +66,8 @@ inline Image<Lum8u> asImage(const std::vector<Lum8u>& pixels, const Layout& layo
 {
     Image<Lum8u> image(layout);
     image.forEach(Area::Roi, [&](Lum8u& element, int x, int y, int) {
-        element = pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.width) +
-                         static_cast<std::size_t>(x)];
+        element =
+            pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.width) + static_cast<std::size_t>(x)];
     });
     return image;
 }

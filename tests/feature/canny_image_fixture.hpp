@@ -72,9 +72,8 @@ inline std::ostream& operator<<(std::ostream& stream, const ImageCall& call)
 {
     return stream << call.size.width << " x " << call.size.height << ", filter " << call.filter << ", mask "
                   << call.mask << ", border " << call.border << " of " << int{call.borderValue} << ", low " << call.low
-                  << ", high " << call.high << ", norm " << call.norm << ", content "
-                  << static_cast<int>(call.content) << ", seed " << call.seed << (call.bottomUp ? ", bottom up" : "")
-                  << ", " << call.place;
+                  << ", high " << call.high << ", norm " << call.norm << ", content " << static_cast<int>(call.content)
+                  << ", seed " << call.seed << (call.bottomUp ? ", bottom up" : "") << ", " << call.place;
 }
 
 // Fills the pixels that a call may read.
