@@ -1,6 +1,8 @@
 // Weak pixels that long chains connect with one strong pixel, and images with as many strong pixels as there can be.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "feature/canny_image_fixture.hpp"
@@ -197,38 +199,74 @@ TEST(CannyHysteresisQuick_Images, EveryPixelStrong)
     }
 }
 
-// A band that winds through the image, brighter at one end: its outline is one chain of weak pixels.
-TEST(CannyHysteresisQuick_Images, WindingBand)
+// The derivative that a slope of one in each step has.
+Lum32f derivativeOfSlope(const Operator& chosen)
+{
+    return chosen.mask == lumMask5x5 ? 128 : chosen.filter == lumFilterScharr ? 32 : 8;
+}
+
+// A wave that winds from the middle outwards, steep in a few places: some weak pixels belong to edges, some do not.
+TEST(CannyHysteresisQuick_Images, Spiral)
 {
     for (const Operator& chosen : kOperators) {
-        for (const bool transposed : {false, true}) {
-            for (const bool strongAtTheEnd : {false, true}) {
+        for (const LumiNorm norm : {lumNormL1, lumNormL2}) {
+            const Lum32f slope = derivativeOfSlope(chosen);
+            const auto countEdges = [&](Lum32f low, Lum32f high) {
                 ImageCall call;
-                call.size = {131, 131};
+                call.size = {131, 127};
                 call.filter = chosen.filter;
                 call.mask = chosen.mask;
-                call.norm = transposed ? lumNormL2 : lumNormL1;
-                const Lum32f unit = chosen.mask == lumMask5x5 ? 96 : chosen.filter == lumFilterScharr ? 16 : 4;
-                call.low = 10 * unit;
-                call.high = 150 * unit;
+                call.norm = norm;
+                call.low = low * slope;
+                call.high = high * slope;
                 ImageOperands operands(call);
                 operands.source.forEach(Area::WithMargins, [&](Lum8u& element, int x, int y, int) {
-                    const int along = transposed ? y : x;
-                    const int across = transposed ? x : y;
-                    const int turn = across / 16;
-                    const bool band = across % 16 >= 4 && across % 16 < 10 && along >= 5 && along < 125;
-                    const bool bend = across % 16 >= 10 || across % 16 < 4;
-                    const int bendOf = across % 16 < 4 ? turn - 1 : turn;
-                    const bool inBend = bend && bendOf >= 0 && bendOf < 7 &&
-                                        (bendOf % 2 == 0 ? along >= 119 && along < 125 : along >= 5 && along < 11);
-                    element = band || inBend ? Lum8u{60} : Lum8u{0};
-                    const bool spot = strongAtTheEnd ? across >= 116 && across < 122 && along >= 5 && along < 9
-                                                     : across >= 4 && across < 10 && along >= 5 && along < 9;
-                    element = spot ? Lum8u{255} : element;
+                    const double radius = std::hypot(x - 65.3, y - 63.1);
+                    const double angle = std::atan2(y - 63.1, x - 65.3);
+                    const double amplitude = std::fabs(angle) < 0.2 ? 120 : 25;
+                    element = static_cast<Lum8u>(127.5 + amplitude * std::sin(radius * 0.5 + angle));
                 });
-                const std::size_t edges = edgePixels(operands.run()).size();
-                EXPECT_GT(edges, 1000u) << call;
+                const std::size_t count = edgePixels(operands.run()).size();
                 EXPECT_TRUE(operands.matchesReference()) << call;
+                return count;
+            };
+            const std::size_t edges = countEdges(4, 25);
+            EXPECT_GT(edges, 2 * countEdges(25, 25)) << "no chain was followed";
+            EXPECT_LT(edges, countEdges(4, 4)) << "every pixel was taken";
+        }
+    }
+}
+
+// A long step, high at one end only, has one edge pixel in each column, and across, in each row.
+TEST(CannyHysteresisQuick_Images, LongStep)
+{
+    for (const Operator& chosen : kOperators) {
+        for (const LumiNorm norm : {lumNormL1, lumNormL2}) {
+            for (const bool strongAtTheEnd : {false, true}) {
+                for (const bool down : {false, true}) {
+                    constexpr int kLength = 700;
+                    const Lum32f half = derivativeOfSlope(chosen) / 2;
+                    ImageCall call;
+                    call.size = down ? LumiSize{9, kLength} : LumiSize{kLength, 9};
+                    call.filter = chosen.filter;
+                    call.mask = chosen.mask;
+                    call.norm = norm;
+                    call.low = 6 * half;
+                    call.high = 120 * half;
+                    ImageOperands operands(call);
+                    operands.source.forEach(Area::WithMargins, [&](Lum8u& element, int x, int y, int) {
+                        const int along = down ? y : x;
+                        const int fromStrong = strongAtTheEnd ? kLength - 1 - along : along;
+                        const int height = std::max(20, 200 - fromStrong);
+                        element = static_cast<Lum8u>((down ? x : y) < 4 ? 20 : 20 + height);
+                    });
+                    std::vector<int> found(kLength);
+                    for (const auto& [x, y] : edgePixels(operands.run())) {
+                        ++found[static_cast<std::size_t>(down ? y : x)];
+                    }
+                    EXPECT_EQ(found, std::vector<int>(kLength, 1)) << call;
+                    EXPECT_TRUE(operands.matchesReference()) << call;
+                }
             }
         }
     }

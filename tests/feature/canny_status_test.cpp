@@ -43,7 +43,8 @@ TEST(CannySizeQuick, BorderFormula)
                 const std::uint64_t expected =
                     imageBytes(static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(height), mask);
                 // the filter takes no part, not even one that no other export knows
-                for (const LumiFilterType filter : {lumFilterSobel, lumFilterScharr, 0, -7}) {
+                for (const LumiFilterType filter :
+                     {LumiFilterType{lumFilterSobel}, LumiFilterType{lumFilterScharr}, 0, -7}) {
                     Lum32s bytes = -1;
                     EXPECT_EQ(lumiCannyBorderGetSize({width, height}, filter, mask, &bytes), lumOk);
                     EXPECT_EQ(static_cast<std::uint32_t>(bytes), static_cast<std::uint32_t>(expected))
@@ -355,7 +356,7 @@ TEST(CannyStatusQuick, ThresholdsOfSquares)
     }
     // the threshold test comes before that of the norm, and without squares it is one of the raw values
     Image<Lum8u> dst(Placement{}.layout<Lum8u>({5, 5}));
-    for (const LumiNorm norm : {lumNormInf, 3, 0}) {
+    for (const LumiNorm norm : {LumiNorm{lumNormInf}, 3, 0}) {
         const auto call = [&](Lum32f low) {
             return lumiCanny_16s8u_C1R_L(words.dx.pixels(), words.dx.step(), words.dy.pixels(), words.dy.step(),
                                          dst.pixels(), dst.step(), {5, 5}, low, 4, norm, scratch.data());
