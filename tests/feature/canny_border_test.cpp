@@ -1,6 +1,10 @@
 // Edges of an image: sweeps over sizes, borders, filters and norms, and the cases that are easily done otherwise.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
 #include <vector>
 
 #include "feature/canny_image_fixture.hpp"
@@ -233,6 +237,88 @@ TEST(CannyBorder, DirectionsOfLowImages)
                 call.high = 700;
                 call.seed = 40 + height;
                 expectImageEdges(call);
+            }
+        }
+    }
+}
+
+// Thresholds that are the magnitude of some pixel to the last bit, or one bit beside it.
+TEST(CannyBorder, ThresholdsAtMagnitudes)
+{
+    Random random(31);
+    int number = 0;
+    for (const Operator& chosen : kOperators) {
+        for (const LumiNorm norm : {lumNormL1, lumNormL2}) {
+            for (const LumiSize size : {LumiSize{90, 1}, {40, 2}, {61, 3}, {40, 9}, {83, 14}}) {
+                for (int turn = 0; turn < 24; ++turn) {
+                    ImageCall call;
+                    call.size = size;
+                    call.filter = chosen.filter;
+                    call.mask = chosen.mask;
+                    call.norm = norm;
+                    call.content = turn % 3 == 0 ? Content::Smooth : Content::Noise;
+                    call.seed = number++;
+                    ImageOperands operands(call);
+                    const auto derivatives =
+                        imageDerivatives(operands.source, size, call.filter, call.mask, call.border, call.borderValue);
+                    const auto drawThreshold = [&] {
+                        const auto [dx, dy] = derivatives[static_cast<std::size_t>(
+                            random.between(0, static_cast<std::int64_t>(derivatives.size()) - 1))];
+                        const auto m = static_cast<Lum32f>(imageGradient(dx, dy, norm, size.height < 4, -1).magnitude);
+                        const auto side = random.between(0, 2);
+                        return side == 0 ? m : std::max(0.0f, std::nextafter(m, side == 1 ? 0.0f : 1e9f));
+                    };
+                    operands.call.low = drawThreshold();
+                    operands.call.high = drawThreshold();
+                    if (operands.call.low > operands.call.high) {
+                        std::swap(operands.call.low, operands.call.high);
+                    }
+                    operands.run();
+                    EXPECT_TRUE(operands.matchesReference()) << operands.call;
+                }
+            }
+        }
+    }
+}
+
+// Roots that are the same in single precision tie where the sums of squares differ: the right pixel of this step has a
+// dy of 2 and the left one none, beside a dx of 12000 in both, and yet the left one stays.
+TEST(CannyBorderQuick, RootsTieWhereSumsDiffer)
+{
+    constexpr int kRow = 6;
+    for (const int step : {5, 8, 20, 33}) {
+        for (const bool down : {false, true}) {
+            for (const bool strong : {false, true}) {
+                ImageCall call;
+                call.size = down ? LumiSize{13, 40} : LumiSize{40, 13};
+                call.mask = lumMask5x5;
+                call.norm = lumNormL2;
+                call.low = 100;
+                call.high = strong ? 200 : 11999.999f;
+                ImageOperands operands(call);
+                operands.source.forEach(Area::WithMargins, [&](Lum8u& element, int x, int y, int) {
+                    element = (down ? y : x) < step ? Lum8u{0} : Lum8u{250};
+                });
+                const auto pixel = [&](int along, int across) -> Lum8u& {
+                    return down ? operands.source.at(across, along) : operands.source.at(along, across);
+                };
+                // without effect on the derivative along the step: weights 1 and 4 of the smoothing
+                pixel(step + 2, kRow - 2) = 254;
+                pixel(step + 2, kRow - 1) = 249;
+                const auto derivatives =
+                    imageDerivatives(operands.source, call.size, call.filter, call.mask, call.border, call.borderValue);
+                const auto derivative = [&](int along, int across) {
+                    const int index = down ? along * 13 + across : across * 40 + along;
+                    const auto [dx, dy] = derivatives[static_cast<std::size_t>(index)];
+                    return down ? std::pair<int, int>(dy, dx) : std::pair<int, int>(dx, dy);
+                };
+                ASSERT_EQ(derivative(step - 1, kRow), (std::pair<int, int>(12000, 0)));
+                ASSERT_EQ(derivative(step, kRow).first, 12000);
+                ASSERT_EQ(std::abs(derivative(step, kRow).second), 2);
+                const Image<Lum8u>& edges = operands.run();
+                EXPECT_EQ(int{down ? edges.at(kRow, step - 1) : edges.at(step - 1, kRow)}, 255) << call;
+                EXPECT_EQ(int{down ? edges.at(kRow, step) : edges.at(step, kRow)}, 0) << call;
+                EXPECT_TRUE(operands.matchesReference()) << call;
             }
         }
     }
