@@ -848,12 +848,13 @@ LUMCV_API LumStatus lumiCanny_32f8u_C1R_L(const Lum32f* pSrcDx, Lum64s srcDxStep
  *     2 otherwise   if t <= 2.7488937f
  *     1 otherwise
  *
- * **Strides** are not tested: rows may lie in any order and distance. The destination may be the source, with the same
- * stride, unless a side lies in memory of the destination.
+ * **Strides** are not tested: rows may lie in any order and distance. The destination is written after all of the
+ * source has been read, and may overlap it.
  *
  * **Scratch**, in bytes, with `k` 3 for #lumMask3x3 and 5 for #lumMask5x5, `w = width + k - 1`, `h = height + k - 1`,
  * and `A()` rounding up to a multiple of 32: `A(16 * w) + A(w * h) + A(4 * w * h) + 64`, and another `A(w * h)` if the
  * smaller of width and height is below `k`. The query stores the low 32 bits of it. The filter takes no part.
+ * ROIs of 2^32 pixels and more are beyond this function.
  *
  * The **query** tests `pBufferSize` (#lumErrNullPointer), then width and height (#lumErrSize), then `maskSize`
  * (#lumErrMaskSize).

@@ -126,8 +126,7 @@ class EdgeBits
         for (int64_t i = 0; i < rowWords_; ++i) {
             if (!weak[i])
                 continue;
-            // Both rows together spread into the weak runs. A run that goes on in the word before was open to all that
-            // is strong in that word; what is found here goes back there.
+            // words come from left to right, so that strength goes on into the next one by itself
             const auto around = [=, this](int64_t j) {
                 return j < 0 || j >= rowWords_ ? Word{0} : static_cast<Word>(strong[j] | other[j]);
             };
@@ -138,6 +137,7 @@ class EdgeBits
             const Word filled = filledRuns(seeds, weak[i]);
             strong[i] |= filled;
             weak[i] ^= filled;
+            // and from the first bit of a word it is carried back into those before
             for (int64_t j = i - 1; j >= 0 && (strong[j + 1] & 1) && weak[j] >> (wordBits - 1); --j) {
                 const Word back = filledRuns(static_cast<Word>(Word{1} << (wordBits - 1)), weak[j]);
                 strong[j] |= back;

@@ -1,6 +1,7 @@
 // Calls the Canny example on a bright square: its outline comes out, one pixel wide, and nothing else.
 #include <lumcv/lumcv.h>
 #include <stdio.h>
+#include <stdlib.h>
 
 LumStatus drawEdges(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize);
 
@@ -32,7 +33,8 @@ int main(void)
             int isBetweenRows = y > First && y < Last, isBetweenColumns = x > First && x < Last;
             int isSide = isBetweenRows && (x == First - 1 || x == Last);
             int isEnd = isBetweenColumns && (y == First - 1 || y == Last);
-            int isCorner = !isBetweenRows && !isBetweenColumns;
+            // a corner is rounded off; what becomes of the pixels right beside it does not matter here
+            int isCorner = (abs(x - First) < 2 || abs(x - Last) < 2) && (abs(y - First) < 2 || abs(y - Last) < 2);
             if (!isCorner && edges[y][x] != (isSide || isEnd ? 255 : 0)) {
                 printf("pixel (%d, %d) is %d\n", x, y, edges[y][x]);
                 return 1;
