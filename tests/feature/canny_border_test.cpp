@@ -324,5 +324,72 @@ TEST(CannyBorderQuick, RootsTieWhereSumsDiffer)
     }
 }
 
+// Draws the pixels under the 5x5 mask of pixel (3, 1) so that its derivatives are the given ones, by small changes that
+// bring them closer. Says whether it came to an end.
+bool drawDerivatives(Image<Lum8u>& source, int dx, int dy, Random& random)
+{
+    const DerivativeWeights weights = derivativeWeights(lumFilterSobel, lumMask5x5);
+    int missingX = dx;
+    int missingY = dy;
+    source.forEach(Area::WithMargins,
+                   [&](Lum8u& element, int, int, int) { element = static_cast<Lum8u>(random.between(100, 150)); });
+    for (std::size_t i = 0; i < 25; ++i) {
+        const Lum8u value = source.at(static_cast<int>(i % 5) + 1, static_cast<int>(i / 5) - 1);
+        missingX -= weights.smoothing[i / 5] * weights.difference[i % 5] * value;
+        missingY -= weights.difference[i / 5] * weights.smoothing[i % 5] * value;
+    }
+    for (int turn = 0; turn < 20000 && (missingX != 0 || missingY != 0); ++turn) {
+        const auto row = static_cast<std::size_t>(random.between(0, 4));
+        const auto column = static_cast<std::size_t>(random.between(0, 4));
+        Lum8u& element = source.at(static_cast<int>(column) + 1, static_cast<int>(row) - 1);
+        const int span = random.oneIn(2) ? 3 : 60;
+        const int value = std::clamp(element + static_cast<int>(random.between(-span, span)), 0, 255);
+        const int newX = missingX - weights.smoothing[row] * weights.difference[column] * (value - element);
+        const int newY = missingY - weights.difference[row] * weights.smoothing[column] * (value - element);
+        if (std::abs(newX) + std::abs(newY) <= std::abs(missingX) + std::abs(missingY)) {
+            missingX = newX;
+            missingY = newY;
+            element = static_cast<Lum8u>(value);
+        }
+    }
+    return missingX == 0 && missingY == 0;
+}
+
+// The few derivatives for which the rounded angle of a low image and the tangents of the others give different
+// directions.
+TEST(CannyBorder, AngleAndTangentsDiffer)
+{
+    Random random(17);
+    for (const auto& [dx, dy] : std::vector<std::pair<int, int>>{
+             {5741, 2378}, {-5333, 2209}, {5333, -2209}, {-6318, 2617}, {6726, -2786}, {7303, -3025}}) {
+        int telling = 0;
+        for (int turn = 0; turn < 200 && telling < 3; ++turn) {
+            for (const int height : {3, 4}) {
+                ImageCall call;
+                call.size = {7, height};
+                call.mask = lumMask5x5;
+                call.border = lumBorderInMem;
+                ImageOperands operands(call);
+                ASSERT_TRUE(drawDerivatives(operands.source, dx, dy, random)) << dx << ", " << dy;
+                const auto derivatives =
+                    imageDerivatives(operands.source, call.size, call.filter, call.mask, call.border, call.borderValue);
+                ASSERT_EQ(derivatives[7 + 3], (std::pair<int, int>(dx, dy)));
+                const auto edgesWith = [&](bool isLow) {
+                    Gradients gradients(call.size);
+                    for (std::size_t i = 0; i < derivatives.size(); ++i) {
+                        gradients.at(static_cast<int>(i) / 7, static_cast<int>(i) % 7) =
+                            imageGradient(derivatives[i].first, derivatives[i].second, call.norm, isLow, 0);
+                    }
+                    return edges(gradients, 0);
+                };
+                telling += edgesWith(true) != edgesWith(false) ? 1 : 0;
+                operands.run();
+                EXPECT_TRUE(operands.matchesReference()) << dx << ", " << dy << ": " << call;
+            }
+        }
+        EXPECT_GE(telling, 3) << "no image tells the directions of " << dx << ", " << dy << " apart";
+    }
+}
+
 }  // namespace
 }  // namespace lumcv::test::canny

@@ -17,10 +17,10 @@ struct Place
 };
 
 template <class T>
-class CannyHysteresisQuick : public testing::Test
+class CannyHysteresis : public testing::Test
 {
 };
-TYPED_TEST_SUITE(CannyHysteresisQuick, PlaneTypes, PlaneName);
+TYPED_TEST_SUITE(CannyHysteresis, PlaneTypes, PlaneName);
 
 // A path through the whole image: along row 0, down at its end, back along row 2, down, and so on; transposed, along
 // columns. Each pixel's gradient points away from the path, so that all of them survive.
@@ -81,7 +81,7 @@ struct Serpentine
     std::vector<Place> path;
 };
 
-TYPED_TEST(CannyHysteresisQuick, SerpentineOfWeakPixels)
+TYPED_TEST(CannyHysteresis, SerpentineOfWeakPixels)
 {
     for (const bool transposed : {false, true}) {
         for (const LumiSize size : {LumiSize{4, 5}, {17, 9}, {31, 33}, {64, 31}, {65, 65}, {129, 35}, {300, 21}}) {
@@ -98,7 +98,7 @@ TYPED_TEST(CannyHysteresisQuick, SerpentineOfWeakPixels)
 }
 
 // One pixel missing ends the chain.
-TYPED_TEST(CannyHysteresisQuick, BrokenSerpentine)
+TYPED_TEST(CannyHysteresis, BrokenSerpentine)
 {
     for (const bool transposed : {false, true}) {
         for (const LumiSize size : {LumiSize{17, 9}, {65, 33}, {129, 35}}) {
@@ -117,7 +117,7 @@ TYPED_TEST(CannyHysteresisQuick, BrokenSerpentine)
 }
 
 // Noise with a rare strong pixel: chains in all directions, and many that nothing reaches.
-TYPED_TEST(CannyHysteresisQuick, FewStrongPixels)
+TYPED_TEST(CannyHysteresis, FewStrongPixels)
 {
     for (const int rarity : {20, 200, 5000}) {
         Planes<TypeParam> planes({211, 97}, Placement{});
@@ -133,7 +133,7 @@ TYPED_TEST(CannyHysteresisQuick, FewStrongPixels)
 }
 
 // Three pixels in four survive, and all of them are strong.
-TYPED_TEST(CannyHysteresisQuick, ThreeStrongPixelsInFour)
+TYPED_TEST(CannyHysteresis, ThreeStrongPixelsInFour)
 {
     for (const LumiSize size : {LumiSize{2, 2}, {7, 5}, {16, 16}, {33, 9}, {64, 64}, {131, 40}}) {
         Planes<TypeParam> planes(size, Placement{});
@@ -156,7 +156,7 @@ TYPED_TEST(CannyHysteresisQuick, ThreeStrongPixelsInFour)
 }
 
 // A single row or column whose gradients all point out of it: every pixel is strong.
-TYPED_TEST(CannyHysteresisQuick, EveryPixelStrong)
+TYPED_TEST(CannyHysteresis, EveryPixelStrong)
 {
     for (const int length : {1, 2, 5, 16, 63, 64, 65, 1000}) {
         for (const bool column : {false, true}) {
@@ -174,7 +174,7 @@ TYPED_TEST(CannyHysteresisQuick, EveryPixelStrong)
 }
 
 // Sides in memory make the same of a row, and of a column, of an image.
-TEST(CannyHysteresisQuick_Images, EveryPixelStrong)
+TEST(CannyImageHysteresis, EveryPixelStrong)
 {
     for (const Operator& chosen : kOperators) {
         for (const int length : {1, 2, 3, 4, 5, 16, 65, 1000}) {
@@ -206,7 +206,7 @@ Lum32f derivativeOfSlope(const Operator& chosen)
 }
 
 // A wave that winds from the middle outwards, steep in a few places: some weak pixels belong to edges, some do not.
-TEST(CannyHysteresisQuick_Images, Spiral)
+TEST(CannyImageHysteresis, Spiral)
 {
     for (const Operator& chosen : kOperators) {
         for (const LumiNorm norm : {lumNormL1, lumNormL2}) {
@@ -238,7 +238,7 @@ TEST(CannyHysteresisQuick_Images, Spiral)
 }
 
 // A long step, high at one end only, has one edge pixel in each column, and across, in each row.
-TEST(CannyHysteresisQuick_Images, LongStep)
+TEST(CannyImageHysteresis, LongStep)
 {
     for (const Operator& chosen : kOperators) {
         for (const LumiNorm norm : {lumNormL1, lumNormL2}) {

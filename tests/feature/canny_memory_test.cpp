@@ -37,13 +37,13 @@ testing::AssertionResult holds(const IsolatedRows<Lum8u>& image, const std::vect
 }
 
 template <class T>
-class CannyMemoryQuick : public testing::Test
+class CannyMemory : public testing::Test
 {
 };
-TYPED_TEST_SUITE(CannyMemoryQuick, PlaneTypes, PlaneName);
+TYPED_TEST_SUITE(CannyMemory, PlaneTypes, PlaneName);
 
 // Behind, or before, each row of each image lies an unreadable page, and the planes cannot be written.
-TYPED_TEST(CannyMemoryQuick, RowsOfPlanes)
+TYPED_TEST(CannyMemory, RowsOfPlanes)
 {
     using Exports = PlaneExports<TypeParam>;
     Random random(3);
@@ -74,7 +74,7 @@ TYPED_TEST(CannyMemoryQuick, RowsOfPlanes)
     }
 }
 
-TYPED_TEST(CannyMemoryQuick, ScratchAtAnyAddress)
+TYPED_TEST(CannyMemory, ScratchAtAnyAddress)
 {
     Random random(4);
     for (std::size_t distance = 0; distance < 64; ++distance) {
@@ -92,7 +92,7 @@ TYPED_TEST(CannyMemoryQuick, ScratchAtAnyAddress)
 }
 
 // Whatever the scratch holds when the call begins.
-TYPED_TEST(CannyMemoryQuick, SameBytesWithAnyScratch)
+TYPED_TEST(CannyMemory, SameBytesWithAnyScratch)
 {
     for (const LumiSize size : {LumiSize{5, 3}, {40, 4}, {77, 20}}) {
         Planes<TypeParam> planes(size, Placement{});
@@ -119,7 +119,7 @@ TYPED_TEST(CannyMemoryQuick, SameBytesWithAnyScratch)
 }
 
 // Flagged sides are read as far as the mask reaches, in every row, and the others not at all.
-TEST(CannyMemoryQuick_Images, RowsOfImages)
+TEST(CannyImageMemory, RowsOfImages)
 {
     int number = 0;
     for (const LumiSize size : kSizes) {
@@ -154,7 +154,7 @@ TEST(CannyMemoryQuick_Images, RowsOfImages)
     }
 }
 
-TEST(CannyMemoryQuick_Images, ScratchAtAnyAddress)
+TEST(CannyImageMemory, ScratchAtAnyAddress)
 {
     for (int distance = 0; distance < 64; ++distance) {
         for (const int height : {2, 3, 4, 7}) {
@@ -172,7 +172,7 @@ TEST(CannyMemoryQuick_Images, ScratchAtAnyAddress)
     }
 }
 
-TEST(CannyMemoryQuick_Images, SameBytesWithAnyScratch)
+TEST(CannyImageMemory, SameBytesWithAnyScratch)
 {
     for (const Operator& chosen : kOperators) {
         for (const LumiSize size : {LumiSize{3, 3}, {40, 2}, {4, 30}, {77, 20}}) {
@@ -196,7 +196,7 @@ TEST(CannyMemoryQuick_Images, SameBytesWithAnyScratch)
 }
 
 // The destination may be the source where no side lies in memory.
-TEST(CannyMemoryQuick_Images, InPlace)
+TEST(CannyImageMemory, InPlace)
 {
     int number = 0;
     for (const LumiSize size : kSizes) {
@@ -235,7 +235,7 @@ constexpr int kThreads = 2;
 constexpr int kRounds = 4;
 
 // Threads with their sources in common, each with its own destination and scratch.
-TYPED_TEST(CannyMemoryQuick, ThreadsSharePlanes)
+TYPED_TEST(CannyMemory, ThreadsSharePlanes)
 {
     const LumiSize size = {93, 31};
     Planes<TypeParam> planes(size, Placement{});
@@ -267,7 +267,7 @@ TYPED_TEST(CannyMemoryQuick, ThreadsSharePlanes)
     }
 }
 
-TEST(CannyMemoryQuick_Images, ThreadsShareAnImage)
+TEST(CannyImageMemory, ThreadsShareAnImage)
 {
     for (const int height : {3, 31}) {
         ImageCall call;

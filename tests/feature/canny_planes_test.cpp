@@ -304,7 +304,7 @@ TYPED_TEST(CannyPlanesQuick, ExactlyTheThreshold)
 }
 
 // Thresholds of words are cut to whole numbers, after the squares where there are any; those of floats are not.
-TEST(CannyPlanesQuick_Words, ThresholdsAreTruncated)
+TEST(CannyPlaneWordsQuick, ThresholdsAreTruncated)
 {
     Drawing<Lum16s> words({9, 4});
     Drawing<Lum32f> floats({9, 4});
@@ -324,7 +324,7 @@ TEST(CannyPlanesQuick_Words, ThresholdsAreTruncated)
 }
 
 // -32768 counts as 32768; the square sum of two of them is beyond 31 bits and drops the pixel.
-TEST(CannyPlanesQuick_Words, SmallestValues)
+TEST(CannyPlaneWordsQuick, SmallestValues)
 {
     constexpr Lum16s kMin = std::numeric_limits<Lum16s>::min();
     constexpr Lum16s kMax = std::numeric_limits<Lum16s>::max();
@@ -349,7 +349,7 @@ TEST(CannyPlanesQuick_Words, SmallestValues)
     EXPECT_EQ(pair.edgesOf(PlaneForm::WideL1, 10, 20), (Pixels{{20, 2}}));
 }
 
-TEST(CannyPlanesQuick_Words, ThresholdsBeyond31Bits)
+TEST(CannyPlaneWordsQuick, ThresholdsBeyond31Bits)
 {
     constexpr Lum32f kInfinity = std::numeric_limits<Lum32f>::infinity();
     constexpr Lum32f kNoNumber = std::numeric_limits<Lum32f>::quiet_NaN();
@@ -368,7 +368,7 @@ TEST(CannyPlanesQuick_Words, ThresholdsBeyond31Bits)
 }
 
 // The squares decide, so that the sign of a threshold is lost in this one form.
-TEST(CannyPlanesQuick_Words, NegativeThresholdsOfSquares)
+TEST(CannyPlaneWordsQuick, NegativeThresholdsOfSquares)
 {
     Drawing<Lum16s> drawing({12, 4});
     drawing.pixel(6, 2, 3, 4);
@@ -378,7 +378,7 @@ TEST(CannyPlanesQuick_Words, NegativeThresholdsOfSquares)
     EXPECT_EQ(drawing.edgesOf(PlaneForm::WideL2, 3, -5), Pixels{});
 }
 
-TEST(CannyPlanesQuick_Floats, ThresholdsAndValuesThatAreNoNumbers)
+TEST(CannyPlaneFloatsQuick, ThresholdsAndValuesThatAreNoNumbers)
 {
     constexpr Lum32f kInfinity = std::numeric_limits<Lum32f>::infinity();
     constexpr Lum32f kNoNumber = std::numeric_limits<Lum32f>::quiet_NaN();
@@ -399,7 +399,7 @@ TEST(CannyPlanesQuick_Floats, ThresholdsAndValuesThatAreNoNumbers)
 }
 
 // Small enough that the products with the direction's factors vanish: the sign bits decide, that of zero among them.
-TEST(CannyPlanesQuick_Floats, SmallestDenormal)
+TEST(CannyPlaneFloatsQuick, SmallestDenormal)
 {
     constexpr Lum32f kSmallest = std::numeric_limits<Lum32f>::denorm_min();
     for (const Lum32f dx : {kSmallest, -kSmallest}) {
@@ -416,7 +416,7 @@ TEST(CannyPlanesQuick_Floats, SmallestDenormal)
 }
 
 // Directions on both sides of the two tangents, where the last bit of the factor decides.
-TEST(CannyPlanesQuick_Words, Tangents)
+TEST(CannyPlaneWordsQuick, Tangents)
 {
     // for each ax the ay around the two limits; the sweep's reference knows the rest
     Planes<Lum16s> planes({97, 37}, Placement{});
@@ -433,7 +433,7 @@ TEST(CannyPlanesQuick_Words, Tangents)
     }
 }
 
-TEST(CannyPlanesQuick_Floats, Tangents)
+TEST(CannyPlaneFloatsQuick, Tangents)
 {
     Planes<Lum32f> planes({97, 37}, Placement{});
     Random random(6);

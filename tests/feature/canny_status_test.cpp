@@ -217,13 +217,13 @@ struct PlaneArgs
 };
 
 template <class T>
-class CannyStatusQuickPlanes : public testing::Test
+class CannyPlaneStatusQuick : public testing::Test
 {
   protected:
     static constexpr int kElement = sizeof(T);
     static constexpr int kRow = 12 * kElement;
 
-    CannyStatusQuickPlanes()
+    CannyPlaneStatusQuick()
         : planes_(kSize, Placement{}), destination_(Placement{}.layout<Lum8u>(kSize)), scratch_(planeBytes(12, 6))
     {
         planes_.dx.forEach(Area::Roi, [](T& element, int x, int y, int) { element = static_cast<T>(x * 5 + y); });
@@ -293,9 +293,9 @@ class CannyStatusQuickPlanes : public testing::Test
     Image<Lum8u> destination_;
     PlacedBlock scratch_;
 };
-TYPED_TEST_SUITE(CannyStatusQuickPlanes, PlaneTypes, PlaneName);
+TYPED_TEST_SUITE(CannyPlaneStatusQuick, PlaneTypes, PlaneName);
 
-TYPED_TEST(CannyStatusQuickPlanes, Narrow)
+TYPED_TEST(CannyPlaneStatusQuick, Narrow)
 {
     typename TestFixture::Table table;
     this->addNulls(table);
@@ -303,7 +303,7 @@ TYPED_TEST(CannyStatusQuickPlanes, Narrow)
     expectStatusOrder(this->valid(false), table);
 }
 
-TYPED_TEST(CannyStatusQuickPlanes, Wide)
+TYPED_TEST(CannyPlaneStatusQuick, Wide)
 {
     using Args = PlaneArgs<TypeParam>;
     const std::vector<std::string> tooLong = {"width too long", "height too long", "dx stride too long",
