@@ -35,7 +35,8 @@ int addResult(Choices& choices, Call& call, bool optional)
 {
     if (optional && choices.oneIn(3))
         return -1;
-    call.blocks.push_back({Role::Written, sizeof(R), elementOf<Lum32f>(), optional});
+    using Aligned = std::conditional_t<std::is_same_v<R, Lum64f>, Lum64f, Lum32f>;
+    call.blocks.push_back({Role::Written, sizeof(R), elementOf<Aligned>(), optional});
     return int(call.blocks.size()) - 1;
 }
 

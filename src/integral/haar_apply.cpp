@@ -325,7 +325,7 @@ LumStatus applyPlain(Plane<const P> src, Plane<const Lum32f> norm, Plane<Lum8u> 
     auto checks = Checks{}.notNull(src.pixels, norm.pixels, mask.pixels, pPositive, pState);
     if (strides(checks, roiSize, norm, mask, src).failed())
         return checks.status();
-    const LumiHaarStageRecord& record = *recordIn(pState);
+    const LumiHaarStageRecord& record = *alignedIn<LumiHaarStageRecord>(pState);
     if (checks.notNull(record.pWorkspace).failed())
         return checks.status();
 
@@ -353,7 +353,7 @@ LumStatus applyMixed(Plane<const P> src, Plane<const P> tilt, Plane<const Lum32f
     auto checks = Checks{}.notNull(src.pixels, tilt.pixels, norm.pixels, mask.pixels, pPositive, pState);
     if (strides(checks, roiSize, norm, mask, src, tilt).failed())
         return checks.status();
-    const HaarStage<Lum32f> stage(*recordIn(pState));
+    const HaarStage<Lum32f> stage(*alignedIn<LumiHaarStageRecord>(pState));
     const int64_t groupsEnd = roiSize.width - roiSize.width % 4;
     Lum32s kept = 0;
     for (int64_t y = 0; y < roiSize.height; ++y) {
@@ -377,7 +377,7 @@ LumStatus applyPlainIntegers(Plane<const Lum32s> src, Plane<const Lum32s> norm, 
     auto checks = Checks{}.notNull(src.pixels, norm.pixels, mask.pixels, pPositive, pState);
     if (strides(checks, roiSize, norm, mask, src).require(scaleFactor <= 0, lumErrArgument).failed())
         return checks.status();
-    const LumiHaarStageRecord& record = *recordIn(pState);
+    const LumiHaarStageRecord& record = *alignedIn<LumiHaarStageRecord>(pState);
     if (checks.notNull(record.pWorkspace).failed())
         return checks.status();
     const HaarStage<Lum32s> stage(record);
@@ -397,7 +397,7 @@ LumStatus applyMixedIntegers(Plane<const Lum32s> src, Plane<const Lum32s> tilt, 
     auto checks = Checks{}.notNull(src.pixels, tilt.pixels, norm.pixels, mask.pixels, pPositive, pState);
     if (strides(checks, roiSize, norm, mask, src, tilt).require(scaleFactor <= 0, lumErrArgument).failed())
         return checks.status();
-    const HaarStage<Lum32s> stage(*recordIn(pState));
+    const HaarStage<Lum32s> stage(*alignedIn<LumiHaarStageRecord>(pState));
     Lum32s kept = 0;
     for (int64_t y = 0; y < roiSize.height; ++y)
         kept += applyIntegers(stage, mixedTables(stage, src, tilt, y), norm.row(y), mask.row(y), roiSize.width,

@@ -108,7 +108,7 @@ LumStatus init(LumiHaarStageRecord* pState, const CallerStage<T>& stage, bool is
     if (status != lumOk)
         return status;
 
-    LumiHaarStageRecord* const record = recordIn(pState);
+    LumiHaarStageRecord* const record = alignedIn<LumiHaarStageRecord>(pState);
     auto* classifier = reinterpret_cast<HaarClassifier<T>*>(record + 1);
     auto* rectangle = reinterpret_cast<HaarRectangle<T>*>(classifier + stage.length);
     record->classifierCount = stage.length;
@@ -145,7 +145,7 @@ LumStatus windowSize(const LumiHaarStageRecord* pState, LumiSize* pSize)
     const auto checks = Checks{}.notNull(pState, pSize);
     if (checks.failed())
         return checks.status();
-    const HaarStage<T> stage(*recordIn(pState));
+    const HaarStage<T> stage(*alignedIn<LumiHaarStageRecord>(pState));
     LumiSize size = {0, 0};
     for (Lum32s i = 0; i < stage.rectangleCount; ++i) {
         size.width = std::max(size.width, stage.rectangles[i].tr.x);
@@ -161,7 +161,7 @@ LumStatus tilt(const Lum8u* pMask, Lum32s flag, LumiHaarStageRecord* pState)
     auto checks = Checks{}.notNull(pMask, pState);
     if (checks.failed())
         return checks.status();
-    LumiHaarStageRecord* const record = recordIn(pState);
+    LumiHaarStageRecord* const record = alignedIn<LumiHaarStageRecord>(pState);
     if (checks.require(!record->hasTilted, lumErrArgument).failed())
         return checks.status();
     const HaarStage<T> stage(*record);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "frame/rounding.hpp"
 #include "lumcv/integral.h"
 
 namespace lumcv {
@@ -56,19 +57,6 @@ struct LumiHaarStageRecord
 };
 
 namespace lumcv {
-
-/// The record in a caller's block, which stands at any address.
-inline LumiHaarStageRecord* recordIn(LumiHaarStageRecord* block)
-{
-    constexpr uintptr_t alignment = alignof(LumiHaarStageRecord);
-    return reinterpret_cast<LumiHaarStageRecord*>((reinterpret_cast<uintptr_t>(block) + alignment - 1) / alignment *
-                                                  alignment);
-}
-
-inline const LumiHaarStageRecord* recordIn(const LumiHaarStageRecord* block)
-{
-    return recordIn(const_cast<LumiHaarStageRecord*>(block));
-}
 
 /// A record's arrays. T is Lum32f or Lum32s, as told to Init.
 template <class T>
