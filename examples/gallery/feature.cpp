@@ -25,7 +25,7 @@ Picture harrisResponse(const Source& source, Shot& shot)
                                                       response.size(), lumFilterSobel, lumMask3x3, window, k, scale,
                                                       lumBorderReplicate, 0, buffer.data())));
     return mapped<Lum8u>(response, [](Lum32f value) {
-        return toByte(128.0f + std::copysign(200.0f * std::sqrt(std::sqrt(std::abs(value))), value));
+        return toByte(128.0f + std::copysign(260.0f * std::sqrt(std::sqrt(std::abs(value))), value));
     });
 }
 
@@ -44,16 +44,18 @@ Image<Lum32f> smallerEigenvalue(const Picture& gray, Shot& shot, decltype(&Shot:
 Picture smallerEigenvalueShown(const Source& source, Shot& shot)
 {
     return mapped<Lum8u>(smallerEigenvalue(source.gray, shot, &Shot::time),
-                         [](Lum32f value) { return toByte(32.0f * std::sqrt(std::max(value, 0.0f))); });
+                         [](Lum32f value) { return toByte(48.0f * std::sqrt(std::max(value, 0.0f))); });
 }
 
-// A stroke through the middle of a pixel, longer for larger eigenvalues but never beyond its neighbours' place.
-void drawAxis(Picture& picture, int x, int y, float value, float alongX, float alongY, const Colour& colour)
+// A stroke through the middle of a pixel: the longer the larger the eigenvalue is, but within the cell's size.
+void drawAxis(Picture& picture, LumiPoint middle, float value, float alongX, float alongY, const Colour& colour)
 {
     const float reach = std::min(6.0f, 0.9f * std::sqrt(std::max(value, 0.0f)));
-    const auto middleX = static_cast<float>(x), middleY = static_cast<float>(y);
-    drawStroke(picture, middleX - reach * alongX, middleY - reach * alongY, middleX + reach * alongX,
-               middleY + reach * alongY, 1.2f, colour);
+    const auto x = static_cast<float>(middle.x), y = static_cast<float>(middle.y);
+    if (reach >= 1.0f) {
+        drawStroke(picture, x - reach * alongX, y - reach * alongY, x + reach * alongX, y + reach * alongY, 1.2f,
+                   colour);
+    }
 }
 
 Picture eigenvectors(const Source& source, Shot& shot)
@@ -71,18 +73,23 @@ Picture eigenvectors(const Source& source, Shot& shot)
     Picture result = mapped<Lum8u>(source.colour, [](Lum8u value) { return static_cast<Lum8u>(value / 3); });
     for (int top = 0; top < gray.height(); top += cell) {
         for (int left = 0; left < gray.width(); left += cell) {
-            int x = left, y = top;
-            for (int row = top; row < std::min(top + cell, gray.height()); ++row) {
-                for (int column = left; column < std::min(left + cell, gray.width()); ++column) {
-                    if (eigen.at(column, row) > eigen.at(x, y)) {
-                        x = column;
-                        y = row;
+            Lum32f largest = 0.0f;
+            LumiPoint place{};
+            for (int y = top; y < std::min(top + cell, gray.height()); ++y) {
+                for (int x = left; x < std::min(left + cell, gray.width()); ++x) {
+                    // the vectors (0, 1) and (1, 0) come in this order, whichever of them has the larger eigenvalue
+                    const bool isOrdered = eigen.at(x, y, 2) != 0.0f;
+                    if (isOrdered && eigen.at(x, y) > largest) {
+                        largest = eigen.at(x, y);
+                        place = {x, y};
                     }
                 }
             }
-            const Lum32f* pixel = &eigen.at(x, y);
-            drawAxis(result, x, y, pixel[0], pixel[2], pixel[3], ofLarger);
-            drawAxis(result, x, y, pixel[1], pixel[4], pixel[5], ofSmaller);
+            if (largest > 0.0f) {
+                const Lum32f* const pixel = &eigen.at(place.x, place.y);
+                drawAxis(result, place, pixel[0], pixel[2], pixel[3], ofLarger);
+                drawAxis(result, place, pixel[1], pixel[4], pixel[5], ofSmaller);
+            }
         }
     }
     return result;
@@ -91,7 +98,7 @@ Picture eigenvectors(const Source& source, Shot& shot)
 Picture peaksOnPicture(const Source& source, Shot& shot)
 {
     constexpr Colour colour = {255, 40, 30};
-    constexpr Lum32f threshold = 8.0f;
+    constexpr Lum32f threshold = 5.0f;
     const Image<Lum32f> smaller = smallerEigenvalue(source.gray, shot, &Shot::prepare);
     Lum32s bufferSize = 0;
     shot.prepare(GALLERY_CALL(lumiFindPeaks3x3GetBufferSize_32f_C1R(smaller.width(), &bufferSize)));
@@ -141,8 +148,8 @@ const Section corners{
       "shown, which goes with the contrast.",
       smallerEigenvalueShown},
      {"eigenvectors", "Eigenvectors",
-      "At the strongest pixel of each cell of 12 x 12: orange in the direction in which the picture changes most, blue "
-      "in that in which it changes least, the longer the more it does.",
+      "At one pixel of each cell of 12 x 12, the one of the largest eigenvalue: orange in the direction in which the "
+      "picture changes most, blue in that in which it changes least, the longer the more it does.",
       eigenvectors},
      {"peaks", "Peaks of the smaller eigenvalue",
       "Pixels above the threshold that none of their eight neighbours exceeds: the corners.", peaksOnPicture}},

@@ -46,7 +46,8 @@ Picture localDeviation(const Source& source, Shot& shot)
     constexpr int side = 9;
     const Picture& gray = source.gray;
     const Tables tables(gray, shot);
-    const auto& [sums, squares] = tables;
+    const Image<Lum32f>& sums = tables.sums;
+    const Image<Lum64f>& squares = tables.squares;
     Image<Lum32f> deviation(gray.width() - side + 1, gray.height() - side + 1, 1);
     shot.time(GALLERY_CALL(lumiRectStdDev_32f_C1R(sums.pixels(), sums.step(), squares.pixels(), squares.step(),
                                                   deviation.pixels(), deviation.step(), deviation.size(),
@@ -65,7 +66,8 @@ Picture stagesPassed(const Source& source, Shot& shot)
     const Picture& gray = source.gray;
     const detect::Cascade cascade = coinsCascade();
     const Tables tables(gray, shot);
-    const auto& [sums, squares] = tables;
+    const Image<Lum32f>& sums = tables.sums;
+    const Image<Lum64f>& squares = tables.squares;
     Image<Lum32f> norms(gray.width() - window.width + 1, gray.height() - window.height + 1, 1);
     shot.prepare(GALLERY_CALL(lumiRectStdDev_32f_C1R(sums.pixels(), sums.step(), squares.pixels(), squares.step(),
                                                      norms.pixels(), norms.step(), norms.size(),
