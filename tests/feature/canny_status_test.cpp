@@ -180,8 +180,6 @@ TEST(CannyStatusQuick, BorderGetSize)
 }
 
 constexpr LumiSize kSize = {12, 6};
-constexpr int kPlaneStep = 12 * 4;  // wide enough for both types
-constexpr int kImageStep = 16;
 
 template <class T>
 struct PlaneArgs
@@ -277,7 +275,7 @@ class CannyPlaneStatusQuick : public testing::Test
         table.emplace_back("dst stride", lumErrStep, [](Args& a) { a.dstStep = 11; });
         table.emplace_back("dst stride negative", lumErrStep, [](Args& a) { a.dstStep = -12; });
         table.emplace_back(
-            "dx alignment", lumErrStepAlignment, [](Args& a) { a.dxStep = kRow + 1; },
+            "dx alignment", lumErrStepAlignment, [](Args& a) { a.dxStep = kRow + kElement / 2; },
             std::vector<std::string>{"dx stride", "dx stride odd and short", "dx stride negative"});
         table.emplace_back(
             "dy alignment", lumErrStepAlignment, [](Args& a) { a.dyStep = kRow + kElement - 1; },
