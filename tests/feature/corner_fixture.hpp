@@ -26,7 +26,7 @@ S pictureValue(const FilterSetting& setting, int x, int y, Random& random)
         case 2:
             return static_cast<S>((((x + 1000) / 7 + (y + 1000) / 5) % 2) * (floats ? 0.83f : 200.0f));
         default:
-            return static_cast<S>((3 * (x + 40) + 2 * (y + 40) + noise()) % 256 * (floats ? 0.013f : 1.0f));
+            return static_cast<S>(((3 * (x + 40) + 2 * (y + 40) + noise()) & 255) * (floats ? 0.013f : 1.0f));
     }
 }
 
