@@ -4,6 +4,7 @@
 #
 #     detect_test.sh TRAIN_CASCADE DETECT FOLDER_OF_DETECT SCRATCH_FOLDER
 set -u
+here=$(cd "$(dirname "$0")" && pwd)
 train=$1
 detect=$2
 shipped=$3
@@ -11,34 +12,8 @@ scratch=$4
 rm -rf "$scratch"
 mkdir -p "$scratch"
 cd "$scratch" || exit 1
-failures=0
-
-fail()
-{
-    echo "FAILED: $*"
-    failures=$((failures + 1))
-}
-
-# expect STATUS WORDS COMMAND...: the command ends with the status, and what it writes to stderr holds the words (nothing
-# at all if there are none)
-expect()
-{
-    local status=$1 words=$2 got
-    shift 2
-    "$@" >stdout.txt 2>stderr.txt </dev/null
-    got=$?
-    [ $got -eq "$status" ] || fail "${*##*/}: status $got instead of $status: $(cat stderr.txt)"
-    if [ -z "$words" ]; then
-        [ ! -s stderr.txt ]
-    else
-        grep -qF -- "$words" stderr.txt
-    fi || fail "${*##*/}: no '$words' in its message: $(cat stderr.txt)"
-}
-
-is_png()
-{
-    [ "$(head -c 8 "$1" | od -An -tx1 | tr -d ' \n')" = 89504e470d0a1a0a ] || fail "$1 is no PNG"
-}
+# shellcheck source=examples/tests/expectations.sh
+. "$here/expectations.sh"
 
 # the cascade comes out byte for byte
 expect 0 "" "$train" --samples samples.png trained.cascade

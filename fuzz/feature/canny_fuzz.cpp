@@ -38,13 +38,10 @@ template <typename S, typename Edges>
 Run ofPlanes(Edges edges, bool isLong)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
+        Call call = beginCall(choices, name);
         call.longStep = isLong;
-        const LumiSize size = chooseSize(choices);
         Arguments& a = call.arguments;
-        a.width = size.width;
-        a.height = size.height;
+        const LumiSize size = call.arguments.size();
         a.divisor = isLong && choices.oneIn(2) ? lumNormL2 : lumNormL1;
         const Thresholds chosen = chooseThresholds(choices);
         call.images = {{Role::Read, elementOf<S>()}, {Role::Read, elementOf<S>()}, {Role::Written, elementOf<Lum8u>()}};
@@ -83,12 +80,9 @@ LumStatus longForm(const Arguments& a, Lum32f low, Lum32f high)
 // The mask stands in kernelSize, the filter in anchor, the norm in divisor.
 void ofImage(Choices& choices, const std::string& name)
 {
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
+    Call call = beginCall(choices, name);
     Arguments& a = call.arguments;
-    a.width = size.width;
-    a.height = size.height;
+    const LumiSize size = call.arguments.size();
     a.kernelSize = choices.oneIn(3) ? lumMask5x5 : lumMask3x3;
     a.anchor = a.kernelSize == lumMask3x3 && choices.oneIn(2) ? lumFilterScharr : lumFilterSobel;
     a.divisor = choices.oneIn(2) ? lumNormL2 : lumNormL1;
@@ -96,11 +90,7 @@ void ofImage(Choices& choices, const std::string& name)
     a.borderType = choices.oneIn(6) ? lumBorderInMem : choices.oneOf(modes) | choices.between(0, 15) << 4;
     const Thresholds chosen = chooseThresholds(choices);
     const int reach = a.kernelSize == lumMask3x3 ? 1 : 2;
-    lumcv::test::Margins margins;
-    margins.top = a.borderType & lumBorderInMemTop ? reach : 0;
-    margins.bottom = a.borderType & lumBorderInMemBottom ? reach : 0;
-    margins.left = a.borderType & lumBorderInMemLeft ? reach : 0;
-    margins.right = a.borderType & lumBorderInMemRight ? reach : 0;
+    const auto margins = lumcv::test::promisedMargins(a.borderType, lumcv::test::Margins::all(reach));
     call.images = {{Role::Read, elementOf<Lum8u>(), 1, margins}, {Role::Written, elementOf<Lum8u>()}};
     Lum32s bytes = -1;
     if (lumiCannyBorderGetSize(size, a.anchor, a.kernelSize, &bytes) != lumOk || bytes < 0)

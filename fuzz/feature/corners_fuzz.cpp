@@ -10,16 +10,6 @@ using lumcv::test::Margins;
 
 using Run = std::function<void(Choices&, const std::string&)>;
 
-Call begin(Choices& choices, const std::string& name)
-{
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
-    call.arguments.width = size.width;
-    call.arguments.height = size.height;
-    return call;
-}
-
 template <typename Number>
 void addWrong(Call& call, const std::string& name, std::initializer_list<Number> numbers, LumStatus status,
               Number Arguments::*number)
@@ -31,12 +21,7 @@ void addWrong(Call& call, const std::string& name, std::initializer_list<Number>
 
 Margins marginsOf(int borderType, int before, int after)
 {
-    Margins margins;
-    margins.top = borderType & lumBorderInMemTop ? before : 0;
-    margins.bottom = borderType & lumBorderInMemBottom ? after : 0;
-    margins.left = borderType & lumBorderInMemLeft ? before : 0;
-    margins.right = borderType & lumBorderInMemRight ? after : 0;
-    return margins;
+    return lumcv::test::promisedMargins(borderType, {before, after, before, after});
 }
 
 // Puts the size that the query reports into the call's first block: its scratch.
@@ -80,7 +65,7 @@ using EigenQuery = LumStatus (*)(LumiSize, Lum32s, Lum32s, Lum32s*);
 
 Call beginEigen(Choices& choices, const std::string& name)
 {
-    Call call = begin(choices, name);
+    Call call = beginCall(choices, name);
     call.arguments.kernelSize = choices.oneIn(2) ? 3 : 5;
     call.arguments.divisor = choices.oneIn(2) ? 3 : 5;
     addWrong(call, "aperture", {0, 1, 2, 4, 6, 7, 33, -3, INT32_MAX, INT32_MIN}, lumErrSize, &Arguments::kernelSize);
@@ -141,7 +126,7 @@ Run eigenQuery(EigenQuery query)
 
 Call beginMeans(Choices& choices, const std::string& name)
 {
-    Call call = begin(choices, name);
+    Call call = beginCall(choices, name);
     Arguments& a = call.arguments;
     a.kernelSize = choices.oneIn(2) ? lumMask3x3 : lumMask5x5;
     a.divisor = choices.oneIn(4) ? choices.between(8, 40) : choices.between(1, 7);

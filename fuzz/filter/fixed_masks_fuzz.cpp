@@ -15,11 +15,7 @@ using Filter = LumStatus (*)(const S*, Lum32s, D*, Lum32s, LumiSize, LumiMaskSiz
 // The mask stands in kernelSize.
 Call begin(Choices& choices, const std::string& name)
 {
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
-    call.arguments.width = size.width;
-    call.arguments.height = size.height;
+    Call call = beginCall(choices, name);
     call.arguments.kernelSize = choices.oneIn(2) ? lumMask3x3 : lumMask5x5;
     const int masks[] = {0, 3, 5, 13, 35, 77, -33, INT32_MAX, INT32_MIN};
     const int wrong = choices.oneOf(masks);
@@ -36,11 +32,7 @@ Run fixedMask(Filter<S, D> filter, Query query)
         Arguments& a = call.arguments;
         a.borderType = chooseBorder(choices);
         const int reach = a.kernelSize == lumMask3x3 ? 1 : 2;
-        lumcv::test::Margins margins;
-        margins.top = a.borderType & lumBorderInMemTop ? reach : 0;
-        margins.bottom = a.borderType & lumBorderInMemBottom ? reach : 0;
-        margins.left = a.borderType & lumBorderInMemLeft ? reach : 0;
-        margins.right = a.borderType & lumBorderInMemRight ? reach : 0;
+        const auto margins = lumcv::test::promisedMargins(a.borderType, lumcv::test::Margins::all(reach));
         call.images = {{Role::Read, elementOf<S>(), 1, margins}, {Role::Written, elementOf<D>()}};
 
         Lum32s bytes = -1;

@@ -28,12 +28,9 @@ std::size_t scratchBytes(Query query, LumiSize size, int kernelSize)
 
 Call begin(Choices& choices, const std::string& name)
 {
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
+    Call call = beginCall(choices, name);
     Arguments& a = call.arguments;
-    a.width = size.width;
-    a.height = size.height;
+    const LumiSize size = call.arguments.size();
     // a large image by a long kernel would take all the time there is
     a.kernelSize = size.width > 1000 ? choices.between(1, 7) : chooseKernelSize(choices);
     for (const int wrong : {0, -1, INT32_MIN})

@@ -19,11 +19,7 @@ ImageOperand table(int extra)
 Run target(std::vector<ImageOperand> images, std::function<LumStatus(const Arguments&)> function)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
-        const LumiSize size = chooseSize(choices);
-        call.arguments.width = size.width;
-        call.arguments.height = size.height;
+        Call call = beginCall(choices, name);
         call.arguments.parameter = Lum32f(choices.between(-1000, 1000));
         call.images = images;
         call.call = function;

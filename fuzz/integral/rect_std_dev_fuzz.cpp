@@ -21,11 +21,7 @@ Run deviation(LumStatus (*f)(const P*, Lum32s, const Q*, Lum32s, D*, Lum32s, Lum
               bool isTilted)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
-        const LumiSize size = chooseSize(choices);
-        call.arguments.width = size.width;
-        call.arguments.height = size.height;
+        Call call = beginCall(choices, name);
         LumiRect rect{choices.between(0, 5), choices.between(0, 5), choices.between(1, 9), choices.between(1, 9)};
         LumiSize reach{rect.x + rect.width, rect.y + rect.height};
         if (isTilted) {

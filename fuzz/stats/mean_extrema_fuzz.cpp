@@ -11,11 +11,7 @@ using Run = std::function<void(Choices&, const std::string&)>;
 template <typename T>
 Call chooseCall(Choices& choices, const std::string& name, bool masked, bool ofInterest)
 {
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
-    call.arguments.width = size.width;
-    call.arguments.height = size.height;
+    Call call = beginCall(choices, name);
     call.images = {{Role::Read, elementOf<T>(), ofInterest ? 3 : 1}};
     if (masked)
         call.images.push_back({Role::Mask, Element::U8});

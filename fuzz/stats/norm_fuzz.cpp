@@ -26,11 +26,7 @@ template <typename T>
 Run run(int images, int channels, std::function<LumStatus(const Arguments&, Lum64f*)> norm)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
-        const LumiSize size = chooseSize(choices);
-        call.arguments.width = size.width;
-        call.arguments.height = size.height;
+        Call call = beginCall(choices, name);
         call.images.assign(std::size_t(images), {Role::Read, elementOf<T>(), channels});
         call.images.push_back({Role::Mask, Element::U8});
         call.blocks = {{Role::Written, sizeof(Lum64f)}};

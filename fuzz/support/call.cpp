@@ -411,6 +411,16 @@ LumiSize chooseSize(Choices& choices)
     return {choices.between(1, 140), choices.between(1, 9)};
 }
 
+Call beginCall(Choices& choices, const std::string& name)
+{
+    Call call;
+    call.function = name;
+    const LumiSize size = chooseSize(choices);
+    call.arguments.width = size.width;
+    call.arguments.height = size.height;
+    return call;
+}
+
 int chooseDivisor(Choices& choices)
 {
     const int divisors[] = {1, 1, 1, -1, 2, 3, 16, 256, 1000, -7, 32767, INT32_MAX, INT32_MIN};

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "fuzz/support/choices.hpp"
-#include "support/image.hpp"
+#include "support/promised_margins.hpp"
 
 namespace lumcv::fuzz {
 
@@ -164,6 +164,9 @@ void printAnnouncement();
 
 // Sizes around lane counts for the most part; once in a while enough pixels for the treatment of large images.
 LumiSize chooseSize(Choices& choices);
+
+/// A call of a function on a ROI of a size that is chosen.
+Call beginCall(Choices& choices, const std::string& name);
 int chooseDivisor(Choices& choices);
 // A border value that filters accept, and one that they do not.
 int chooseBorder(Choices& choices);

@@ -8,14 +8,12 @@
 #include <limits>
 #include <vector>
 
-#include "simd/simd.hpp"
+#include "simd/drawn_lanes.hpp"
 #include "support/guarded_block.hpp"
 #include "support/random.hpp"
 
 namespace lumcv::test {
 namespace {
-
-constexpr unsigned draws = 50;
 
 template <class T, int N>
 std::array<T, N> drawnLanes(unsigned seed)
@@ -25,15 +23,6 @@ std::array<T, N> drawnLanes(unsigned seed)
     for (T& lane : lanes)
         lane = static_cast<T>(random.between(0, 255));
     return lanes;
-}
-
-template <class T, int N, class Expected>
-void expectEach(simd::Vec<T, N> got, Expected expected)
-{
-    std::array<T, N> lanes;
-    simd::store(lanes.data(), got);
-    for (int i = 0; i < N; ++i)
-        ASSERT_EQ(lanes[std::size_t(i)], T(expected(i))) << "lane " << i << " of " << N;
 }
 
 /// Calls check(T{}, lanes) for vectors of 16 to 64 bytes.

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "simd/simd.hpp"
+#include "simd/drawn_lanes.hpp"
 #include "support/guarded_block.hpp"
 #include "support/random.hpp"
 
@@ -24,15 +24,6 @@ std::array<T, N> drawnLanes(unsigned seed)
     for (T& lane : lanes)
         lane = values[random.between(0, 5)];
     return lanes;
-}
-
-template <class T, int N, class Expected>
-void expectEach(simd::Vec<T, N> got, Expected expected)
-{
-    std::array<T, N> lanes;
-    simd::store(lanes.data(), got);
-    for (int i = 0; i < N; ++i)
-        ASSERT_EQ(lanes[std::size_t(i)], T(expected(i))) << "lane " << i << " of " << N;
 }
 
 /// Calls check(T{}, lanes, seed) for scalars, single registers of every width, and pairs.

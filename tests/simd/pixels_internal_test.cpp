@@ -5,22 +5,12 @@
 #include <cstring>
 #include <vector>
 
-#include "simd/simd.hpp"
+#include "simd/drawn_lanes.hpp"
 #include "support/guarded_block.hpp"
 #include "support/random.hpp"
 
 namespace lumcv::test {
 namespace {
-
-constexpr unsigned draws = 50;
-
-template <class T, int N>
-std::array<T, N> lanesOf(simd::Vec<T, N> v)
-{
-    std::array<T, N> lanes;
-    simd::store(lanes.data(), v);
-    return lanes;
-}
 
 /// Calls check(T{}, lanes) for vectors of one register, two and four at each level.
 template <class Check>

@@ -5,24 +5,12 @@
 #include <cmath>
 #include <cstring>
 
-#include "simd/simd.hpp"
+#include "simd/drawn_lanes.hpp"
 #include "support/guarded_block.hpp"
 #include "support/random.hpp"
 
 namespace lumcv::test {
 namespace {
-
-constexpr unsigned draws = 50;
-
-template <class T, int N>
-std::array<T, N> drawn(unsigned seed, Values values = Values::Extreme)
-{
-    Random random(seed + 1);
-    std::array<T, N> lanes;
-    for (T& lane : lanes)
-        lane = random.value<T>(values);
-    return lanes;
-}
 
 template <class T, int N>
 std::array<T, N> filledWith(T value)
