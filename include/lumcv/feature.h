@@ -76,7 +76,8 @@ extern "C" {
  *     lambda2 = 0.5f * (a + c - r)      where r = sqrt((a - c) * (a - c) + 4 * (b * b))
  *
  * - If `a * c - b * b` or `min(a, c)` is below `t`, all six are 0: a flat or edge-like pixel carries no vector.
- * - Otherwise, if `|b|` is below `t`, the vectors are (0, 1) and (1, 0).
+ * - Otherwise, if `|b|` is below `t`, the vectors are (0, 1) and (1, 0), in this order whichever has the larger
+ *   eigenvalue.
  * - Otherwise, with `g` 1 for #lumKernScharr and -1 for both Sobel types, `p = g * b`, `e1 = lambda1 - a`,
  *   `e2 = lambda2 - a`, and for either of them `n = 1 / max(sqrt(p * p + e * e), 1.1920929e-7f)`: the vectors are
  *   `(p * n1, e1 * n1)` and `(p * n2, e2 * n2)`.
@@ -377,9 +378,8 @@ LUMCV_API LumStatus lumiEigenValsVecsBorder_8u32f_C1R(const Lum8u* pSrc, Lum32s 
  *     th = min(max(C / (t + u) - t, 8 n), height)   the division truncates
  *
  * It serves every border value. The **query** tests, in this order: `pBufferSize` (#lumErrNullPointer), width and
- * height
- * (#lumErrSize), `filterMask` (#lumErrMaskSize), `dataType` (#lumErrDataType), `numChannels` (#lumErrChannels),
- * `avgWindow` (#lumErrSize), and at last that the result fits 32 bits (#lumErrSizeTooLarge).
+ * height (#lumErrSize), `filterMask` (#lumErrMaskSize), `dataType` (#lumErrDataType), `numChannels`
+ * (#lumErrChannels), `avgWindow` (#lumErrSize), and at last that the result fits 32 bits (#lumErrSizeTooLarge).
  *
  * **Checks** of the measure, in this order; the first that fails decides the status, and nothing has been written:
  *

@@ -401,11 +401,19 @@ typedef struct LumiHaarStageRecord LumiHaarStageRecord;
  *     LumiHaarStageRecord* stage = malloc((size_t)recordBytes);
  *     status = lumErrNullPointer;
  *     if (sums != NULL && squares != NULL && norms != NULL && stage != NULL)
- *         status = lumiSqrIntegral_8u32f64f_C1R(pSrc, srcStep, sums, columns * 4, squares, columns * 8, imageSize, 0,
- * 0); if (status == lumOk) status = lumiRectStdDev_32f_C1R(sums, columns * 4, squares, columns * 8, norms, columns * 4,
- * places, rects[0]); if (status == lumOk) status = lumiHaarClassifierInit_32f(stage, rects, weights, &threshold,
- * &ifBelow, &otherwise, &rectsOfClassifier, 1); if (status == lumOk) status = lumiApplyHaarClassifier_32f_C1R(sums,
- * columns * 4, norms, columns * 4, pMask, maskStep, places, pCount, 0.5f, stage); free(stage); free(norms);
+ *         status = lumiSqrIntegral_8u32f64f_C1R(pSrc, srcStep, sums, columns * 4, squares, columns * 8, imageSize,
+ *                                               0, 0);
+ *     if (status == lumOk)
+ *         status = lumiRectStdDev_32f_C1R(sums, columns * 4, squares, columns * 8, norms, columns * 4, places,
+ *                                         rects[0]);
+ *     if (status == lumOk)
+ *         status = lumiHaarClassifierInit_32f(stage, rects, weights, &threshold, &ifBelow, &otherwise,
+ *                                             &rectsOfClassifier, 1);
+ *     if (status == lumOk)
+ *         status = lumiApplyHaarClassifier_32f_C1R(sums, columns * 4, norms, columns * 4, pMask, maskStep, places,
+ *                                                  pCount, 0.5f, stage);
+ *     free(stage);
+ *     free(norms);
  *     free(squares);
  *     free(sums);
  *     return status;
