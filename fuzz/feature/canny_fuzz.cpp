@@ -41,7 +41,6 @@ Run ofPlanes(Edges edges, bool isLong)
         Call call = beginCall(choices, name);
         call.longStep = isLong;
         Arguments& a = call.arguments;
-        const LumiSize size = call.arguments.size();
         a.divisor = isLong && choices.oneIn(2) ? lumNormL2 : lumNormL1;
         const Thresholds chosen = chooseThresholds(choices);
         call.images = {{Role::Read, elementOf<S>()}, {Role::Read, elementOf<S>()}, {Role::Written, elementOf<Lum8u>()}};
