@@ -1,4 +1,5 @@
-# LUMCV_SANITIZER instruments the library, its tests and its examples alike.
+# LUMCV_SANITIZER instruments the library, its tests and its examples alike; with LUMCV_TEST_PROGRAMS, where the tests of
+# another build are run, the library and what is still built here.
 
 # "fuzzer" is the address sanitizer with the coverage that clang's fuzzer is guided by.
 
@@ -16,4 +17,27 @@ elseif(LUMCV_SANITIZER)
     add_compile_options(-fno-sanitize=function)
   endif()
   add_link_options(-fsanitize=${LUMCV_SANITIZER})
+
+  # Programs of another build have no run-time part of a sanitizer in them. It is a library then, which the loader puts
+  # before all others.
+  if(LUMCV_TEST_PROGRAMS)
+    if(LUMCV_SANITIZER MATCHES address)
+      set(runtime asan)
+    elseif(LUMCV_SANITIZER STREQUAL thread)
+      set(runtime tsan)
+    else()
+      set(runtime ubsan)
+    endif()
+    if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+      string(REPLACE ubsan ubsan_standalone runtime libclang_rt.${runtime}-x86_64.so)
+    else()
+      set(runtime lib${runtime}.so)
+    endif()
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
+      OUTPUT_VARIABLE LUMCV_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+      get_filename_component(folder ${LUMCV_SANITIZER_RUNTIME} DIRECTORY)
+      add_link_options(-shared-libsan LINKER:-rpath,${folder})
+    endif()
+  endif()
 endif()

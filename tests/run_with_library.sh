@@ -1,5 +1,6 @@
 #!/bin/bash
 # Runs a test program of another build with the libraries of this one, after making sure that these are what it loads.
+# LUMCV_PRELOAD: a library to be loaded before all others, if any.
 #
 #     run_with_library.sh LIBLUMCV LIBLUMCORE PROGRAM [ARGUMENTS...]
 set -eu
@@ -13,4 +14,4 @@ if ! [ "$loaded" -ef "$library" ]; then
     echo "$1 loads '$loaded' and not '$library'"
     exit 1
 fi
-exec "$@"
+exec env ${LUMCV_PRELOAD:+"LD_PRELOAD=$LUMCV_PRELOAD"} "$@"

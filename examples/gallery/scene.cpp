@@ -3,83 +3,12 @@
 #include "scene.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstdint>
+
+#include "shapes.hpp"
 
 namespace gallery {
 namespace {
-
-using Colour = std::array<int, 3>;
-
-void blend(Picture& picture, int x, int y, const Colour& colour, float cover)
-{
-    if (x < 0 || y < 0 || x >= picture.width() || y >= picture.height() || cover <= 0.0f) {
-        return;
-    }
-    cover = std::min(cover, 1.0f);
-    for (int c = 0; c < picture.channels(); ++c) {
-        const float old = picture.at(x, y, c);
-        picture.at(x, y, c) = toByte(old + (static_cast<float>(colour[static_cast<std::size_t>(c)]) - old) * cover);
-    }
-}
-
-void drawRectangle(Picture& picture, int left, int top, int width, int height, const Colour& colour)
-{
-    for (int y = top; y < top + height; ++y) {
-        for (int x = left; x < left + width; ++x) {
-            blend(picture, x, y, colour, 1.0f);
-        }
-    }
-}
-
-// A ring's edge is smoothed over one pixel; an inner radius of 0 makes it a disc.
-void drawRing(Picture& picture, float centreX, float centreY, float inner, float outer, const Colour& colour)
-{
-    const int reach = static_cast<int>(outer) + 2;
-    for (int y = static_cast<int>(centreY) - reach; y <= static_cast<int>(centreY) + reach; ++y) {
-        for (int x = static_cast<int>(centreX) - reach; x <= static_cast<int>(centreX) + reach; ++x) {
-            const float dx = static_cast<float>(x) - centreX;
-            const float dy = static_cast<float>(y) - centreY;
-            const float radius = std::sqrt(dx * dx + dy * dy);
-            const float inside = inner > 0.0f ? std::clamp(radius - inner + 0.5f, 0.0f, 1.0f) : 1.0f;
-            blend(picture, x, y, colour, std::clamp(outer - radius + 0.5f, 0.0f, 1.0f) * inside);
-        }
-    }
-}
-
-// A stroke with round ends: what lies within half its thickness of the segment.
-void drawStroke(Picture& picture, float x0, float y0, float x1, float y1, float thickness, const Colour& colour)
-{
-    const float half = thickness * 0.5f;
-    const float alongX = x1 - x0;
-    const float alongY = y1 - y0;
-    const float square = std::max(alongX * alongX + alongY * alongY, 1e-6f);
-    for (int y = static_cast<int>(std::min(y0, y1) - half) - 1; y <= static_cast<int>(std::max(y0, y1) + half) + 1;
-         ++y) {
-        for (int x = static_cast<int>(std::min(x0, x1) - half) - 1; x <= static_cast<int>(std::max(x0, x1) + half) + 1;
-             ++x) {
-            const float dx = static_cast<float>(x) - x0;
-            const float dy = static_cast<float>(y) - y0;
-            const float t = std::clamp((dx * alongX + dy * alongY) / square, 0.0f, 1.0f);
-            const float fromX = dx - t * alongX;
-            const float fromY = dy - t * alongY;
-            blend(picture, x, y, colour, half + 0.5f - std::sqrt(fromX * fromX + fromY * fromY));
-        }
-    }
-}
-
-void drawTriangle(Picture& picture, int left, int right, int bottom, int height, const Colour& colour)
-{
-    const float middle = static_cast<float>(left + right) * 0.5f;
-    for (int y = bottom - height; y < bottom; ++y) {
-        const float half = static_cast<float>(right - left) * 0.5f * static_cast<float>(y - bottom + height) /
-                           static_cast<float>(height);
-        for (int x = left; x <= right; ++x) {
-            blend(picture, x, y, colour, half - std::abs(static_cast<float>(x) - middle) + 0.5f);
-        }
-    }
-}
 
 // Lines of invented letters: each is two to four strokes between the points of a small grid.
 void drawWriting(Picture& picture, int left, int top, int columns, int lines, const Colour& colour, Random& random)
@@ -114,6 +43,37 @@ void drawZonePlate(Picture& picture, int left, int top, int side)
             const int phase = (dx * dx + dy * dy) * 14 / side % 510;
             const int level = phase < 255 ? phase : 510 - phase;
             blend(picture, left + x, top + y, {level, level, level}, 1.0f);
+        }
+    }
+}
+
+// A coin with a raised rim and some marks on it.
+void drawCoin(Picture& picture, float x, float y, float radius, const Colour& metal, Random& random)
+{
+    const auto shade = [&](int more) { return Colour{metal[0] + more, metal[1] + more, metal[2] + more}; };
+    drawRing(picture, x, y, 0.0f, radius, metal);
+    drawRing(picture, x, y, radius * 0.84f, radius, shade(22));
+    for (int mark = 0; mark < 5; ++mark) {
+        const float x0 = x + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        const float y0 = y + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        const float x1 = x + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        const float y1 = y + radius * static_cast<float>(random.below(100) - 50) * 0.01f;
+        drawStroke(picture, x0, y0, x1, y1, radius * 0.2f, shade(mark % 2 == 0 ? -48 : 24));
+    }
+}
+
+// A dark tray with coins of several sizes.
+void drawTray(Picture& picture, int left, int top, Random& random)
+{
+    drawRectangle(picture, left, top, 300, 140, {58, 44, 40});
+    drawRectangle(picture, left + 6, top + 6, 288, 128, {40, 34, 38});
+    constexpr Colour metals[] = {{214, 186, 108}, {190, 194, 200}, {196, 130, 92}};
+    for (int row = 0; row < 2; ++row) {
+        for (int column = 0; column < 5; ++column) {
+            const float x = static_cast<float>(left + 38 + column * 56 + random.below(5) - 2);
+            const float y = static_cast<float>(top + 38 + row * 64 + random.below(5) - 2);
+            const float radius = static_cast<float>(15 + random.below(8));
+            drawCoin(picture, x, y, radius, metals[random.below(3)], random);
         }
     }
 }
@@ -178,6 +138,8 @@ Picture drawScene()
     drawWriting(picture, 478, 338, 19, 10, {34, 32, 44}, random);
     drawRectangle(picture, 726, 376, 212, 212, {30, 30, 30});
     drawZonePlate(picture, 732, 382, 200);
+
+    drawTray(picture, 392, 22, random);
 
     // a strip of pure colours, then noise: a little everywhere, much in one corner
     for (int patch = 0; patch < 8; ++patch) {

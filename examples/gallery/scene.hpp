@@ -29,7 +29,7 @@ class Random
     std::uint32_t state_;
 };
 
-/// Draws shapes, strokes that look like writing, gradients and noise; RGB, the same on every run.
+/// Draws shapes, coins, strokes that look like writing, gradients and noise; RGB, the same on every run.
 Picture drawScene();
 
 /// Repeats a picture like tiles until it is at least this wide and high, so that every operation has room to work.

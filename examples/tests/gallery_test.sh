@@ -3,34 +3,14 @@
 #
 #     gallery_test.sh GALLERY SCRATCH_FOLDER
 set -u
+here=$(cd "$(dirname "$0")" && pwd)
 gallery=$1
 scratch=$2
 rm -rf "$scratch"
 mkdir -p "$scratch"
 cd "$scratch" || exit 1
-failures=0
-
-fail()
-{
-    echo "FAILED: $*"
-    failures=$((failures + 1))
-}
-
-# expect STATUS WORDS ARGUMENTS...: the program ends with the status, and what it writes to stderr holds the words
-# (nothing at all if there are none)
-expect()
-{
-    local status=$1 words=$2 got
-    shift 2
-    "$gallery" "$@" >stdout.txt 2>stderr.txt </dev/null
-    got=$?
-    [ $got -eq "$status" ] || fail "gallery $*: status $got instead of $status: $(cat stderr.txt)"
-    if [ -z "$words" ]; then
-        [ ! -s stderr.txt ]
-    else
-        grep -qF -- "$words" stderr.txt
-    fi || fail "gallery $*: no '$words' in its message: $(cat stderr.txt)"
-}
+# shellcheck source=examples/tests/expectations.sh
+. "$here/expectations.sh"
 
 # a picture of the page is there, is a PNG file, and stands on the page
 check_page()
@@ -38,7 +18,7 @@ check_page()
     local folder=$1 files file cards
     files=$(grep -o 'src="[^"]*"' "$folder/index.html" | cut -d'"' -f2)
     for file in $files; do
-        [ "$(head -c 8 "$folder/$file" | od -An -tx1 | tr -d ' \n')" = 89504e470d0a1a0a ] || fail "$folder/$file is no PNG"
+        is_png "$folder/$file"
     done
     cards=$(grep -c '<figure' "$folder/index.html")
     [ "$cards" -ge 26 ] || fail "only $cards pictures on $folder/index.html"
@@ -46,67 +26,70 @@ check_page()
     [ "$(grep -o '<b>[0-9.]* ms</b>' "$folder/index.html" | wc -l)" -ge 23 ] || fail "times are missing on the page"
     grep -qi '<script\|http' "$folder/index.html" && fail "the page has scripts or needs the network"
     for file in lumiAbsDiff_8u_C1R lumiAddWeighted_8u32f_C1IR lumiFilterRowBorderPipeline_8u16s_C1R \
-        lumiFilterColumnPipeline_16s8u_C1R lumiFilterGaussian_8u_C1R lumiFilterGaussian_32f_C1R; do
+        lumiFilterColumnPipeline_16s8u_C1R lumiFilterGaussian_8u_C1R lumiFilterGaussian_32f_C1R \
+        lumiMinMaxIndx_8u_C1R lumiIntegral_8u32s_C1R lumiRectStdDev_32f_C1R lumiApplyHaarClassifier_32f_C1R \
+        lumiHarrisCorner_8u32f_C1R lumiMinEigenVal_8u32f_C1R lumiEigenValsVecs_8u32f_C1R lumiFindPeaks3x3_32f_C1R \
+        lumiCannyBorder_8u_C1R; do
         grep -q "<summary>[^<]*$file" "$folder/index.html" || fail "$file is not on the page"
     done
 }
 
 # without an image: the program's own scene
-expect 0 "" --out scene
+expect 0 "" "$gallery" --out scene
 check_page scene
 grep -q '^\[ 1/' stdout.txt || fail "no progress is shown"
 
 # one pixel is enough, and the same pictures come out of it each time
 base64 -d >one.png <<<iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAAAAAA6fptVAAAACklEQVR4nGNoAAAAggCBd81ytgAAAABJRU5ErkJggg==
-expect 0 "" one.png --out one/deeper
+expect 0 "" "$gallery" one.png --out one/deeper
 check_page one/deeper
-expect 0 "" one.png --out again
+expect 0 "" "$gallery" one.png --out again
 for file in again/*.png; do
     cmp -s "$file" "one/deeper/$(basename "$file")" || fail "$file differs from run to run"
 done
 
 # an image arrives unchanged; the page survives a name that HTML would take for a tag
 cp again/running-average.png '<b>&.png'
-expect 0 "" '<b>&.png' --out image
+expect 0 "" "$gallery" '<b>&.png' --out image
 check_page image
 cmp -s '<b>&.png' image/source-gray.png || fail "the source is not the image that was given"
 grep -q '&lt;b&gt;&amp;.png' image/index.html || fail "the file's name is not escaped on the page"
 
 # files that cannot be read
-expect 1 "No such file" missing.png --out bad
+expect 1 "No such file" "$gallery" missing.png --out bad
 : >empty.png
-expect 1 "empty" empty.png --out bad
+expect 1 "empty" "$gallery" empty.png --out bad
 echo "this is text, whatever its name says" >text.png
-expect 1 "not a PNG" text.png --out bad
+expect 1 "not a PNG" "$gallery" text.png --out bad
 head -c 5 scene/source-rgb.png >signature.png
-expect 1 "not a PNG" signature.png --out bad
-expect 1 "folder" scene --out bad
+expect 1 "not a PNG" "$gallery" signature.png --out bad
+expect 1 "folder" "$gallery" scene --out bad
 head -c 8 scene/source-rgb.png >header.png
-expect 1 "cannot read 'header.png'" header.png --out bad
+expect 1 "cannot read 'header.png'" "$gallery" header.png --out bad
 head -c 5000 scene/source-rgb.png >truncated.png
-expect 1 "cannot read 'truncated.png'" truncated.png --out bad
+expect 1 "cannot read 'truncated.png'" "$gallery" truncated.png --out bad
 { head -c 3000 scene/source-rgb.png && echo garbage && tail -c +3009 scene/source-rgb.png; } >damaged.png
-expect 1 "cannot read 'damaged.png'" damaged.png --out bad
+expect 1 "cannot read 'damaged.png'" "$gallery" damaged.png --out bad
 # 65535 x 65535 pixels, says the header of this file of 66 bytes
 base64 -d >huge.png <<<iVBORw0KGgoAAAANSUhEUgAA//8AAP//CAAAAACTboaMAAAACUlEQVR4nGMAAAABAAFe/335AAAAAElFTkSuQmCC
-expect 1 "too many" huge.png --out bad
+expect 1 "too many" "$gallery" huge.png --out bad
 [ -e bad ] && fail "a folder was made for an image that cannot be read"
 
 # places that cannot be written
 : >in-the-way
-expect 1 "cannot make the folder" one.png --out in-the-way
-expect 1 "cannot make the folder" one.png --out in-the-way/below
+expect 1 "cannot make the folder" "$gallery" one.png --out in-the-way
+expect 1 "cannot make the folder" "$gallery" one.png --out in-the-way/below
 mkdir -p blocked/source-rgb.png
-expect 1 "cannot write 'blocked/source-rgb.png'" one.png --out blocked
+expect 1 "cannot write 'blocked/source-rgb.png'" "$gallery" one.png --out blocked
 mkdir -p pageless/index.html
-expect 1 "cannot write 'pageless/index.html'" one.png --out pageless
+expect 1 "cannot write 'pageless/index.html'" "$gallery" one.png --out pageless
 
 # command lines that make no sense
-expect 2 "usage" one.png
-expect 2 "usage" --out
-expect 2 "usage" one.png one.png --out twice
-expect 2 "usage" --in one.png --out twice
-expect 2 "usage" --out twice --out again
+expect 2 "usage" "$gallery" one.png
+expect 2 "usage" "$gallery" --out
+expect 2 "usage" "$gallery" one.png one.png --out twice
+expect 2 "usage" "$gallery" --in one.png --out twice
+expect 2 "usage" "$gallery" --out twice --out again
 
 echo "$failures failures"
 [ $failures -eq 0 ]

@@ -1,14 +1,13 @@
 // Fuzzes the fixed masks (Laplacian, lowpass, Sobel cross), their size queries, and the Sobel kernels.
 #include <cstring>
 
-#include "fuzz/support/call.hpp"
+#include "fuzz/filter/size_query.hpp"
 
 namespace {
 
 using namespace lumcv::fuzz;
 
 using Run = std::function<void(Choices&, const std::string&)>;
-using Query = LumStatus (*)(LumiSize, LumiMaskSize, Lum32s*);
 
 template <typename S, typename D>
 using Filter = LumStatus (*)(const S*, Lum32s, D*, Lum32s, LumiSize, LumiMaskSize, LumiBorderType, S, Lum8u*);
@@ -16,11 +15,7 @@ using Filter = LumStatus (*)(const S*, Lum32s, D*, Lum32s, LumiSize, LumiMaskSiz
 // The mask stands in kernelSize.
 Call begin(Choices& choices, const std::string& name)
 {
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
-    call.arguments.width = size.width;
-    call.arguments.height = size.height;
+    Call call = beginCall(choices, name);
     call.arguments.kernelSize = choices.oneIn(2) ? lumMask3x3 : lumMask5x5;
     const int masks[] = {0, 3, 5, 13, 35, 77, -33, INT32_MAX, INT32_MIN};
     const int wrong = choices.oneOf(masks);
@@ -37,11 +32,7 @@ Run fixedMask(Filter<S, D> filter, Query query)
         Arguments& a = call.arguments;
         a.borderType = chooseBorder(choices);
         const int reach = a.kernelSize == lumMask3x3 ? 1 : 2;
-        lumcv::test::Margins margins;
-        margins.top = a.borderType & lumBorderInMemTop ? reach : 0;
-        margins.bottom = a.borderType & lumBorderInMemBottom ? reach : 0;
-        margins.left = a.borderType & lumBorderInMemLeft ? reach : 0;
-        margins.right = a.borderType & lumBorderInMemRight ? reach : 0;
+        const auto margins = lumcv::test::promisedMargins(a.borderType, lumcv::test::Margins::all(reach));
         call.images = {{Role::Read, elementOf<S>(), 1, margins}, {Role::Written, elementOf<D>()}};
 
         Lum32s bytes = -1;
@@ -63,21 +54,7 @@ Run fixedMask(Filter<S, D> filter, Query query)
 
 Run sizeQuery(Query query)
 {
-    return [=](Choices& choices, const std::string& name) {
-        Call call = begin(choices, name);
-        call.blocks = {{Role::Written, sizeof(Lum32s)}};
-        call.call = [=](const Arguments& a) {
-            // the result stands at any address; a query of this type is entitled to an aligned one
-            if (!a.blocks[0])
-                return query(a.size(), a.kernelSize, nullptr);
-            Lum32s bytes = 0;
-            std::memcpy(&bytes, a.blocks[0], sizeof bytes);
-            const LumStatus status = query(a.size(), a.kernelSize, &bytes);
-            std::memcpy(a.blocks[0], &bytes, sizeof bytes);
-            return status;
-        };
-        tryCall(choices, std::move(call));
-    };
+    return [=](Choices& choices, const std::string& name) { tryQuery(choices, begin(choices, name), query); };
 }
 
 // The order of the derivative stands in anchor, the sign in divisor.

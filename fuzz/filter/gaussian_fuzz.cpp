@@ -65,12 +65,9 @@ void addKernelViolations(Choices& choices, Call& call)
 
 Call begin(Choices& choices, const std::string& name)
 {
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
+    Call call = beginCall(choices, name);
     Arguments& a = call.arguments;
-    a.width = size.width;
-    a.height = size.height;
+    const LumiSize size = call.arguments.size();
     const int classes[] = {3, 5, 7};
     a.kernelSize = choices.oneIn(2) ? choices.oneOf(classes) : 2 * choices.between(1, size.width > 1000 ? 8 : 25) + 1;
     const Lum32f sigmas[] = {1e-30f, 0.1f, 0.8f, 1, 2.5f, 10, 1e10f, INFINITY};
@@ -99,13 +96,7 @@ LumiSize chooseQueriedSize(Choices& choices, const Arguments& a)
 
 lumcv::test::Margins marginsOf(int border, int kernelSize)
 {
-    const int pixels = kernelSize / 2;
-    lumcv::test::Margins margins;
-    margins.top = border & lumBorderInMemTop ? pixels : 0;
-    margins.bottom = border & lumBorderInMemBottom ? pixels : 0;
-    margins.left = border & lumBorderInMemLeft ? pixels : 0;
-    margins.right = border & lumBorderInMemRight ? pixels : 0;
-    return margins;
+    return lumcv::test::promisedMargins(border, lumcv::test::Margins::all(kernelSize / 2));
 }
 
 enum Block

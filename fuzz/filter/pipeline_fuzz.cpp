@@ -2,14 +2,13 @@
 #include <algorithm>
 #include <cstring>
 
-#include "fuzz/support/call.hpp"
+#include "fuzz/filter/size_query.hpp"
 
 namespace {
 
 using namespace lumcv::fuzz;
 
 using Run = std::function<void(Choices&, const std::string&)>;
-using Query = LumStatus (*)(LumiSize, Lum32s, Lum32s*);
 
 int chooseKernelSize(Choices& choices)
 {
@@ -29,12 +28,9 @@ std::size_t scratchBytes(Query query, LumiSize size, int kernelSize)
 
 Call begin(Choices& choices, const std::string& name)
 {
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
+    Call call = beginCall(choices, name);
     Arguments& a = call.arguments;
-    a.width = size.width;
-    a.height = size.height;
+    const LumiSize size = call.arguments.size();
     // a large image by a long kernel would take all the time there is
     a.kernelSize = size.width > 1000 ? choices.between(1, 7) : chooseKernelSize(choices);
     for (const int wrong : {0, -1, INT32_MIN})
@@ -139,21 +135,7 @@ Run columnPass(LumStatus (*f)(S* const*, D*, Lum32s, LumiSize, const K*, Lum32s,
 
 Run sizeQuery(Query query)
 {
-    return [=](Choices& choices, const std::string& name) {
-        Call call = begin(choices, name);
-        call.blocks = {{Role::Written, sizeof(Lum32s)}};
-        call.call = [=](const Arguments& a) {
-            // the result stands at any address; a query of this type is entitled to an aligned one
-            if (!a.blocks[0])
-                return query(a.size(), a.kernelSize, nullptr);
-            Lum32s bytes = 0;
-            std::memcpy(&bytes, a.blocks[0], sizeof bytes);
-            const LumStatus status = query(a.size(), a.kernelSize, &bytes);
-            std::memcpy(a.blocks[0], &bytes, sizeof bytes);
-            return status;
-        };
-        tryCall(choices, std::move(call));
-    };
+    return [=](Choices& choices, const std::string& name) { tryQuery(choices, begin(choices, name), query); };
 }
 
 const Targets targets{{

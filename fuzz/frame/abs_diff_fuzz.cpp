@@ -11,11 +11,7 @@ template <typename T>
 Run difference(LumStatus (*f)(const T*, Lum32s, const T*, Lum32s, T*, Lum32s, LumiSize), int channels = 1)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
-        const LumiSize size = chooseSize(choices);
-        call.arguments.width = size.width;
-        call.arguments.height = size.height;
+        Call call = beginCall(choices, name);
         const bool inPlace = elementOf<T>() != Element::F32 && choices.oneIn(4);
         call.images = {{Role::Read, elementOf<T>(), channels},
                        {inPlace ? Role::Updated : Role::Read, elementOf<T>(), channels}};
@@ -33,11 +29,7 @@ template <typename T, typename V>
 Run differenceFromConstant(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, V))
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
-        const LumiSize size = chooseSize(choices);
-        call.arguments.width = size.width;
-        call.arguments.height = size.height;
+        Call call = beginCall(choices, name);
         const V value = V(choices.oneIn(2) ? choices.between(-300, 70000) : choices.between(INT32_MIN, INT32_MAX));
         call.arguments.parameter = Lum32f(value);
         call.images = {{Role::Read, elementOf<T>()}, {Role::Written, elementOf<T>()}};

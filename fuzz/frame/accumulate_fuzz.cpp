@@ -18,11 +18,7 @@ using Run = std::function<void(Choices&, const std::string&)>;
 Run target(std::vector<ImageOperand> images, std::function<LumStatus(const Arguments&)> function)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
-        const LumiSize size = chooseSize(choices);
-        call.arguments.width = size.width;
-        call.arguments.height = size.height;
+        Call call = beginCall(choices, name);
         const Lum32f alphas[] = {0, 1, 0.05f, -3, 1e30f};
         call.arguments.parameter = choices.oneOf(alphas);
         call.images = images;

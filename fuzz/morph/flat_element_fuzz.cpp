@@ -45,12 +45,9 @@ template <typename T, typename BorderValue, typename Spec>
 Run apply(Apply<T, BorderValue, Spec> f, Sizes sizes, Init<Spec> init, int channels = 1)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
+        Call call = beginCall(choices, name);
         Arguments& a = call.arguments;
-        const LumiSize size = chooseSize(choices);
-        a.width = size.width;
-        a.height = size.height;
+        const LumiSize size = call.arguments.size();
         const Mask mask = chooseMask(choices, size);
         const int modes[] = {lumBorderReplicate, lumBorderMirror, lumBorderConstant};
         a.borderType = choices.oneOf(modes) | (choices.oneIn(2) ? choices.between(0, 15) << 4 : 0);

@@ -26,12 +26,9 @@ Run apply(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, LumiBorderType,
           Init<Height> init)
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call;
-        call.function = name;
+        Call call = beginCall(choices, name);
         Arguments& a = call.arguments;
-        const LumiSize size = chooseSize(choices);
-        a.width = size.width;
-        a.height = size.height;
+        const LumiSize size = call.arguments.size();
         a.borderType = lumBorderReplicate;
         const int longest = size.width > 1000 ? 4 : 20;
         const LumiSize maskSize{choices.between(1, choices.oneIn(10) ? 4 * longest : longest / 2),

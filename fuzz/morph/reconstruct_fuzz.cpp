@@ -15,21 +15,11 @@ constexpr LumDataType typeCode()
     return elementOf<T>() == Element::U8 ? lumType8u : elementOf<T>() == Element::U16 ? lumType16u : lumType32f;
 }
 
-Call begin(Choices& choices, const std::string& name)
-{
-    Call call;
-    call.function = name;
-    const LumiSize size = chooseSize(choices);
-    call.arguments.width = size.width;
-    call.arguments.height = size.height;
-    return call;
-}
-
 template <typename T>
 Run reconstruct(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, Lum8u*, LumiDistanceNorm))
 {
     return [=](Choices& choices, const std::string& name) {
-        Call call = begin(choices, name);
+        Call call = beginCall(choices, name);
         Arguments& a = call.arguments;
         const LumiSize queried{a.size().width + choices.between(0, 20), a.size().height + choices.between(0, 5)};
         Lum32s bytes = -1;
@@ -52,7 +42,7 @@ Run reconstruct(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, Lum8u*, L
 
 void query(Choices& choices, const std::string& name)
 {
-    Call call = begin(choices, name);
+    Call call = beginCall(choices, name);
     const int types[] = {lumType8u, lumType16u, lumType32f, lumType64f};
     call.arguments.dataType = choices.oneOf(types);
     call.arguments.channels = 1;

@@ -33,8 +33,11 @@ std::size_t sizeOf(Element element)
         case Element::U16:
         case Element::S16:
             return 2;
+        case Element::S32:
         case Element::F32:
             return 4;
+        case Element::F64:
+            return 8;
     }
     std::abort();
 }
@@ -58,8 +61,12 @@ void fillElements(unsigned char* to, std::size_t bytes, Element element, Random&
             return fillAs<Lum16u>(to, bytes, random, values);
         case Element::S16:
             return fillAs<Lum16s>(to, bytes, random, values);
+        case Element::S32:
+            return fillAs<Lum32s>(to, bytes, random, values);
         case Element::F32:
             return fillAs<Lum32f>(to, bytes, random, values);
+        case Element::F64:
+            return fillAs<Lum64f>(to, bytes, random, values);
     }
 }
 
@@ -68,16 +75,17 @@ bool sameElements(const unsigned char* a, const unsigned char* b, std::size_t by
 {
     if (std::memcmp(a, b, bytes) == 0)
         return true;
-    if (element != Element::F32)
-        return false;
-    for (std::size_t at = 0; at < bytes; at += sizeof(Lum32f)) {
-        Lum32f x, y;
-        std::memcpy(&x, a + at, sizeof x);
-        std::memcpy(&y, b + at, sizeof y);
-        if (std::memcmp(&x, &y, sizeof x) != 0 && !(std::isnan(x) && std::isnan(y)))
-            return false;
-    }
-    return true;
+    const auto same = [=]<typename T>(T) {
+        for (std::size_t at = 0; at < bytes; at += sizeof(T)) {
+            T x, y;
+            std::memcpy(&x, a + at, sizeof x);
+            std::memcpy(&y, b + at, sizeof y);
+            if (std::memcmp(&x, &y, sizeof x) != 0 && !(std::isnan(x) && std::isnan(y)))
+                return false;
+        }
+        return true;
+    };
+    return element == Element::F32 ? same(Lum32f{}) : element == Element::F64 && same(Lum64f{});
 }
 
 Guard chooseGuard(Random& random)
@@ -90,8 +98,8 @@ ByteImage placeImage(const ImageOperand& operand, const Arguments& arguments, Ra
 {
     const int elementBytes = int(sizeOf(operand.element));
     test::Layout layout;
-    layout.width = int(arguments.width);
-    layout.height = int(arguments.height);
+    layout.width = int(arguments.width) + operand.extra.width;
+    layout.height = int(arguments.height) + operand.extra.height;
     layout.channels = operand.channels * elementBytes;
     layout.margins = operand.margins;
     layout.guard = chooseGuard(random);
@@ -241,7 +249,7 @@ class Memory
             Lum8u* const row = image.row(y) - m.left * pixelBytes;
             const std::size_t bytes = std::size_t(m.left + width + m.right) * pixelBytes;
             fillElements(row, bytes, operand.element, values, kind);
-            if (operand.role == Role::Mask)
+            if (operand.role == Role::Mask || operand.halfZero)
                 for (std::size_t i = 0; i < bytes; ++i)
                     if (values.oneIn(2))
                         row[i] = 0;
@@ -286,11 +294,19 @@ std::vector<Violation> commonViolations(const Call& call)
                 });
             continue;
         }
+        if (call.ignoresStep)
+            continue;
         const Lum64s elementBytes = Lum64s(sizeOf(operand.element));
-        const Lum64s rowBytes =
-            call.looseStep ? call.arguments.width : call.arguments.width * operand.channels * elementBytes;
-        for (const Lum64s step : {Lum64s{0}, -rowBytes, rowBytes - (call.looseStep ? 1 : elementBytes), Lum64s{-1}})
-            add(name + " step " + std::to_string(step), {lumErrStep}, [i, step](Arguments& a) { a.steps[i] = step; });
+        const Lum64s rowBytes = call.looseStep
+                                    ? call.arguments.width
+                                    : (call.arguments.width + operand.leastExtra) * operand.channels * elementBytes;
+        for (const Lum64s step : {Lum64s{0}, -rowBytes, rowBytes - (call.looseStep ? 1 : elementBytes), Lum64s{-1}}) {
+            if (call.freeStep && step >= 0)
+                continue;
+            const bool isMisaligned = call.alignmentFirst && step % elementBytes != 0;
+            add(name + " step " + std::to_string(step), {isMisaligned ? lumErrStepAlignment : lumErrStep},
+                [i, step](Arguments& a) { a.steps[i] = step; });
+        }
         if (elementBytes > 1 && !call.looseStep)
             add(name + " step misaligned", {lumErrStepAlignment},
                 [=](Arguments& a) { a.steps[i] = rowBytes + elementBytes / 2; });
@@ -298,7 +314,7 @@ std::vector<Violation> commonViolations(const Call& call)
             add(name + " step too large", {lumErrSizeTooLarge}, [i](Arguments& a) { a.steps[i] = 0x80000000; });
     }
     for (const ImageOperand& operand : call.images)
-        if (operand.rowPointers.empty()) {
+        if (operand.rowPointers.empty() && !call.freeStep && !call.ignoresStep) {
             add("width above the strides", {lumErrStep}, [](Arguments& a) { a.width = 1 << 20; });
             break;
         }
@@ -393,6 +409,16 @@ LumiSize chooseSize(Choices& choices)
     if (choices.oneIn(5))
         return {choices.between(1, 12), choices.between(1, 60)};
     return {choices.between(1, 140), choices.between(1, 9)};
+}
+
+Call beginCall(Choices& choices, const std::string& name)
+{
+    Call call;
+    call.function = name;
+    const LumiSize size = chooseSize(choices);
+    call.arguments.width = size.width;
+    call.arguments.height = size.height;
+    return call;
 }
 
 int chooseDivisor(Choices& choices)

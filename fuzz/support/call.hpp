@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "fuzz/support/choices.hpp"
-#include "support/image.hpp"
+#include "support/promised_margins.hpp"
 
 namespace lumcv::fuzz {
 
@@ -26,7 +26,9 @@ enum class Element
     S8,
     U16,
     S16,
-    F32
+    S32,
+    F32,
+    F64
 };
 
 template <typename T>
@@ -41,9 +43,13 @@ constexpr Element elementOf()
         return Element::U16;
     else if constexpr (std::is_same_v<U, Lum16s>)
         return Element::S16;
-    else {
-        static_assert(std::is_same_v<U, Lum32f>);
+    else if constexpr (std::is_same_v<U, Lum32s>)
+        return Element::S32;
+    else if constexpr (std::is_same_v<U, Lum32f>)
         return Element::F32;
+    else {
+        static_assert(std::is_same_v<U, Lum64f>);
+        return Element::F64;
     }
 }
 
@@ -66,6 +72,11 @@ struct ImageOperand
     test::Margins margins = {};
     // For functions that take an array of row pointers: which row each of them is. A plain image has none.
     std::vector<int> rowPointers = {};
+    // Columns and rows that the image has beyond the ROI, to its right and below. They belong to it: a table's, say.
+    LumiSize extra = {0, 0};
+    int leastExtra = 0;  // how many of these columns the stride is held against
+    // Of an updated image: half of its elements are zero, as in a mask.
+    bool halfZero = false;
 };
 
 struct BlockOperand
@@ -132,9 +143,12 @@ struct Call
     std::vector<Violation> violations = {};
     std::function<void(Arguments&)> prepare = {};  // lays records
     std::function<LumStatus(const Arguments&)> call;
-    bool looseStep = false;  // strides are held against the width in pixels, and not against the element size
-    bool longStep = false;   // strides and sizes have 64 bits
+    bool looseStep = false;       // strides are held against the width in pixels, and not against the element size
+    bool freeStep = false;        // strides are refused if they are negative, and for nothing else
+    bool alignmentFirst = false;  // of a stride: whether it is a whole number of elements, and only then its size
+    bool longStep = false;        // strides and sizes have 64 bits
     bool ignoresSize = false;
+    bool ignoresStep = false;  // strides are not tested
 
     std::string text() const;
 };
@@ -150,6 +164,9 @@ void printAnnouncement();
 
 // Sizes around lane counts for the most part; once in a while enough pixels for the treatment of large images.
 LumiSize chooseSize(Choices& choices);
+
+/// A call of a function on a ROI of a size that is chosen.
+Call beginCall(Choices& choices, const std::string& name);
 int chooseDivisor(Choices& choices);
 // A border value that filters accept, and one that they do not.
 int chooseBorder(Choices& choices);

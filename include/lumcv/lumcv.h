@@ -7,9 +7,12 @@
 #ifndef LUMCV_H
 #define LUMCV_H
 
+#include "feature.h"
 #include "filter.h"
 #include "frame.h"
+#include "integral.h"
 #include "morph.h"
+#include "stats.h"
 #include "types.h"
 
 #endif

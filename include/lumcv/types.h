@@ -164,6 +164,7 @@ enum
     lumType8u = 1,   /**< Lum8u */
     lumType16u = 5,  /**< Lum16u */
     lumType16s = 7,  /**< Lum16s */
+    lumType32s = 11, /**< Lum32s */
     lumType32f = 13, /**< Lum32f */
     lumType64f = 19  /**< Lum64f */
 };

@@ -2,8 +2,10 @@
 // line. A running sum waits for its own last addition, so that of several rows are in flight at once.
 #include "filter/box.hpp"
 
+#include "filter/extended_row.hpp"
 #include "frame/border.hpp"
 #include "frame/checks.hpp"
+#include "frame/rounding.hpp"
 #include "simd/simd.hpp"
 
 namespace lumcv {
@@ -63,19 +65,18 @@ void sumColumns(const BoxImages& images, int64_t y, Lum32f* line)
 
     for (int64_t j = 0; j < images.window.height; ++j) {
         const int64_t r = y - images.window.above() + j;
-        const bool inMemory = r < 0 ? border.top : r < height || border.bottom;
+        const SourceRow source = sourceRow(r, height, border);
         const auto add = [=](auto addend) {
             if (j == 0)
                 fill(line + first, last - first, addend);
             else
                 addTo(line + first, last - first, addend);
         };
-        if (!inMemory && isConstant) {
+        if (source.isConstant) {
             const Lum32f value = *images.borderValue;
             add([=](int64_t, auto lanes) { return simd::broadcast<lanes>(value); });
         } else {
-            const Lum32f* const row =
-                images.src.row(inMemory ? r : borderIndex(r, height, border.mode)) + first - before;
+            const Lum32f* const row = images.src.row(source.index) + first - before;
             add([=](int64_t x, auto lanes) { return simd::load<lanes>(row + x); });
         }
     }
@@ -130,15 +131,6 @@ void filterRows(const BoxImages& images, int64_t y, Lum32f* lines, int64_t pitch
     averageRows<rows>(images, y, lines, pitch);
 }
 
-void copyRows(const BoxImages& images)
-{
-    for (int64_t y = 0; y < images.roiSize.height; ++y) {
-        const Lum32f* const row = images.src.row(y);
-        fill(images.dst.row(y), images.roiSize.width,
-             [=](int64_t x, auto lanes) { return simd::load<lanes>(row + x); });
-    }
-}
-
 }  // namespace
 
 LumStatus lumBoxFilter_32f(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum32s dstStep, LumiSize roiSize,
@@ -150,7 +142,7 @@ LumStatus lumBoxFilter_32f(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum
                                  .size(roiSize)
                                  .require(maskSize.width >= 1 && maskSize.height >= 1, lumErrMaskSize)
                                  .require(isFilterBorder(borderType), lumErrBorder)
-                                 .require((borderType & 15) != lumBorderConstant || pBorderValue, lumErrNullPointer)
+                                 .require(hasBorderValue(borderType, pBorderValue), lumErrNullPointer)
                                  .status();
     if (status != lumOk)
         return status;
@@ -158,10 +150,11 @@ LumStatus lumBoxFilter_32f(const Lum32f* pSrc, Lum32s srcStep, Lum32f* pDst, Lum
                            widened(roiSize),      {maskSize.width, maskSize.height},
                            Border(borderType),    pBorderValue};
     if (maskSize.width == 1 && maskSize.height == 1) {
-        copyRows(images);
+        for (int64_t y = 0; y < images.roiSize.height; ++y)
+            convertElements(images.src.row(y), images.roiSize.width, images.dst.row(y));
         return lumOk;
     }
-    const auto lines = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(pBuffer) + 63) / 64 * 64);
+    const auto lines = reinterpret_cast<Lum32f*>(alignedUp(pBuffer, 64));
     const int64_t pitch = boxLinePitch(roiSize.width, maskSize.width);
     int64_t y = 0;
     for (; y + boxRows <= roiSize.height; y += boxRows)

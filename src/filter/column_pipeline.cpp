@@ -3,6 +3,7 @@
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
 #include "filter/words.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/large_image.hpp"
 #include "lumcv/filter.h"
@@ -197,12 +198,8 @@ LumStatus columnPipelineLow(const ColumnCall<Lum16s, Lum16s>& call, const Lum16s
 template <class Scratch>
 LumStatus columnPipelineSize(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize, int channels, Scratch scratch)
 {
-    auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(kernelSize >= 1, lumErrSize);
-    const int64_t bytes = scratch(roiSize.width, kernelSize, channels);
-    if (checks.require(bytes <= INT_MAX, lumErrSizeTooLarge).failed())
-        return checks.status();
-    *pBufferSize = static_cast<Lum32s>(bytes);
-    return lumOk;
+    const auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(kernelSize >= 1, lumErrSize);
+    return checks.failed() ? checks.status() : storeSize(scratch(roiSize.width, kernelSize, channels), pBufferSize);
 }
 
 }  // namespace

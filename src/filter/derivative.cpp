@@ -2,10 +2,26 @@
 #include "filter/derivative.hpp"
 
 #include "filter/mask_bands.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/rounding.hpp"
 
 namespace lumcv {
+
+int64_t derivativeScratch(LumiSizeL roiSize, LumiMaskSize mask, LumDataType srcType)
+{
+    const auto [width, height] = roiSize;
+    const bool isSmall = mask == lumMask3x3;
+    const int64_t sides = isSmall ? 1 : 2;
+    const int64_t rows = (isSmall ? 3 : 7) * ((width > height ? width : height) + (isSmall ? 2 : 4));
+    const int64_t elementBytes = srcType == lumType16s ? 2 : 4;
+    const int64_t bytes = srcType == lumType8u
+                              ? rows
+                              : roundedUp(rows * elementBytes, 32) + roundedUp(4 * width, 32) * 2 * sides +
+                                    roundedUp((width + height) * 2 * sides * elementBytes, 32);
+    return roundedUp(bytes, 32) + 32;
+}
+
 namespace {
 
 // What a code selects, for each mask.
@@ -24,22 +40,6 @@ constexpr bool isMaskOf(LumDerivCode code, LumiMaskSize mask)
     return mask == lumMask3x3 || (mask == lumMask5x5 && !isScharr);
 }
 
-/// The bytes of lumDerivGetBufferSize().
-int64_t derivativeScratch(LumiSize roiSize, LumiMaskSize mask, LumDataType srcType)
-{
-    const int64_t width = roiSize.width;
-    const int64_t height = roiSize.height;
-    const bool isSmall = mask == lumMask3x3;
-    const int64_t sides = isSmall ? 1 : 2;
-    const int64_t rows = (isSmall ? 3 : 7) * ((width > height ? width : height) + (isSmall ? 2 : 4));
-    const int64_t elementBytes = srcType == lumType16s ? 2 : 4;
-    const int64_t bytes = srcType == lumType8u
-                              ? rows
-                              : roundedUp(rows * elementBytes, 32) + roundedUp(4 * width, 32) * 2 * sides +
-                                    roundedUp((width + height) * 2 * sides * elementBytes, 32);
-    return roundedUp(bytes, 32) + 32;
-}
-
 template <class S, class D>
 LumStatus derivative(Plane<const S> src, Plane<D> dst, LumiSize roiSize, LumiMaskSize mask, LumiBorderType borderType,
                      S borderValue, Lum8u* pBuffer, LumDerivCode code)
@@ -55,7 +55,7 @@ LumStatus derivative(Plane<const S> src, Plane<D> dst, LumiSize roiSize, LumiMas
     if (status != lumOk)
         return status;
     const MaskImages<S, D> images{src, dst, widened(roiSize), Border(borderType), borderValue, false};
-    LineSpace<Lum8u> space(pBuffer, derivativeScratch(roiSize, mask, sizeof(S) == 1 ? lumType8u : lumType32f));
+    LineSpace<Lum8u> space(pBuffer, derivativeScratch(images.roiSize, mask, sizeof(S) == 1 ? lumType8u : lumType32f));
     const bool isSmall = mask == lumMask3x3;
     switch (code) {
         case lumDerivSobelX:
@@ -178,11 +178,7 @@ LumStatus lumDerivGetBufferSize(LumiSize roiSize, LumiMaskSize mask, LumDataType
                       .require(numChannels == 1, lumErrChannels);
     if (checks.failed())
         return checks.status();
-    const int64_t bytes = derivativeScratch(roiSize, mask, srcType);
-    if (bytes > INT_MAX)
-        return lumErrSizeTooLarge;
-    *pBufferSize = static_cast<Lum32s>(bytes);
-    return lumOk;
+    return storeSize(derivativeScratch(widened(roiSize), mask, srcType), pBufferSize);
 }
 
 LumStatus lumDerivSobelXGetBufferSize(LumiSize roiSize, LumiMaskSize mask, LumDataType srcType, LumDataType dstType,

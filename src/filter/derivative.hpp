@@ -30,6 +30,8 @@
 // width; the caller has done so.
 #pragma once
 
+#include <cstdint>
+
 #include "lumcv/types.h"
 
 namespace lumcv {
@@ -83,6 +85,9 @@ LumStatus lumDerivSobelXNeg_8u16s(const Lum8u* pSrc, Lum32s srcStep, Lum16s* pDs
 /// or 16s to 16s; lumErrChannels unless there is one; lumErrSizeTooLarge if the size exceeds 31 bits.
 LumStatus lumDerivGetBufferSize(LumiSize roiSize, LumiMaskSize mask, LumDataType srcType, LumDataType dstType,
                                 Lum32s numChannels, Lum32s* pBufferSize);
+
+/// The size itself, for arguments that pass.
+int64_t derivativeScratch(LumiSizeL roiSize, LumiMaskSize mask, LumDataType srcType);
 
 /// The same; but first of all a 16s source is lumErrDataType.
 LumStatus lumDerivSobelXGetBufferSize(LumiSize roiSize, LumiMaskSize mask, LumDataType srcType, LumDataType dstType,

@@ -1,6 +1,7 @@
 // Laplacian, lowpass and Sobel cross: fixed masks of 3x3 and 5x5 pixels.
 #include "filter/mask_bands.hpp"
 #include "filter/pipeline_sizes.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/large_image.hpp"
 #include "lumcv/filter.h"
@@ -104,47 +105,32 @@ struct WordLowpass5
     }
 };
 
-// Scratch sizes. k is the mask's width; the rows are those of the ring, whose pitch is rounded up.
-
-constexpr int64_t ringRows(int64_t k)
-{
-    return 2 * k + 15;
-}
+// Scratch sizes. k is the mask's width.
 
 constexpr int64_t pipelines_8u16s(int64_t width, int64_t k)
 {
     return rowScratch_8u16s_C1.bytes(k) + columnScratch_16s(width, k, 1);
 }
 
-constexpr int64_t pipelines_32f(int64_t width, int64_t k)
-{
-    return rowScratch_32f_C1.bytes(k) + columnScratch_32f(width, k, 1);
-}
-
 /// Lowpass and Sobel cross of 8u.
 constexpr int64_t scratch_8u(int64_t width, int64_t k)
 {
-    return (2 * width + 30) / 32 * 32 * ringRows(k) + 24 * k + 368 + pipelines_8u16s(width, k);
-}
-
-constexpr int64_t lowpassScratch_32f(int64_t width, int64_t k)
-{
-    return (4 * width + 60) / 64 * 64 * ringRows(k) + 24 * k + 304 + pipelines_32f(width, k);
+    return (2 * width + 30) / 32 * 32 * maskRingRows(k) + 24 * k + 368 + pipelines_8u16s(width, k);
 }
 
 constexpr int64_t sobelCrossScratch_32f(int64_t width, int64_t k)
 {
-    return (4 * width + 60) / 64 * 64 * ringRows(k) + 24 * k + 368 + pipelines_32f(width, k);
+    return (4 * width + 60) / 64 * 64 * maskRingRows(k) + 24 * k + 368 + pipelines_32f(width, k);
 }
 
 constexpr int64_t laplacianScratch_8u16s(int64_t width, int64_t k)
 {
-    return (4 * width + 60) / 64 * 64 * ringRows(k) + 48 * k + 576 + pipelines_8u16s(width, k);
+    return (4 * width + 60) / 64 * 64 * maskRingRows(k) + 48 * k + 576 + pipelines_8u16s(width, k);
 }
 
 constexpr int64_t laplacianScratch_32f(int64_t width, int64_t k)
 {
-    return (8 * width + 120) / 128 * 128 * ringRows(k) + 48 * k + 576 + pipelines_32f(width, k);
+    return (8 * width + 120) / 128 * 128 * maskRingRows(k) + 48 * k + 576 + pipelines_32f(width, k);
 }
 
 using Scratch = int64_t (*)(int64_t width, int64_t k);
@@ -159,11 +145,7 @@ LumStatus maskSize(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize, Scr
     auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(isMask(mask), lumErrMaskSize);
     if (checks.failed())
         return checks.status();
-    const int64_t bytes = scratch(roiSize.width, mask % 10);
-    if (bytes > INT_MAX)
-        return lumErrSizeTooLarge;
-    *pBufferSize = static_cast<Lum32s>(bytes);
-    return lumOk;
+    return storeSize(scratch(roiSize.width, mask % 10), pBufferSize);
 }
 
 /// What the exports hand on.

@@ -135,7 +135,7 @@ void filterImage(const SeparableImages<T, T, channels>& images, const Taps& taps
     const GaussianFolds<Taps, ChannelCount<channels>> kernel{taps, channelCount<channels>()};
     const int64_t width = images.roiSize.width;
     const int64_t pitch = gaussianRingPitch(width, channels) / static_cast<int64_t>(sizeof(Lum32f));
-    const auto rows = reinterpret_cast<Lum32f*>((reinterpret_cast<uintptr_t>(buffer) + 63) / 64 * 64);
+    const auto rows = reinterpret_cast<Lum32f*>(alignedUp(buffer, 64));
     filterBands(images, kernel,
                 {{rows, pitch, kernel.height()},
                  rows + kernel.height() * pitch,
@@ -153,7 +153,7 @@ LumStatus filter(Checks checks, Plane<const T> src, Plane<T> dst, LumiSizeL roiS
         .require(static_cast<Lum32u>(borderType) <= largestFilterBorder, lumErrBorder);
     if (hasAllSidesInMemory(borderType))
         borderType = lumBorderInMem;
-    checks.require((borderType & 15) != lumBorderConstant || borderValue, lumErrNullPointer)
+    checks.require(hasBorderValue(borderType, borderValue), lumErrNullPointer)
         .require(isFilterBorder(borderType), lumErrBorder);
     if (checks.failed())
         return checks.status();

@@ -6,6 +6,7 @@
 #include "filter/pipeline_sizes.hpp"
 #include "frame/block.hpp"
 #include "frame/border.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 
 namespace lumcv {
@@ -113,12 +114,6 @@ Lum32f weight(Lum32s d, Lum32f s)
     return d == 0 ? 1.0f : exponential(-0.5f * static_cast<Lum32f>(d) * static_cast<Lum32f>(d) * s);
 }
 
-/// The first address not below p that is a multiple of `multiple`.
-Lum8u* alignedUp(Lum8u* p, uintptr_t multiple)
-{
-    return p + (-reinterpret_cast<uintptr_t>(p) & (multiple - 1));
-}
-
 /// One half of the kernel and its centre, in single precision, divided by the sum of the whole kernel.
 void layHalf(const GaussianHeader& header, Lum32f s, Lum8u* record)
 {
@@ -178,9 +173,7 @@ GaussianKernel gaussianKernel(const LumFilterGaussianSpec* pSpec)
         record += firstRecordSize(header.kernelSize, header.dataType);
         std::memcpy(&header, record, sizeof header);
     }
-    const auto table = reinterpret_cast<uintptr_t>(record + sizeof header);
-    return {header, reinterpret_cast<const Lum32f*>((table + tableOffsetOfSecond - 1) / tableOffsetOfSecond *
-                                                    tableOffsetOfSecond)};
+    return {header, reinterpret_cast<const Lum32f*>(alignedUp(record + sizeof header, tableOffsetOfSecond))};
 }
 
 }  // namespace lumcv
@@ -212,11 +205,7 @@ LumStatus lumiFilterGaussianGetBufferSize(LumiSize roiSize, Lum32s kernelSize, L
     int64_t buffer = ringSize(size, kernelSize, numChannels);
     if (const int64_t pipelines = pipelineSize(size, kernelSize, dataType, numChannels); pipelines > buffer)
         buffer = pipelines;
-    if (buffer > largestSize)
-        return lumErrSizeTooLarge;
-    *pSpecSize = static_cast<Lum32s>(spec);
-    *pBufferSize = static_cast<Lum32s>(buffer);
-    return lumOk;
+    return storeSizes(spec, pSpecSize, buffer, pBufferSize);
 }
 
 LumStatus lumiFilterGaussianGetBufferSize_L(LumiSizeL roiSize, Lum32s kernelSize, LumDataType dataType,

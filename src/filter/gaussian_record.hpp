@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "frame/rounding.hpp"
 #include "lumcv/filter.h"
 
 namespace lumcv {
@@ -39,7 +40,7 @@ GaussianKernel gaussianKernel(const LumFilterGaussianSpec* pSpec);
 /// Bytes from one row of the ring to the next.
 constexpr int64_t gaussianRingPitch(int64_t width, int channels)
 {
-    return (4 * width * channels + 63) / 64 * 64;
+    return roundedUp(4 * width * channels, 64);
 }
 
 }  // namespace lumcv

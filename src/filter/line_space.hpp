@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "lumcv/types.h"
+#include "frame/rounding.hpp"
 
 namespace lumcv {
 
@@ -13,10 +13,10 @@ class LineSpace
   public:
     LineSpace(Lum8u* scratch, int64_t scratchBytes)
     {
-        const int64_t slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(scratch) % alignment);
-        const int64_t room = (scratchBytes - slack) / static_cast<int64_t>(sizeof(Element));
+        Lum8u* const aligned = alignedUp(scratch, alignment);
+        const int64_t room = (scratchBytes - (aligned - scratch)) / static_cast<int64_t>(sizeof(Element));
         if (room > size_) {
-            data_ = reinterpret_cast<Element*>(scratch + slack);
+            data_ = reinterpret_cast<Element*>(aligned);
             size_ = room;
         }
     }

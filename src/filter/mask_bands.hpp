@@ -367,9 +367,9 @@ class MaskBand
     void eachRun(const RingStep& step, Run run)
     {
         const int64_t height = images_.roiSize.height;
-        const int64_t next = step.row + 1 < 0 ? 0 : step.row + 1 < height ? step.row + 1 : height - 1;
+        const int64_t next = step.row.index + 1 < 0 ? 0 : step.row.index + 1 < height ? step.row.index + 1 : height - 1;
         const S* const ahead = isShort() ? edge_ : images_.src.row(next) + begin_;
-        if (step.isConstant) {
+        if (step.row.isConstant) {
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
                 edge_[x] = images_.borderValue;
             const MaskSource<S> constant{edge_ + reach, 0, ahead};
@@ -378,7 +378,7 @@ class MaskBand
             run(constant, blocks_ - 1, blocks_, offset(blocks_ - 1));
             return;
         }
-        const ExtendedRow<S, 1> row{images_.src.row(step.row), images_.roiSize.width, images_.border,
+        const ExtendedRow<S, 1> row{images_.src.row(step.row.index), images_.roiSize.width, images_.border,
                                     &images_.borderValue};
         const auto single = [&](int64_t i) {
             const int64_t x = begin_ + offset(i);

@@ -8,7 +8,7 @@
 
 namespace lumcv {
 
-// factor * tap, for all that a tap can be: a number, the words of pixels, floats.
+// factor * tap, for all that a tap can be: a number, the words of pixels, words in order, floats.
 
 template <int factor>
 constexpr int times(int tap)
@@ -23,6 +23,15 @@ template <int factor, int N>
         return tap + tap;
     else
         return tap * Lum16s{factor};
+}
+
+template <int factor, int N>
+[[gnu::always_inline]] inline auto times(simd::Vec<Lum16s, N> tap)
+{
+    if constexpr (factor == 2)
+        return tap + tap;
+    else
+        return tap * simd::broadcast<N>(Lum16s{factor});
 }
 
 template <int factor, int N>

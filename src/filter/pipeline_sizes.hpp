@@ -1,4 +1,5 @@
-// What the row and column pipelines ask of their scratch, in bytes. The constants are part of the library's interface.
+// What the row and column pipelines, and what is built on them, ask of their scratch, in bytes. The constants are part
+// of the library's interface.
 #pragma once
 
 #include <cstdint>
@@ -43,6 +44,23 @@ constexpr int64_t columnScratch_16u(int64_t width, int64_t kernelSize, int chann
 constexpr int64_t columnScratch_Low_16s(int64_t width, int64_t, int channels)
 {
     return 6 * channels * roundedUp(width, 8) + 64;
+}
+
+// The fixed masks: k is the mask's width, the rows are those of a ring, whose pitch is rounded up.
+
+constexpr int64_t maskRingRows(int64_t k)
+{
+    return 2 * k + 15;
+}
+
+constexpr int64_t pipelines_32f(int64_t width, int64_t k)
+{
+    return rowScratch_32f_C1.bytes(k) + columnScratch_32f(width, k, 1);
+}
+
+constexpr int64_t lowpassScratch_32f(int64_t width, int64_t k)
+{
+    return (4 * width + 60) / 64 * 64 * maskRingRows(k) + 24 * k + 304 + pipelines_32f(width, k);
 }
 
 }  // namespace lumcv

@@ -8,6 +8,7 @@
 #include "filter/pipeline_sizes.hpp"
 #include "filter/store_row.hpp"
 #include "filter/words.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "lumcv/filter.h"
 
@@ -44,7 +45,7 @@ LumStatus check(const RowCall<S, D, channels>& call, const void* pKernel, Lum32s
         checks.require(isFilterBorder(call.borderType), lumErrBorder).require(divisor != 0, lumErrArgument);
     else
         checks.require(divisor != 0, lumErrArgument).require(isFilterBorder(call.borderType), lumErrBorder);
-    return checks.require((call.borderType & 15) != lumBorderConstant || call.borderValue, lumErrNullPointer).status();
+    return checks.require(hasBorderValue(call.borderType, call.borderValue), lumErrNullPointer).status();
 }
 
 /// Calls piece(line, dst, n) for each piece of each row: n elements are to be stored at dst, and the first tap of the
@@ -88,14 +89,13 @@ LumStatus rowPipeline(const RowCall<S, D, channels>& call, const K* pKernel, Lum
     if (status != lumOk)
         return status;
     const int64_t k = call.kernelSize;
-    const auto slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(call.buffer) % sizeof(Lum32f));
-    const auto coefficients = reinterpret_cast<Lum32f*>(call.buffer + slack);
+    auto* const coefficients = alignedIn<Lum32f>(call.buffer);
     const Lum32f scale = 1.0f / static_cast<Lum32f>(divisor);
     for (int64_t i = 0; i < k; ++i)
         coefficients[i] = static_cast<Lum32f>(pKernel[i]) * scale;
 
-    const int64_t used = slack + k * static_cast<int64_t>(sizeof(Lum32f));
-    LineSpace<Lum32f> space(call.buffer + used, call.scratch.bytes(k) - used);
+    auto* const rest = reinterpret_cast<Lum8u*>(coefficients + k);
+    LineSpace<Lum32f> space(rest, call.scratch.bytes(k) - (rest - call.buffer));
     withTaps(coefficients, k, [&](auto taps) {
         eachPiece(call, space, [&](const Lum32f* line, D* dst, int64_t n) {
             convolve(RowConvolution<decltype(taps), ChannelCount<channels>>{taps, line, channelCount<channels>()}, dst,
@@ -155,11 +155,8 @@ LumStatus rowPipelineLow(const RowCall<Lum16s, Lum16s, channels>& call, const Lu
 
 LumStatus rowPipelineSize(LumiSize roiSize, Lum32s kernelSize, Lum32s* pBufferSize, RowScratch scratch)
 {
-    auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(kernelSize >= 1, lumErrSize);
-    checks.require(scratch.bytes(kernelSize) <= INT_MAX, lumErrSizeTooLarge);
-    if (!checks.failed())
-        *pBufferSize = static_cast<Lum32s>(scratch.bytes(kernelSize));
-    return checks.status();
+    const auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(kernelSize >= 1, lumErrSize);
+    return checks.failed() ? checks.status() : storeSize(scratch.bytes(kernelSize), pBufferSize);
 }
 
 }  // namespace

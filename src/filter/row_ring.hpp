@@ -49,8 +49,7 @@ struct RingRows
 /// One move of the ring: which row comes in, and which output row it completes.
 struct RingStep
 {
-    bool isConstant;    ///< the row stands beyond a constant border: it holds the border value
-    int64_t row;        ///< otherwise the source row; outside [0, height) only on a side in memory
+    SourceRow row;
     int64_t slot;       ///< where it goes
     int64_t output;     ///< the output row for which the ring now holds every tap, or negative while it fills
     int64_t firstSlot;  ///< the slot of that output row's first tap
@@ -64,11 +63,8 @@ inline void walkRows(int64_t slots, int64_t height, int64_t before, Border borde
     const int64_t after = slots - 1 - before;
     int64_t slot = 0;
     for (int64_t r = -before; r < height + after; ++r) {
-        const bool inMemory = r < 0 ? border.top : r < height || border.bottom;
-        const bool isConstant = !inMemory && border.mode == lumBorderConstant;
         const int64_t next = slot + 1 == slots ? 0 : slot + 1;
-        advance(RingStep{isConstant, inMemory || isConstant ? r : borderIndex(r, height, border.mode), slot, r - after,
-                         next});
+        advance(RingStep{sourceRow(r, height, border), slot, r - after, next});
         slot = next;
     }
 }

@@ -148,9 +148,11 @@ template <class S, class D, int channels>
     const int64_t rows = header.kernelHeight;
     const int64_t neighbours = int64_t{header.kernelWidth - 1} * channels;
     const int64_t elementSize = header.kernelType == kernelOfWords ? sizeof(Lum16s) : sizeof(Lum32f);
-    const auto slack = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(buffer) % alignment);
-    const int64_t bytes = separableScratch(width, {header.kernelWidth, header.kernelHeight}, elementSize, channels);
-    const int64_t floats = (bytes - slack) / floatSize;
+    Lum8u* const aligned = alignedUp(buffer, alignment);
+    // apply works in a block of the queried size, which an address can count
+    const auto bytes =
+        static_cast<int64_t>(separableScratch(width, {header.kernelWidth, header.kernelHeight}, elementSize, channels));
+    const int64_t floats = (bytes - (aligned - buffer)) / floatSize;
 
     int64_t room = (floats - neighbours - header.kernelWidth - rows) / (rows + 1);  // of a row
     if (room > lineFloats)
@@ -158,7 +160,7 @@ template <class S, class D, int channels>
     const int64_t cached = cachedColumns(rows, channels);
     const int64_t columns = evenBands(width, cached < room / channels ? cached : room / channels);
     const int64_t rounded = roundedUp(columns * channels, lineFloats);
-    const RowRing ring{reinterpret_cast<Lum32f*>(buffer + slack), rounded < room ? rounded : room, rows};
+    const RowRing ring{reinterpret_cast<Lum32f*>(aligned), rounded < room ? rounded : room, rows};
     Lum32f* const line = ring.slot(rows);
     const BandSpace space{ring, line, columns};
     const Coefficients k = readKernels(header, line + columns * channels + neighbours);
@@ -202,7 +204,7 @@ Checks pointerChecks(Plane<const S> src, Plane<D> dst, LumiBorderType borderType
 {
     return Checks{}
         .notNull(src.pixels, dst.pixels, pSpec, buffer)
-        .require((borderType & 15) != lumBorderConstant || borderValue, lumErrNullPointer);
+        .require(hasBorderValue(borderType, borderValue), lumErrNullPointer);
 }
 
 template <int channels, class S, class D>
@@ -222,13 +224,11 @@ LumStatus separableL(Plane<const S> src, Plane<D> dst, LumiSizeL roiSize, LumiBo
                      const S* borderValue, const LumFilterSeparableSpec* pSpec, Lum8u* buffer)
 {
     const simd::DenormalsMasked masked;
-    constexpr int64_t srcPixel = channels * sizeof(S);
-    constexpr int64_t dstPixel = channels * sizeof(D);
-    const auto checks =
-        pointerChecks(src, dst, borderType, borderValue, pSpec, buffer)
-            .within31Bits(roiSize.width, roiSize.height, src.step, dst.step)
-            .size(roiSize)
-            .require(src.step / srcPixel >= roiSize.width && dst.step / dstPixel >= roiSize.width, lumErrStep);
+    const auto checks = pointerChecks(src, dst, borderType, borderValue, pSpec, buffer)
+                            .within31Bits(roiSize.width, roiSize.height, src.step, dst.step)
+                            .size(roiSize)
+                            .rowFits(src, roiSize.width, channels)
+                            .rowFits(dst, roiSize.width, channels);
     return filter<channels>(checks, src, dst, roiSize, borderType, borderValue, pSpec, buffer);
 }
 

@@ -104,14 +104,14 @@ void filterBand(const SeparableImages<S, D, channels>& images, const Kernel& ker
         Lum32f* const slot = ring.slot(step.slot);
         D* const out = images.dst.row(step.output) + begin * channels;
         const auto across = kernel.across(ring, step.firstSlot);
-        if (step.isConstant) {
+        if (step.row.isConstant) {
             for (int64_t x = 0; x < n; ++x)
                 slot[x] = kernel.constant(static_cast<Lum32f>(images.borderValue[x % channels]));
             if (step.output >= 0)
                 filterOut<Kernel>(across, out, n, isLarge);
             return;
         }
-        const ExtendedRow<S, channels> row{images.src.row(step.row), images.roiSize.width, images.border,
+        const ExtendedRow<S, channels> row{images.src.row(step.row.index), images.roiSize.width, images.border,
                                            images.borderValue};
         const Lum32f* line = space;
         if (std::is_same_v<S, Lum32f> && row.isInMemory(first, last))
@@ -120,7 +120,7 @@ void filterBand(const SeparableImages<S, D, channels>& images, const Kernel& ker
             row.read(first, last, space);
         if (step.output >= 0)
             filterThrough<Kernel, S, D>(kernel.along(line), slot, across, out, n, isLarge,
-                                        {ahead(images.src, step.row), ahead(images.dst, step.output)});
+                                        {ahead(images.src, step.row.index), ahead(images.dst, step.output)});
         else
             filterIn<Kernel, D>(kernel.along(line), slot, n);
     });

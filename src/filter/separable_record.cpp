@@ -7,24 +7,15 @@
 
 namespace lumcv {
 
-int64_t separableScratch(int64_t width, LumiSize kernelSize, int64_t elementSize, int64_t channels)
+Bytes separableScratch(int64_t width, LumiSize kernelSize, int64_t elementSize, int64_t channels)
 {
-    const int64_t kw = kernelSize.width;
-    const int64_t kh = kernelSize.height;
-    const int64_t ring = (kw + width - 1) * kh;  // of 32 and 31 bits
-    int64_t size = 0;
-    const bool isTooLarge = __builtin_add_overflow(kw * elementSize, ring, &size) ||
-                            __builtin_mul_overflow(size, 4 * channels, &size) ||
-                            __builtin_add_overflow(size, 256 * kw + 8 * kh, &size);
-    return isTooLarge ? -1 : size;
+    const Bytes kw = kernelSize.width;
+    const Bytes kh = kernelSize.height;
+    const Bytes ring = (kw + width - 1) * kh;
+    return (kw * elementSize + ring) * 4 * channels + 256 * kw + 8 * kh;
 }
 
 namespace {
-
-constexpr bool isChannelCount(Lum32s numChannels)
-{
-    return numChannels == 1 || numChannels == 3 || numChannels == 4;
-}
 
 constexpr bool isKernelType(LumDataType type)
 {
@@ -37,48 +28,36 @@ constexpr int64_t kernelElementSize(LumDataType type)
 }
 
 template <class Count>
-constexpr bool fits(int64_t size)
-{
-    return sizeof(Count) == sizeof size || size <= INT_MAX;
-}
-
-template <class Count>
 LumStatus specSize(LumiSize kernelSize, LumDataType dataType, Lum32s numChannels, Count* pSpecSize)
 {
-    const int64_t size = (int64_t{kernelSize.width} + kernelSize.height) * kernelElementSize(dataType) + 127;
-    const LumStatus status = Checks{}
-                                 .size(kernelSize)
-                                 .notNull(pSpecSize)
-                                 .require(isKernelType(dataType), lumErrDataType)
-                                 .require(isChannelCount(numChannels), lumErrValue)
-                                 .require(fits<Count>(size), lumErrSizeTooLarge)
-                                 .status();
-    if (status == lumOk)
-        *pSpecSize = static_cast<Count>(size);
-    return status;
+    const auto checks = Checks{}
+                            .size(kernelSize)
+                            .notNull(pSpecSize)
+                            .require(isKernelType(dataType), lumErrDataType)
+                            .require(isChannelCount(numChannels), lumErrValue);
+    if (checks.failed())
+        return checks.status();
+    return storeSize((Bytes{kernelSize.width} + kernelSize.height) * kernelElementSize(dataType) + 127, pSpecSize);
 }
 
 template <class Count>
 LumStatus bufferSize(LumiSizeL roiSize, LumiSize kernelSize, LumDataType dataType, LumDataType kernelType,
                      Lum32s numChannels, Count* pBufferSize)
 {
-    auto checks = Checks{}
-                      .notNull(pBufferSize)
-                      .size(roiSize)
-                      .size(kernelSize)
-                      .within31Bits(roiSize.width, roiSize.height)
-                      .require(dataType == lumType8u || dataType == lumType16u || dataType == lumType16s ||
-                                   dataType == lumType32f,
-                               lumErrDataType)
-                      .require(isKernelType(kernelType), lumErrDataType)
-                      .require(isChannelCount(numChannels), lumErrValue);
+    const auto checks = Checks{}
+                            .notNull(pBufferSize)
+                            .size(roiSize)
+                            .size(kernelSize)
+                            .within31Bits(roiSize.width, roiSize.height)
+                            .require(dataType == lumType8u || dataType == lumType16u || dataType == lumType16s ||
+                                         dataType == lumType32f,
+                                     lumErrDataType)
+                            .require(isKernelType(kernelType), lumErrDataType)
+                            .require(isChannelCount(numChannels), lumErrValue);
     if (checks.failed())
         return checks.status();
-    const int64_t size = separableScratch(roiSize.width, kernelSize, kernelElementSize(kernelType), numChannels);
-    if (checks.require(size > 0 && fits<Count>(size), lumErrSizeTooLarge).failed())
-        return checks.status();
-    *pBufferSize = static_cast<Count>(size);
-    return lumOk;
+    return storeSize(separableScratch(roiSize.width, kernelSize, kernelElementSize(kernelType), numChannels),
+                     pBufferSize);
 }
 
 template <class K>

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "frame/byte_counts.hpp"
 #include "lumcv/filter.h"
 
 namespace lumcv {
@@ -28,7 +29,7 @@ static_assert(sizeof(SeparableHeader) == 64);
 inline constexpr Lum32s kernelOfWords = 0;
 inline constexpr Lum32s kernelOfFloats = 1;
 
-/// Bytes of scratch, or -1 where they exceed 64 bits.
-int64_t separableScratch(int64_t width, LumiSize kernelSize, int64_t elementSize, int64_t channels);
+/// Bytes of scratch.
+Bytes separableScratch(int64_t width, LumiSize kernelSize, int64_t elementSize, int64_t channels);
 
 }  // namespace lumcv

@@ -42,6 +42,13 @@ constexpr bool isFilterBorder(LumiBorderType value)
     return static_cast<Lum32u>(value) <= largestFilterBorder && (value == lumBorderInMem || isFilterMode(value));
 }
 
+/// A value is needed for each channel where the mode is constant.
+template <class T>
+constexpr bool hasBorderValue(LumiBorderType borderType, const T* borderValue)
+{
+    return (borderType & 15) != lumBorderConstant || borderValue;
+}
+
 /// The index within [0, n) that replicate or mirror put at index i. Mirror bounces off both ends, about the edge
 /// element.
 constexpr int64_t borderIndex(int64_t i, int64_t n, Lum32s mode)
@@ -52,6 +59,20 @@ constexpr int64_t borderIndex(int64_t i, int64_t n, Lum32s mode)
     if (i < -(n - 1) || i >= 2 * n - 1)  // beyond one reflection
         i = (i % period + period) % period;
     return i < 0 ? -i : i >= n ? period - i : i;
+}
+
+/// What an operation finds in row r, counted from the first of the ROI.
+struct SourceRow
+{
+    bool isConstant;  ///< the row lies beyond a constant border: it holds the border value
+    int64_t index;    ///< otherwise the image's row; outside [0, height) only on a side in memory
+};
+
+constexpr SourceRow sourceRow(int64_t r, int64_t height, const Border& border)
+{
+    const bool isInMemory = r < 0 ? border.top : r < height || border.bottom;
+    const bool isConstant = !isInMemory && border.mode == lumBorderConstant;
+    return {isConstant, isInMemory || isConstant ? r : borderIndex(r, height, border.mode)};
 }
 
 }  // namespace lumcv

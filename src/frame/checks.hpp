@@ -57,6 +57,13 @@ class Checks
         return require(image.step >= static_cast<Lum32s>(rowBytes), lumErrStep);
     }
 
+    /// The same in the 64-bit entry points that do not wrap.
+    template <class T>
+    constexpr Checks& rowFits(Plane<T> image, int64_t width, int channels)
+    {
+        return require(image.step / (channels * static_cast<int64_t>(sizeof(T))) >= width, lumErrStep);
+    }
+
     /// The stride of an image is a whole number of elements.
     template <class T>
     constexpr Checks& alignment(Plane<T> image)
@@ -78,6 +85,12 @@ class Checks
   private:
     LumStatus status_ = lumOk;
 };
+
+/// Gray, colour, and colour with a fourth channel.
+constexpr bool isChannelCount(Lum32s numChannels)
+{
+    return numChannels == 1 || numChannels == 3 || numChannels == 4;
+}
 
 /// The elements of a row, as the 32-bit product that the stride tests use.
 constexpr Lum32s rowElements(Lum32s width, int channels)

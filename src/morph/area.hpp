@@ -28,6 +28,34 @@ struct Minimum
     }
 };
 
+/// How differences of signed and float images come out where they are negative.
+enum class Negative
+{
+    kept,
+    zero
+};
+
+/// minuend - subtrahend, by the rule of the type.
+template <class T>
+struct Difference
+{
+    Negative negative;
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<T, N> operator()(simd::Vec<T, N> minuend, simd::Vec<T, N> subtrahend) const
+    {
+        simd::Vec<T, N> difference;
+        if constexpr (std::is_same_v<T, Lum32f>)
+            difference = minuend - subtrahend;
+        else
+            difference = simd::subtractSaturated(minuend, subtrahend);
+        if constexpr (std::is_signed_v<T>)
+            if (negative == Negative::zero)
+                difference = simd::max(simd::broadcast<N>(T{0}), difference);
+        return difference;
+    }
+};
+
 /// Pixels to be computed. Kernels count in elements: a pixel is `channels` of them.
 template <class T>
 struct Area
@@ -74,6 +102,11 @@ inline constexpr int lanesIn =
 template <class Operation, class T>
 void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch);
 
+/// The gradient of a square of 3x3 or 5x5: the difference of both operations, from one look at each row. False, and
+/// nothing done, if the area is too narrow.
+template <class T>
+bool squareGradient(Area<T> area, int64_t size, Difference<T> difference, Scratch scratch);
+
 /// Grows windows along a line: with from[x] the extreme of `length` pixels from x on, `unit` elements apart, to[x]
 /// becomes that of `longer` pixels, for n elements. In `line` there is room for n + (longer - 1) * unit elements; from,
 /// line and to may be the same. What lies `ahead` bytes behind `from` is asked for on the way, if that is not 0.
@@ -85,16 +118,12 @@ void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, 
 template <class Operation, class T>
 void smallCross(Area<T> area);
 
-/// Whether there is room for rowRuns().
-template <class T>
-bool fitsRowRuns(const Area<T>& area, const Element& element, Scratch scratch);
-
-/// An element whose rows are a run each.
+/// An element whose rows are a run each. False, and nothing done, if the scratch has no room for their windows.
 template <class Operation, class T>
-void rowRuns(Area<T> area, const Element& element, Scratch scratch);
+bool rowRuns(Area<T> area, const Element& element, Scratch scratch);
 
 /// The same for an area of one row, in a block whose rows are `pitch` elements long and lie behind one another: windows
-/// along all of it serve every row of the element. False, and nothing done, if the scratch has no room for them.
+/// along all of it serve every row of the element.
 template <class Operation, class T>
 bool rowRunsAlong(Area<T> area, int64_t pitch, const Element& element, Scratch scratch);
 

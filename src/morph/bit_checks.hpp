@@ -25,17 +25,12 @@ inline Checks bitStepChecks(Checks checks, BitOperand<const Lum8u> src, BitOpera
     return checks.require(rowBytes <= src.step && rowBytes <= dst.step, lumErrStep);
 }
 
-constexpr bool isMorphologyRange(LumiBorderType value)
-{
-    return static_cast<Lum32u>(value) <= largestMorphologyBorder;
-}
-
 /// The upper limits of the 64-bit functions.
 inline LumStatus bitLimits(LumiSizeL roiSize, int64_t srcStep, int64_t dstStep)
 {
-    constexpr int64_t largest = 0x7FFFFFFE;
     return Checks{}
-        .require(roiSize.width <= largest && roiSize.height <= largest && srcStep <= largest && dstStep <= largest,
+        .require(roiSize.width <= largestLength && roiSize.height <= largestLength && srcStep <= largestLength &&
+                     dstStep <= largestLength,
                  lumErrSizeTooLarge)
         .status();
 }

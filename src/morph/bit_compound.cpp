@@ -1,5 +1,6 @@
 // Compound morphology of 1-bit images.
 #include "morph/bit_checks.hpp"
+#include "morph/compound_borders.hpp"
 #include "morph/compound_record.hpp"
 #include "morph/size_checks.hpp"
 
@@ -14,18 +15,6 @@ enum class Compound
     blackhat
 };
 
-/// What lies around the images of both passes.
-struct Borders
-{
-    Border first, second;
-};
-
-/// How much the first pass's image is larger than the ROI.
-struct Margins
-{
-    int64_t left = 0, right = 0, top = 0, bottom = 0;
-};
-
 /// The intermediate image stands first in the scratch, what the passes need behind it.
 struct Between
 {
@@ -38,18 +27,18 @@ struct Between
     }
 };
 
-void run(Compound compound, const LumiMorphBitRecord& first, const LumiMorphBitRecord& second, Borders borders,
-         const Margins& margins, bool borderValue, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size,
-         Lum8u* block)
+void run(Compound compound, const LumiMorphBitRecord& first, const LumiMorphBitRecord& second,
+         const CompoundBorders& borders, const Growth& growth, bool borderValue, BitPlane<const Lum8u> src,
+         BitPlane<Lum8u> dst, LumiSizeL size, Lum8u* block)
 {
     const bool opens = compound == Compound::open || compound == Compound::tophat;
     const auto one = opens ? BitOperation::erosion : BitOperation::dilation;
     const auto two = opens ? BitOperation::dilation : BitOperation::erosion;
-    const LumiSizeL grown{size.width + margins.left + margins.right, size.height + margins.top + margins.bottom};
+    const LumiSizeL grown = growth.grown(size);
     const Between between(block, grown);
-    bitPass(one, first, src.from(-margins.left, -margins.top), between.image, grown,
+    bitPass(one, first, src.from(-growth.left, -growth.top), between.image, grown,
             BitBorder(one, borders.first, borderValue), between.scratch);
-    bitPass(two, second, between.image.from(margins.left, margins.top), dst, size,
+    bitPass(two, second, between.image.from(growth.left, growth.top), dst, size,
             BitBorder(two, borders.second, borderValue), between.scratch);
     if (compound == Compound::tophat)
         subtractBits(src, dst, dst, size, between.scratch);
@@ -57,14 +46,15 @@ void run(Compound compound, const LumiMorphBitRecord& first, const LumiMorphBitR
         subtractBits(dst, src, dst, size, between.scratch);
 }
 
-void runGradient(const LumiMorphBitRecord& dilating, const LumiMorphBitRecord& eroding, Borders borders,
-                 bool borderValue, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, Lum8u* block)
+void runGradient(const LumiMorphBitRecord& dilating, const LumiMorphBitRecord& eroding, const Border& dilated,
+                 const Border& eroded, bool borderValue, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size,
+                 Lum8u* block)
 {
     const Between between(block, size);
-    bitPass(BitOperation::dilation, dilating, src, dst, size,
-            BitBorder(BitOperation::dilation, borders.first, borderValue), between.scratch);
+    bitPass(BitOperation::dilation, dilating, src, dst, size, BitBorder(BitOperation::dilation, dilated, borderValue),
+            between.scratch);
     bitPass(BitOperation::erosion, eroding, src, between.image, size,
-            BitBorder(BitOperation::erosion, borders.second, borderValue), between.scratch);
+            BitBorder(BitOperation::erosion, eroded, borderValue), between.scratch);
     subtractBits(dst, between.image, dst, size, between.scratch);
 }
 
@@ -83,69 +73,44 @@ const LumiMorphBitRecord& recordAt(const void* record)
     return *static_cast<const LumiMorphBitRecord*>(record);
 }
 
-/// The flags are the first pass's alone.
 LumStatus border(Compound compound, BitOperand<const Lum8u> src, BitOperand<Lum8u> dst, LumiSize roiSize,
                  LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    const bool hasMode = isBitMode(borderType);
-    const bool needsNone = hasAllSidesInMemory(borderType) && !isMorphologyMode(borderType);
-    const LumStatus status = borderChecks(src, dst, roiSize, pSpec, pBuffer)
-                                 .require(isMorphologyRange(borderType), lumErrBorder)
-                                 .require(hasMode || needsNone, lumErrBorder)
-                                 .status();
+    const CompoundBorders borders = ordinaryBorders(borderType, isBitMode(borderType));
+    const LumStatus status =
+        borderChecks(src, dst, roiSize, pSpec, pBuffer).require(borders.isAllowed, lumErrBorder).status();
     if (status != lumOk)
         return status;
     const auto& record = *alignedIn<LumiMorphCompoundSpec>(pSpec);
-    const Borders borders{Border(withStageFlags(borderType)), Border(hasMode ? borderType & 15 : lumBorderNeutral)};
-    run(compound, recordAt(record.pFirst), recordAt(record.pSecond), borders, Margins{}, borderValue != 0,
-        BitPlane(src), BitPlane(dst), widened(roiSize), pBuffer);
+    run(compound, recordAt(record.pFirst), recordAt(record.pSecond), borders, Growth{}, borderValue != 0, BitPlane(src),
+        BitPlane(dst), widened(roiSize), pBuffer);
     return lumOk;
 }
 
-/// Both passes read the source with the same border and the caller's element; that border cannot be neutral.
+/// Both passes read the source with the same border and the caller's element.
 LumStatus gradientBorder(BitOperand<const Lum8u> src, BitOperand<Lum8u> dst, LumiSize roiSize,
                          LumiBorderType borderType, Lum8u borderValue, const LumiMorphCompoundSpec* pSpec,
                          Lum8u* pBuffer)
 {
-    constexpr Lum32u largestGradientBorder = 255;
-    const bool hasMode = isBitMode(borderType) && (borderType & 15) != lumBorderNeutral;
     const LumStatus status = borderChecks(src, dst, roiSize, pSpec, pBuffer)
-                                 .require(static_cast<Lum32u>(borderType) <= largestGradientBorder, lumErrBorder)
-                                 .require(borderType == lumBorderInMem || hasMode, lumErrBorder)
+                                 .require(isGradientBorder(borderType, isBitMode(borderType)), lumErrBorder)
                                  .require(src.pixels != dst.pixels, lumErrInPlace)
                                  .status();
     if (status != lumOk)
         return status;
     const auto& element = recordAt(alignedIn<LumiMorphCompoundSpec>(pSpec)->pFirst);
     const Border sides(borderType);
-    runGradient(element, element, {sides, sides}, borderValue != 0, BitPlane(src), BitPlane(dst), widened(roiSize),
+    runGradient(element, element, sides, sides, borderValue != 0, BitPlane(src), BitPlane(dst), widened(roiSize),
                 pBuffer);
     return lumOk;
 }
 
 // Records of lumiMorphInit_L.
 
-/// A border value, taken apart for the two passes.
-struct BorderParts
+CompoundBorders bordersOf(LumiBorderType value)
 {
-    LumiBorderType mode, inMemory, extra;  ///< extra: the sides that are in memory for the first pass alone
-    bool isAllowed;
-
-    explicit BorderParts(LumiBorderType value)
-        : mode(value & 15), inMemory(value & lumBorderInMem), extra(value >> 4 & lumBorderInMem & ~value)
-    {
-        const bool hasMode = isBitMode(value);
-        const bool needsNone = extra == 0 && inMemory == lumBorderInMem && !isMorphologyMode(value);
-        isAllowed = isMorphologyRange(value) && (hasMode || needsNone);
-        if (!hasMode)
-            mode = lumBorderNeutral;
-    }
-
-    Borders borders() const
-    {
-        return {Border(mode | inMemory | extra), Border(mode | inMemory)};
-    }
-};
+    return largeBorders(value, isBitMode(value));
+}
 
 Checks argumentChecks(BitOperand<const Lum8u> src, BitOperand<Lum8u> dst, LumiSizeL roiSize, LumiBorderType borderType,
                       const Lum8u* borderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
@@ -155,10 +120,9 @@ Checks argumentChecks(BitOperand<const Lum8u> src, BitOperand<Lum8u> dst, LumiSi
                             .require(hasBorderValue(borderType, borderValue), lumErrNullPointer);
     return bitStepChecks(bitImageChecks(checks, src, dst, roiSize).within31Bits(roiSize.width, roiSize.height), src,
                          dst, roiSize)
-        .require(BorderParts(borderType).isAllowed, lumErrBorder);
+        .require(bordersOf(borderType).isAllowed, lumErrBorder);
 }
 
-/// The first pass covers what the second one sees of a side in memory.
 LumStatus apply(Compound compound, BitOperand<const Lum8u> src, BitOperand<Lum8u> dst, LumiSizeL roiSize,
                 LumiBorderType borderType, const Lum8u* borderValue, const LumiMorphCompoundSpecL* pSpec,
                 Lum8u* pBuffer)
@@ -168,15 +132,13 @@ LumStatus apply(Compound compound, BitOperand<const Lum8u> src, BitOperand<Lum8u
         return checks.status();
     const auto& record = *alignedIn<LumiMorphCompoundSpecL>(pSpec);
     const auto& second = *record.pSecond->pBits;
-    const Borders borders = BorderParts(borderType).borders();
-    Margins margins;
+    const CompoundBorders borders = bordersOf(borderType);
+    Growth growth;
     if (second.mode != bitModeEmpty)  // an empty element copies and looks at nothing around the ROI
-        margins = {borders.second.left ? second.anchorX : 0, borders.second.right ? second.rightRadius : 0,
-                   borders.second.top ? second.anchorY : 0, borders.second.bottom ? second.bottomRadius : 0};
-    const LumiSizeL grown{roiSize.width + margins.left + margins.right, roiSize.height + margins.top + margins.bottom};
-    const LumStatus status = bitLimits(grown, src.step, dst.step);
+        growth = Growth{second.anchorX, second.rightRadius, second.anchorY, second.bottomRadius}.where(borders.second);
+    const LumStatus status = bitLimits(growth.grown(roiSize), src.step, dst.step);
     if (status == lumOk)
-        run(compound, *record.pFirst->pBits, second, borders, margins, borderValue && *borderValue != 0, BitPlane(src),
+        run(compound, *record.pFirst->pBits, second, borders, growth, borderValue && *borderValue != 0, BitPlane(src),
             BitPlane(dst), roiSize, pBuffer);
     return status;
 }
@@ -191,7 +153,8 @@ LumStatus gradient(BitOperand<const Lum8u> src, BitOperand<Lum8u> dst, LumiSizeL
     if (status != lumOk)
         return status;
     const auto& record = *alignedIn<LumiMorphCompoundSpecL>(pSpec);
-    runGradient(*record.pFirst->pBits, *record.pSecond->pBits, BorderParts(borderType).borders(),
+    const CompoundBorders borders = bordersOf(borderType);
+    runGradient(*record.pFirst->pBits, *record.pSecond->pBits, borders.first, borders.second,
                 borderValue && *borderValue != 0, BitPlane(src), BitPlane(dst), roiSize, pBuffer);
     return lumOk;
 }
@@ -220,12 +183,11 @@ LumStatus lumiMorphAdvInit_1u_C1R(LumiSize roiSize, const Lum8u* pMask, LumiSize
     const auto checks = Checks{}.notNull(pMask, pSpec, pBuffer).size(roiSize).size(maskSize);
     if (checks.failed())
         return checks.status();
-    constexpr int64_t headBytes = 64;
     auto* const spec = alignedIn<LumiMorphCompoundSpec>(pSpec);
     const CallerMask mask{pMask, maskSize.width, maskSize.height};
     const CallerMask rotatedMask{pMask, maskSize.width, maskSize.height, true};
     const int64_t firstWidth = int64_t{roiSize.width} + maskSize.width - 1;
-    LumiMorphBitRecord* const first = layBitRecord(mask, firstWidth, reinterpret_cast<Lum8u*>(spec) + headBytes);
+    LumiMorphBitRecord* const first = layBitRecord(mask, firstWidth, behindHead(spec));
     LumiMorphBitRecord* const rotated = layBitRecord(rotatedMask, roiSize.width, endOf(*first));
     *spec = {first, rotated, rotated, 0};
     return lumOk;

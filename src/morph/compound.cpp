@@ -3,27 +3,6 @@
 namespace lumcv {
 namespace {
 
-/// minuend - subtrahend, by the rule of the type.
-template <class T>
-struct Difference
-{
-    Negative negative;
-
-    template <int N>
-    [[gnu::always_inline]] simd::Vec<T, N> operator()(simd::Vec<T, N> minuend, simd::Vec<T, N> subtrahend) const
-    {
-        simd::Vec<T, N> difference;
-        if constexpr (std::is_same_v<T, Lum32f>)
-            difference = minuend - subtrahend;
-        else
-            difference = simd::subtractSaturated(minuend, subtrahend);
-        if constexpr (std::is_signed_v<T>)
-            if (negative == Negative::zero)
-                difference = simd::max(simd::broadcast<N>(T{0}), difference);
-        return difference;
-    }
-};
-
 /// dst = minuend - subtrahend, row after row; dst may be either.
 template <class T>
 [[gnu::flatten, gnu::noinline]] void subtract(Plane<const T> minuend, Plane<const T> subtrahend, Plane<T> dst,
@@ -52,16 +31,55 @@ Plane<T> from(Plane<T> image, int64_t x, int64_t y)
     return {image.row(y) + x, image.step};
 }
 
-/// Rows [begin, end) of a pass over an image of so many rows.
+/// Columns and rows of an image.
+struct Rectangle
+{
+    int64_t x = 0, y = 0, width = 0, height = 0;
+};
+
+/// A part of a pass over an image, for which the rest of the image is memory around it. dst is that of the part.
 template <class Operation, class T>
-void passRows(const Stage& stage, int channels, Plane<const T> src, Plane<T> dst, LumiSizeL size, int64_t begin,
-              int64_t end, const T* borderValue, Lum8u* scratch)
+void passPart(const Stage& stage, int channels, Plane<const T> src, Plane<T> dst, LumiSizeL size, const Rectangle& part,
+              const T* borderValue, Lum8u* scratch)
 {
     Border border = stage.border;
-    border.top = border.top || begin > 0;
-    border.bottom = border.bottom || end < size.height;
-    pass<Operation>(stage.element, channels, from(src, 0, begin), from(dst, 0, begin), {size.width, end - begin},
+    border.left = border.left || part.x > 0;
+    border.right = border.right || part.x + part.width < size.width;
+    border.top = border.top || part.y > 0;
+    border.bottom = border.bottom || part.y + part.height < size.height;
+    pass<Operation>(stage.element, channels, from(src, part.x * channels, part.y), dst, {part.width, part.height},
                     border, borderValue, scratch);
+}
+
+/// The side of a square of 3x3 or 5x5, if both elements are that; otherwise 0.
+int64_t commonSquare(const Element& a, const Element& b)
+{
+    const bool isCommon = a.is(shapeRectangle) && b.is(shapeRectangle) && a.width == a.height && b.width == a.width &&
+                          b.height == a.width && (a.width == 3 || a.width == 5);
+    return isCommon ? a.width : 0;
+}
+
+/// Where a square sees nothing but memory in both passes, less some columns and rows: those around it are enough for a
+/// mirrored edge.
+Rectangle insideOf(LumiSizeL roi, int64_t size, const Border& a, const Border& b)
+{
+    const int64_t rim = size - 1;
+    const int64_t left = a.left && b.left ? 0 : rim, right = a.right && b.right ? 0 : rim;
+    const int64_t top = a.top && b.top ? 0 : rim, bottom = a.bottom && b.bottom ? 0 : rim;
+    return {left, top, roi.width - left - right, roi.height - top - bottom};
+}
+
+/// Calls body(part) for the parts of the image around a rectangle.
+template <class Body>
+void eachRimOf(const Rectangle& inside, LumiSizeL roi, Body body)
+{
+    const int64_t right = inside.x + inside.width, bottom = inside.y + inside.height;
+    for (const Rectangle& part :
+         {Rectangle{0, 0, roi.width, inside.y}, Rectangle{0, bottom, roi.width, roi.height - bottom},
+          Rectangle{0, inside.y, inside.x, inside.height},
+          Rectangle{right, inside.y, roi.width - right, inside.height}})
+        if (part.width > 0 && part.height > 0)
+            body(part);
 }
 
 /// The rows of a strip: few enough for the second-level cache and enough for a mirrored edge, and for what neighbouring
@@ -92,7 +110,7 @@ struct Intermediate
 
     Intermediate(Lum8u* block, int64_t width, int64_t height, int channels)
     {
-        Lum8u* const aligned = block + (-reinterpret_cast<uintptr_t>(block) & 31);
+        Lum8u* const aligned = alignedUp(block, 32);
         const int64_t step = intermediateStep<T>(width, channels);
         image = {reinterpret_cast<T*>(aligned), step};
         scratch = aligned + step * height;
@@ -105,7 +123,7 @@ template <class Operation, class T>
 void compound(const Stage& first, const Stage& second, int channels, Plane<const T> src, Plane<T> dst, LumiSizeL roi,
               const Growth& growth, const T* borderValue, Finish finish, Negative negative, Lum8u* scratch)
 {
-    const LumiSizeL grown{roi.width + growth.left + growth.right, roi.height + growth.top + growth.bottom};
+    const LumiSizeL grown = growth.grown(roi);
     const Plane<const T> grownSrc = from(src, -growth.left * channels, -growth.top);
     const Intermediate<T> between(scratch, grown.width, grown.height, channels);
     const Plane<const T> secondSrc = constant(from(between.image, growth.left * channels, growth.top));
@@ -117,11 +135,11 @@ void compound(const Stage& first, const Stage& second, int channels, Plane<const
     eachStrip(roi.height, rows, [&](int64_t begin, int64_t end) {
         const int64_t below = growth.top + end + second.element.height / 2;
         const int64_t needed = end == roi.height || below > grown.height ? grown.height : below;
-        passRows<typename Operation::First>(first, channels, grownSrc, between.image, grown, done, needed, borderValue,
-                                            between.scratch);
+        passPart<typename Operation::First>(first, channels, grownSrc, from(between.image, 0, done), grown,
+                                            {0, done, grown.width, needed - done}, borderValue, between.scratch);
         done = needed;
-        passRows<typename Operation::Second>(second, channels, secondSrc, dst, roi, begin, end, borderValue,
-                                             between.scratch);
+        passPart<typename Operation::Second>(second, channels, secondSrc, from(dst, 0, begin), roi,
+                                             {0, begin, roi.width, end - begin}, borderValue, between.scratch);
         const Plane<const T> source = from(src, 0, begin);
         const Plane<T> result = from(dst, 0, begin);
         if (finish == Finish::fromSource)
@@ -135,14 +153,26 @@ template <class T>
 void gradient(const Stage& dilation, const Stage& erosion, int channels, Plane<const T> src, Plane<T> dst,
               LumiSizeL roi, const T* borderValue, Negative negative, Lum8u* scratch)
 {
-    const Intermediate<T> between(scratch, roi.width, roi.height, channels);
-    eachStrip(roi.height, stripRows(between.image.step, dilation.element.height), [&](int64_t begin, int64_t end) {
-        passRows<Maximum>(dilation, channels, src, dst, roi, begin, end, borderValue, between.scratch);
-        passRows<Minimum>(erosion, channels, src, between.image, roi, begin, end, borderValue, between.scratch);
-        const Plane<T> result = from(dst, 0, begin);
-        subtract(constant(result), constant(from(between.image, 0, begin)), result, roi.width * channels, end - begin,
-                 negative);
-    });
+    const auto inTwoPasses = [&](const Rectangle& part) {
+        const Intermediate<T> between(scratch, part.width, part.height, channels);
+        const Plane<T> result = from(dst, part.x * channels, part.y);
+        passPart<Maximum>(dilation, channels, src, result, roi, part, borderValue, between.scratch);
+        passPart<Minimum>(erosion, channels, src, between.image, roi, part, borderValue, between.scratch);
+        subtract(constant(result), constant(between.image), result, part.width * channels, part.height, negative);
+    };
+    const int64_t size = commonSquare(dilation.element, erosion.element);
+    const Rectangle inside = size == 0 ? Rectangle{} : insideOf(roi, size, dilation.border, erosion.border);
+    if (inside.width > 0 && inside.height > 0) {
+        const Area<T> area{from(src, inside.x * channels, inside.y), from(dst, inside.x * channels, inside.y),
+                           inside.width * channels, inside.height, channels};
+        Lum8u* const aligned = alignedUp(scratch, 32);
+        if (squareGradient(area, size, Difference<T>{negative},
+                           {aligned, roi.height * intermediateStep<T>(roi.width, channels)})) {
+            return eachRimOf(inside, roi, inTwoPasses);
+        }
+    }
+    const int64_t rows = stripRows(intermediateStep<T>(roi.width, channels), dilation.element.height);
+    eachStrip(roi.height, rows, [&](int64_t begin, int64_t end) { inTwoPasses({0, begin, roi.width, end - begin}); });
 }
 
 template void compound<Opening>(const Stage&, const Stage&, int, Plane<const Lum8u>, Plane<Lum8u>, LumiSizeL,

@@ -5,6 +5,7 @@
 // to it.
 #pragma once
 
+#include "morph/compound_borders.hpp"
 #include "morph/pass.hpp"
 
 namespace lumcv {
@@ -37,13 +38,6 @@ enum class Finish
     minusSource,  ///< the result minus the source
 };
 
-/// How differences of signed and float images come out where they are negative.
-enum class Negative
-{
-    kept,
-    zero
-};
-
 // The operations that the functions are named for.
 
 struct Open
@@ -68,13 +62,6 @@ struct Blackhat
 {
     using Order = Closing;
     static constexpr Finish finish = Finish::minusSource;
-};
-
-/// The geometry of an opening or closing: the first pass covers a larger area than the second where that is to find
-/// pixels of its own beyond the ROI.
-struct Growth
-{
-    int64_t left = 0, right = 0, top = 0, bottom = 0;
 };
 
 /// Opens or closes. In the scratch there are compoundScratchBytes() for this ROI and growth or a larger one.

@@ -6,46 +6,25 @@
 namespace lumcv {
 namespace {
 
-/// A border value, taken apart for the two passes.
-struct BorderParts
+CompoundBorders bordersOf(LumiBorderType value)
 {
-    LumiBorderType mode, inMemory, extra;  ///< extra: the sides that are in memory for the first pass alone
-    bool isAllowed;
-
-    explicit BorderParts(LumiBorderType value)
-        : mode(value & 15), inMemory(value & lumBorderInMem), extra(value >> 4 & lumBorderInMem & ~value)
-    {
-        const bool hasMode = isMorphologyMode(value);
-        isAllowed = static_cast<Lum32u>(value) <= largestMorphologyBorder &&
-                    (hasMode || (extra == 0 && inMemory == lumBorderInMem));
-        if (!hasMode)
-            mode = lumBorderNeutral;
-    }
-
-    Border first() const
-    {
-        return Border(mode | inMemory | extra);
-    }
-
-    Border second() const
-    {
-        return Border(mode | inMemory);
-    }
-};
+    return largeBorders(value, isMorphologyMode(value));
+}
 
 template <int channels, class T>
 Checks argumentChecks(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderType borderType,
                       const T* borderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
-    auto checks = Checks{}
-                      .notNull(src.pixels, dst.pixels, pSpec, pBuffer)
-                      .require(hasBorderValue(borderType, borderValue), lumErrNullPointer)
-                      .size(roiSize)
-                      .within31Bits(roiSize.width, roiSize.height);
-    return rowsFit(checks, src, dst, roiSize.width, channels)
+    return Checks{}
+        .notNull(src.pixels, dst.pixels, pSpec, pBuffer)
+        .require(hasBorderValue(borderType, borderValue), lumErrNullPointer)
+        .size(roiSize)
+        .within31Bits(roiSize.width, roiSize.height)
+        .rowFits(src, roiSize.width, channels)
+        .rowFits(dst, roiSize.width, channels)
         .alignment(src)
         .alignment(dst)
-        .require(BorderParts(borderType).isAllowed, lumErrBorder);
+        .require(bordersOf(borderType).isAllowed, lumErrBorder);
 }
 
 Element elementOf(const LumiDilateErodeSpec* pSpec)
@@ -53,7 +32,6 @@ Element elementOf(const LumiDilateErodeSpec* pSpec)
     return Element(*pSpec->pElement);
 }
 
-/// The first pass covers what the second one sees of a side in memory.
 template <class Compound, int channels, class T>
 LumStatus run(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderType borderType, const T* borderValue,
               const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
@@ -62,17 +40,17 @@ LumStatus run(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderTyp
     if (checks.failed())
         return checks.status();
     const auto& record = *alignedIn<LumiMorphCompoundSpecL>(pSpec);
-    const BorderParts border(borderType);
-    const Stage first{elementOf(record.pFirst), border.first()};
-    const Stage second{elementOf(record.pSecond), border.second()};
+    const CompoundBorders borders = bordersOf(borderType);
+    const Stage first{elementOf(record.pFirst), borders.first};
+    const Stage second{elementOf(record.pSecond), borders.second};
     const Element& element = second.element;
     Growth growth;
     if (!element.copies())
-        growth = {
-            second.border.left ? element.anchorX : 0, second.border.right ? element.width - 1 - element.anchorX : 0,
-            second.border.top ? element.anchorY : 0, second.border.bottom ? element.height - 1 - element.anchorY : 0};
+        growth = Growth{element.anchorX, element.width - 1 - element.anchorX, element.anchorY,
+                        element.height - 1 - element.anchorY}
+                     .where(second.border);
 
-    const LumiSizeL grown{roiSize.width + growth.left + growth.right, roiSize.height + growth.top + growth.bottom};
+    const LumiSizeL grown = growth.grown(roiSize);
     const int64_t step = intermediateStep<T>(grown.width, channels);
     const LumStatus status =
         Checks{}
@@ -101,10 +79,9 @@ LumStatus gradientOf(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBo
     if (status != lumOk)
         return status;
     const auto& record = *alignedIn<LumiMorphCompoundSpecL>(pSpec);
-    const BorderParts border(borderType);
-    gradient(Stage{elementOf(record.pFirst), border.first()}, Stage{elementOf(record.pSecond), border.second()},
-             channels, src, dst, roiSize, borderValue, std::is_same_v<T, Lum32f> ? Negative::zero : Negative::kept,
-             pBuffer);
+    const CompoundBorders borders = bordersOf(borderType);
+    gradient(Stage{elementOf(record.pFirst), borders.first}, Stage{elementOf(record.pSecond), borders.second}, channels,
+             src, dst, roiSize, borderValue, std::is_same_v<T, Lum32f> ? Negative::zero : Negative::kept, pBuffer);
     return lumOk;
 }
 

@@ -27,38 +27,33 @@ Element elementAt(const void* record)
     return Element(*static_cast<const LumiMorphMaskRecord*>(record));
 }
 
-/// The flags are the first pass's alone.
 template <class Compound, int channels, class T>
 LumStatus run(Plane<const T> src, Plane<T> dst, LumiSize roiSize, LumiBorderType borderType, const T* borderValue,
               const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    const bool hasMode = isMorphologyMode(borderType);
+    const CompoundBorders borders = ordinaryBorders(borderType, isMorphologyMode(borderType));
     const LumStatus status = argumentChecks<channels>(src, dst, roiSize, borderType, borderValue, pSpec, pBuffer)
-                                 .require(static_cast<Lum32u>(borderType) <= largestMorphologyBorder, lumErrBorder)
-                                 .require(hasMode || hasAllSidesInMemory(borderType), lumErrBorder)
+                                 .require(borders.isAllowed, lumErrBorder)
                                  .status();
     if (status != lumOk)
         return status;
     const auto& record = *alignedIn<LumiMorphCompoundSpec>(pSpec);
-    const Stage first{elementAt(record.pFirst), Border(withStageFlags(borderType))};
-    const Stage second{elementAt(record.pSecond), Border(hasMode ? borderType & 15 : lumBorderNeutral)};
+    const Stage first{elementAt(record.pFirst), borders.first};
+    const Stage second{elementAt(record.pSecond), borders.second};
     compound<typename Compound::Order>(first, second, channels, src, dst, widened(roiSize), Growth{}, borderValue,
                                        Compound::finish, std::is_same_v<T, Lum32f> ? Negative::zero : Negative::kept,
                                        pBuffer);
     return lumOk;
 }
 
-/// Both passes read the source with the same border and the caller's element; that border cannot be neutral.
+/// Both passes read the source with the same border and the caller's element.
 template <int channels, class T>
 LumStatus gradientOf(Plane<const T> src, Plane<T> dst, LumiSize roiSize, LumiBorderType borderType,
                      const T* borderValue, const LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
-    constexpr Lum32u largestGradientBorder = 255;
-    const bool hasMode = isMorphologyMode(borderType) && (borderType & 15) != lumBorderNeutral;
     const LumStatus status =
         argumentChecks<channels>(src, dst, roiSize, borderType, borderValue, pSpec, pBuffer)
-            .require(static_cast<Lum32u>(borderType) <= largestGradientBorder, lumErrBorder)
-            .require(borderType == lumBorderInMem || hasMode, lumErrBorder)
+            .require(isGradientBorder(borderType, isMorphologyMode(borderType)), lumErrBorder)
             .require(!PassRules<Maximum, T, channels>::refusesInPlace || src.pixels != dst.pixels, lumErrInPlace)
             .status();
     if (status != lumOk)

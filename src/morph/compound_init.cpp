@@ -19,14 +19,6 @@ LumStatus sizes(LumiSize roiSize, LumiSize maskSize, PixelType pixel, Lum32s* pS
         pBufferSize);
 }
 
-/// The records of both passes begin this far into the block.
-constexpr int64_t headBytes = 64;
-
-Lum8u* behindHead(void* spec)
-{
-    return static_cast<Lum8u*>(spec) + headBytes;
-}
-
 /// The records depend on the mask alone, so all types share them.
 LumStatus init(LumiSize roiSize, const Lum8u* pMask, LumiSize maskSize, LumiMorphCompoundSpec* pSpec, Lum8u* pBuffer)
 {
@@ -61,8 +53,7 @@ LumStatus setMode(Lum32s mode, Spec* pSpec)
 
 Checks& typeChecks(Checks& checks, LumDataType dataType, Lum32s numChannels)
 {
-    return checks.require(isMorphologyType(dataType), lumErrDataType)
-        .require(isMorphologyChannels(numChannels), lumErrValue);
+    return checks.require(isMorphologyType(dataType), lumErrDataType).require(isChannelCount(numChannels), lumErrValue);
 }
 
 /// The ROI, grown on each side by twice the radius.

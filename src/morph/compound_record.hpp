@@ -19,3 +19,14 @@ struct LumiMorphCompoundSpecL
     LumiDilateErodeSpec* pRotated;
     Lum32s keepNegative;
 };
+
+namespace lumcv {
+
+/// Where the records of both passes begin in the block.
+inline Lum8u* behindHead(void* spec)
+{
+    constexpr int64_t headBytes = 64;
+    return static_cast<Lum8u*>(spec) + headBytes;
+}
+
+}  // namespace lumcv

@@ -20,7 +20,7 @@ LumStatus apply(Plane<const T> src, Plane<T> dst, LumiSize roiSize, LumiBorderTy
                                  .step(dst, elements)
                                  .alignment(src)
                                  .alignment(dst)
-                                 .require(static_cast<Lum32u>(borderType) <= largestMorphologyBorder, lumErrBorder)
+                                 .require(isMorphologyRange(borderType), lumErrBorder)
                                  .require(effective == lumBorderInMem || isMorphologyMode(effective), lumErrBorder)
                                  .require(!Rules::refusesInPlace || src.pixels != dst.pixels, lumErrInPlace)
                                  .status();

@@ -12,14 +12,15 @@ LumStatus apply(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderT
 {
     using Rules = PassRules<Operation, T, channels>;
     const LumiBorderType effective = withStageFlags(borderType);
-    auto checks = Checks{}
-                      .notNull(src.pixels, dst.pixels, pSpec, pBuffer)
-                      .size(roiSize)
-                      .within31Bits(roiSize.width, roiSize.height);
-    const LumStatus status = rowsFit(checks, src, dst, roiSize.width, channels)
+    const LumStatus status = Checks{}
+                                 .notNull(src.pixels, dst.pixels, pSpec, pBuffer)
+                                 .size(roiSize)
+                                 .within31Bits(roiSize.width, roiSize.height)
+                                 .rowFits(src, roiSize.width, channels)
+                                 .rowFits(dst, roiSize.width, channels)
                                  .alignment(src)
                                  .alignment(dst)
-                                 .require(static_cast<Lum32u>(borderType) <= largestMorphologyBorder, lumErrBorder)
+                                 .require(isMorphologyRange(borderType), lumErrBorder)
                                  .require(effective == lumBorderInMem || isMorphologyMode(effective), lumErrBorder)
                                  .require(!Rules::refusesInPlace || src.pixels != dst.pixels, lumErrInPlace)
                                  .then(Rules::limits(roiSize, src.step, dst.step))

@@ -147,7 +147,7 @@ LumStatus lumiErodeGetBufferSize_L(LumiSizeL roiSize, LumiSizeL maskSize, LumDat
                             .require(areSizes(roiSize, maskSize), lumErrSize)
                             .require(areWithin31Bits(roiSize, maskSize), lumErrSizeTooLarge)
                             .require(isMorphologyType(dataType), lumErrDataType)
-                            .require(isMorphologyChannels(numChannels), lumErrValue);
+                            .require(isChannelCount(numChannels), lumErrValue);
     return checks.failed()
                ? checks.status()
                : storeSize(dilateErodeScratchBytes(roiSize, maskSize, pixelType(dataType, numChannels)), pBufferSize);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "frame/rounding.hpp"
 #include "lumcv/morph.h"
 
 namespace lumcv {
@@ -115,20 +116,6 @@ struct CallerMask
 /// storage. An even mask is padded at the top and left, a rotated one at the bottom and right.
 void* layElement(const CallerMask& mask, ElementRecord<Lum32s>* record);
 void* layElement(const CallerMask& mask, ElementRecord<Lum64s>* record);
-
-/// A block stands at any byte address; what is laid in it does not.
-template <class T>
-T* alignedIn(void* block)
-{
-    const auto address = reinterpret_cast<uintptr_t>(block);
-    return reinterpret_cast<T*>((address + alignof(T) - 1) / alignof(T) * alignof(T));
-}
-
-template <class T>
-const T* alignedIn(const void* block)
-{
-    return alignedIn<T>(const_cast<void*>(block));
-}
 
 }  // namespace lumcv
 

@@ -4,6 +4,8 @@
 // the result does, so the maximum of the saturated sums is the saturated maximum.
 #include <cstring>
 
+#include "frame/border.hpp"
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "lumcv/morph.h"
 #include "simd/simd.hpp"
@@ -26,13 +28,10 @@ static_assert(sizeof(LumiMorphGrayRecord) == 32);
 template <class Height>
 LumStatus querySize(LumiSize roiSize, const Height* pMask, LumiSize maskSize, Lum32s* pSize)
 {
-    constexpr int64_t most = (INT_MAX - int64_t{sizeof(LumiMorphGrayRecord)}) / heightBytes;
-    const int64_t count = static_cast<int64_t>(maskSize.width) * maskSize.height;
-    const auto status =
-        Checks{}.notNull(pMask, pSize).size(roiSize).size(maskSize).require(count <= most, lumErrSizeTooLarge).status();
-    if (status == lumOk)
-        *pSize = static_cast<Lum32s>(heightBytes * count + int64_t{sizeof(LumiMorphGrayRecord)});
-    return status;
+    const auto checks = Checks{}.notNull(pMask, pSize).size(roiSize).size(maskSize);
+    if (checks.failed())
+        return checks.status();
+    return storeSize(heightBytes * Bytes{maskSize.width} * maskSize.height + sizeof(LumiMorphGrayRecord), pSize);
 }
 
 template <class Height>
@@ -83,11 +82,6 @@ template <bool dilates, class V>
 [[gnu::always_inline]] inline V better(V candidate, V best)
 {
     return dilates ? simd::max(candidate, best) : simd::min(candidate, best);
-}
-
-constexpr int64_t clamped(int64_t i, int64_t n)
-{
-    return i < 0 ? 0 : i >= n ? n - 1 : i;
 }
 
 /// A position of the element, and its height as the word that a broadcast puts into all lanes: four equal bytes for 8u.
@@ -201,7 +195,7 @@ class GrayElement
     /// The row of the source that a row of the element falls on.
     const T* row(int64_t y) const
     {
-        return src_.row(clamped(y - record_.anchorY, size_.height));
+        return src_.row(borderIndex(y - record_.anchorY, size_.height, lumBorderReplicate));
     }
 
     [[gnu::flatten, gnu::noinline]] void meetInside(T* dst, const T* const* neighbours,

@@ -4,13 +4,11 @@
 
 #include <cstdint>
 
+#include "frame/byte_counts.hpp"
 #include "frame/rounding.hpp"
 #include "lumcv/types.h"
 
 namespace lumcv {
-
-/// Holds any product and sum of the formulas.
-__extension__ typedef __int128 Bytes;
 
 /// The pixels of an image type.
 struct PixelType

@@ -42,9 +42,8 @@ class Pass
         border_.top = border.top || top_ == 0;
         border_.bottom = border.bottom || bottom_ == 0;
 
-        const auto address = reinterpret_cast<uintptr_t>(scratch);
         const PixelType pixel{sizeof(T), channels};
-        ring_.begin = scratch + (-address & 31);
+        ring_.begin = alignedUp(scratch, 32);
         ring_.bytes = static_cast<int64_t>(ringBytes(roi.width, {element.width, element.height}, pixel));
         extended_ = reinterpret_cast<T*>(ring_.begin + ring_.bytes);
     }
@@ -143,7 +142,7 @@ class Pass
             }
             for (int64_t y = 0; y < area.height; ++y) {
                 askFor(dst_, area.x * channels_, area.y + y, roi_.height);
-                copyFew(extended_ + y * pitch, elements, dstAt(area.x, area.y + y));
+                simd::copyFew(dstAt(area.x, area.y + y), extended_ + y * pitch, byteStep(elements));
             }
             return;
         }
@@ -161,29 +160,9 @@ class Pass
                 anyShape<Operation>(along, element_);
             for (int64_t i = 0; i < rows; ++i) {
                 askFor(dst_, area.x * channels_, area.y + y + i, roi_.height);
-                copyFew(line + i * pitch, elements, dstAt(area.x, area.y + y + i));
+                simd::copyFew(dstAt(area.x, area.y + y + i), line + i * pitch, byteStep(elements));
             }
         }
-    }
-
-    /// Copies fewer bytes than a loop of vectors is worth.
-    [[gnu::always_inline]] static inline void copyFew(const T* from, int64_t n, T* to)
-    {
-        constexpr int64_t word = 8 / static_cast<int64_t>(sizeof(T));
-        if (n < word) {
-            constexpr int64_t half = word / 2;
-            if (n >= half) {  // word is twice as much
-                copyPixel<half>(from, to);
-                copyPixel<half>(from + n - half, to + n - half);
-                return;
-            }
-            for (int64_t i = 0; i < n; ++i)
-                copyPixel<1>(from + i, to + i);
-            return;
-        }
-        for (int64_t i = 0; i + word <= n; i += word)
-            copyPixel<word>(from + i, to + i);
-        copyPixel<word>(from + n - word, to + n - word);
     }
 
     /// Columns of an image are far apart: each row is a cache line of its own, to be asked for in time.
@@ -246,8 +225,9 @@ class Pass
         }
 
         // of a few columns, what each one shows is the same in every row: synthesised pixels, pixels of the image, and
-        // again synthesised ones
+        // again synthesised ones; where there is no mirror, those of a side are all alike
         constexpr int64_t fewPixels = 64;
+        constexpr int pixelBytes = channels * static_cast<int>(sizeof(T));
         const bool isFew = part.width <= fewPixels;
         ExtendedRow<T, channels> row{nullptr, roi_.width, border, outside};
         const int64_t partEnd = part.x + part.width;
@@ -261,31 +241,34 @@ class Pass
         T* to = extended_;
         for (int64_t i = 0; i < part.height; ++i, to += part.width * channels) {
             const int64_t y = part.y + i;
-            const bool isInMemory = y < 0 ? border.top : y < roi_.height || border.bottom;
-            if (!isInMemory && border.mode == lumBorderConstant) {
+            const SourceRow source = sourceRow(y, roi_.height, border);
+            if (source.isConstant) {
                 for (int64_t x = 0; x < part.width * channels; x += channels)
-                    copyPixel<channels>(outside, to + x);
+                    std::memcpy(to + x, outside, pixelBytes);
                 continue;
             }
-            row.row = src_.row(isInMemory ? y : borderIndex(y, roi_.height, border.mode));
+            row.row = src_.row(source.index);
             if (!isFew) {
                 row.read(part.x, partEnd, to);
                 continue;
             }
             askFor(src_, first * channels, y, roi_.height);
-            const T* const synthesised = border.mode == lumBorderConstant ? outside : row.row;
-            for (int64_t x = part.x; x < first; ++x)
-                copyPixel<channels>(synthesised + column[x - part.x], to + (x - part.x) * channels);
-            copyFew(row.row + first * channels, (last - first) * channels, to + (first - part.x) * channels);
-            for (int64_t x = last; x < partEnd; ++x)
-                copyPixel<channels>(synthesised + column[x - part.x], to + (x - part.x) * channels);
+            const T* const shown = border.mode == lumBorderConstant ? outside : row.row;
+            const auto synthesise = [&](int64_t begin, int64_t end) {
+                T* const at = to + (begin - part.x) * channels;
+                const int64_t* const from = column + (begin - part.x);
+                if (border.mode != lumBorderMirror)
+                    return simd::fillFew<pixelBytes>(at, shown + from[0], end - begin);
+                for (int64_t j = 0; j < end - begin; ++j)
+                    std::memcpy(at + j * channels, shown + from[j], pixelBytes);
+            };
+            if (part.x < first)
+                synthesise(part.x, first);
+            simd::copyFew(to + (first - part.x) * channels, row.row + first * channels,
+                          byteStep((last - first) * channels));
+            if (last < partEnd)
+                synthesise(last, partEnd);
         }
-    }
-
-    template <int elements>
-    [[gnu::always_inline]] static inline void copyPixel(const T* from, T* to)
-    {
-        std::memcpy(to, from, elements * sizeof(T));
     }
 
     /// The kernel for the element's shape; all give the same image.
@@ -298,9 +281,7 @@ class Pass
             rectangle<Operation>(area, element_.width, element_.height, ring_);
         else if ((element_.flags & (shapeDisc | shapeDisc5x5 | shapeDisc7x7)) == shapeDisc)
             smallCross<Operation>(area);
-        else if (element_.is(shapeRowRuns) && fitsRowRuns(area, element_, ring_))
-            rowRuns<Operation>(area, element_, ring_);
-        else
+        else if (!element_.is(shapeRowRuns) || !rowRuns<Operation>(area, element_, ring_))
             anyShape<Operation>(area, element_);
     }
 

@@ -2,6 +2,7 @@
 // part of the interface.
 #pragma once
 
+#include "frame/border.hpp"
 #include "frame/checks.hpp"
 #include "morph/area.hpp"
 
@@ -9,6 +10,15 @@ namespace lumcv {
 
 /// The largest border value of morphology.
 inline constexpr Lum32u largestMorphologyBorder = 4095;
+
+/// The largest width, height and stride of the 64-bit functions.
+inline constexpr int64_t largestLength = 0x7FFFFFFE;
+
+/// The value is compared as unsigned, so a negative one is too large.
+constexpr bool isMorphologyRange(LumiBorderType value)
+{
+    return static_cast<Lum32u>(value) <= largestMorphologyBorder;
+}
 
 constexpr bool isMorphologyMode(LumiBorderType value)
 {
@@ -21,13 +31,6 @@ constexpr bool isMorphologyMode(LumiBorderType value)
 constexpr LumiBorderType withStageFlags(LumiBorderType value)
 {
     return (value & 0xFF) | (value >> 4 & lumBorderInMem);
-}
-
-/// A value is needed for each channel where the mode is constant.
-template <class T>
-constexpr bool hasBorderValue(LumiBorderType borderType, const T* borderValue)
-{
-    return (borderType & 15) != lumBorderConstant || borderValue;
 }
 
 template <class Operation, class T, int channels>
@@ -46,21 +49,13 @@ struct PassRules
     /// The upper limits of the 64-bit functions.
     static LumStatus limits(LumiSizeL roi, int64_t srcStep, int64_t dstStep)
     {
-        constexpr int64_t largest = 0x7FFFFFFE;
         return Checks{}
-            .require(roi.width <= largest && roi.height <= largest, tellsLimitsApart ? lumErrSize : lumErrSizeTooLarge)
-            .require(srcStep <= largest && dstStep <= largest, tellsLimitsApart ? lumErrStep : lumErrSizeTooLarge)
+            .require(roi.width <= largestLength && roi.height <= largestLength,
+                     tellsLimitsApart ? lumErrSize : lumErrSizeTooLarge)
+            .require(srcStep <= largestLength && dstStep <= largestLength,
+                     tellsLimitsApart ? lumErrStep : lumErrSizeTooLarge)
             .status();
     }
 };
-
-/// Strides of the 64-bit functions hold a row, in 64-bit arithmetic.
-template <class T>
-Checks& rowsFit(Checks& checks, Plane<const T> src, Plane<T> dst, int64_t width, int channels)
-{
-    // sizes above 31 bits have failed before
-    const int64_t rowBytes = width <= INT_MAX ? width * channels * static_cast<int64_t>(sizeof(T)) : INT64_MAX;
-    return checks.require(rowBytes <= src.step && rowBytes <= dst.step, lumErrStep);
-}
 
 }  // namespace lumcv

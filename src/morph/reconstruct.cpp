@@ -9,6 +9,7 @@
 #include <cstring>
 #include <limits>
 
+#include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "lumcv/morph.h"
 #include "simd/simd.hpp"
@@ -321,18 +322,16 @@ class NarrowRowSpreader
 
     void spreadAll(T* marker, const T* mask, const T* before) const
     {
-        const Rows rows(*this, marker, mask, before);
-        T* const line = const_cast<T*>(rows.marker);
-        spreader_.spreadAll(line, rows.mask, before ? rows.before : nullptr);
-        std::memcpy(marker, line, static_cast<size_t>(width_) * sizeof(T));
+        Rows rows(*this, marker, mask, before);
+        spreader_.spreadAll(rows.marker, rows.mask, before ? rows.before : nullptr);
+        std::memcpy(marker, rows.marker, static_cast<size_t>(width_) * sizeof(T));
     }
 
     Sections spreadChanges(T* marker, const T* mask, const T* before, Sections look) const
     {
-        const Rows rows(*this, marker, mask, before);
-        T* const line = const_cast<T*>(rows.marker);
-        const Sections changed = spreader_.spreadChanges(line, rows.mask, rows.before, look);
-        std::memcpy(marker, line, static_cast<size_t>(width_) * sizeof(T));
+        Rows rows(*this, marker, mask, before);
+        const Sections changed = spreader_.spreadChanges(rows.marker, rows.mask, rows.before, look);
+        std::memcpy(marker, rows.marker, static_cast<size_t>(width_) * sizeof(T));
         return changed;
     }
 
@@ -457,10 +456,7 @@ LumStatus lumiMorphReconstructGetBufferSize(LumiSize roiSize, LumDataType dataTy
         default:
             bytes = 32 * width + height + 168;
     }
-    if (bytes > INT_MAX)
-        return lumErrSizeTooLarge;
-    *pBufferSize = static_cast<Lum32s>(bytes);
-    return lumOk;
+    return storeSize(bytes, pBufferSize);
 }
 
 LumStatus lumiMorphReconstructDilate_8u_C1IR(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pSrcDst, Lum32s srcDstStep,

@@ -3,6 +3,7 @@
 // Rectangles of 3x3 and 5x5 advance by as many rows as two windows share; what those rows have in common is carried
 // from step to step. For others a ring holds rows of windows, from which a block of output rows is combined: the rows
 // that all of them see are taken together once, and what each sees above and below is added step by step.
+#include "filter/bands.hpp"
 #include "morph/area.hpp"
 #include "morph/morph_sizes.hpp"
 
@@ -17,10 +18,8 @@ int64_t bandElements(int64_t elements, int64_t widest)
 {
     if (elements <= widest)
         return elements;
-    const int64_t bands = (elements + widest - 1) / widest;
-    const int64_t even = (elements + bands - 1) / bands;
-    constexpr int64_t line = 64;
-    const int64_t whole = (even + line - 1) / line * line;
+    const int64_t even = evenBands(elements, widest);
+    const int64_t whole = roundedUp(even, 64);
     return whole < widest ? whole : even;
 }
 
@@ -45,13 +44,77 @@ template <int count, bool asksAhead, class Operation, class T>
         [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
 }
 
-template <int size, int channels, class Operation, class T, class Lanes>
-[[gnu::always_inline]] inline auto window(const T* first, Lanes lanes)
+// Squares of 3x3 and 5x5, in terms of what is kept of the pixels under them: an extreme, or both for a gradient.
+
+template <class T>
+inline constexpr int squareLanes = lanesIn<T, 2>;
+
+/// For each pixel of a vector the extreme by an operation.
+template <class T, class Operation>
+struct Extreme
 {
-    auto extreme = simd::load<lanes>(first);
+    static constexpr int N = squareLanes<T>;
+    static constexpr int vectors = 1;
+    simd::Vec<T, N> value;
+
+    [[gnu::always_inline]] static Extreme ofPixels(const T* pixels)
+    {
+        return {simd::load<N>(pixels)};
+    }
+
+    [[gnu::always_inline]] static Extreme carriedAt(const T* place)
+    {
+        return {simd::load<N>(place)};
+    }
+
+    [[gnu::always_inline]] void carry(T* place) const
+    {
+        simd::store(place, value);
+    }
+
+    [[gnu::always_inline]] friend Extreme joined(Extreme earlier, Extreme later)
+    {
+        return {Operation{}(earlier.value, later.value)};
+    }
+};
+
+/// The largest and the smallest.
+template <class T>
+struct Extremes
+{
+    static constexpr int N = squareLanes<T>;
+    static constexpr int vectors = 2;
+    simd::Vec<T, N> largest, smallest;
+
+    [[gnu::always_inline]] static Extremes ofPixels(const T* pixels)
+    {
+        return {simd::load<N>(pixels), simd::load<N>(pixels)};
+    }
+
+    [[gnu::always_inline]] static Extremes carriedAt(const T* place)
+    {
+        return {simd::load<N>(place), simd::load<N>(place + N)};
+    }
+
+    [[gnu::always_inline]] void carry(T* place) const
+    {
+        simd::store(place, largest);
+        simd::store(place + N, smallest);
+    }
+
+    [[gnu::always_inline]] friend Extremes joined(Extremes earlier, Extremes later)
+    {
+        return {Maximum{}(earlier.largest, later.largest), Minimum{}(earlier.smallest, later.smallest)};
+    }
+};
+
+template <class Kept, int size, int channels, class T>
+[[gnu::always_inline]] inline Kept window(const T* first)
+{
+    Kept kept = Kept::ofPixels(first);
     for (int i = 1; i < size; ++i)
-        extreme = Operation{}(extreme, simd::load<lanes>(first + i * channels));
-    return extreme;
+        kept = joined(kept, Kept::ofPixels(first + i * channels));
+    return kept;
 }
 
 /// Calls body(x, place) for the vectors of a row of n elements, N at least, with a place for what each vector carries
@@ -66,58 +129,54 @@ template <int N, int carriedVectors, class T, class Body>
         body(n - N, carried);
 }
 
-template <class T>
-inline constexpr int squareLanes = lanesIn<T, 2>;
-
-/// What a square of `size` carries for each vector: place i holds the extreme of the last size - 1 - i rows of windows.
-/// These are the first of them.
-template <int size, int channels, class Operation, class T>
+/// What a square of `size` carries for each vector: place i holds what is kept of the last size - 1 - i rows of
+/// windows. These are the first of them.
+template <class Kept, int size, int channels, class T>
 [[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, T* carried, int64_t n)
 {
-    constexpr int N = squareLanes<T>;
+    constexpr int place = Kept::vectors * Kept::N;
     const int64_t step = src.step;
     const T* const first = src.pixels;
-    eachCarrying<N, size - 1>(n, carried, [=](int64_t x, T* place) {
-        simd::Lanes<N> lanes;
-        auto above = window<size, channels, Operation>(rowAt(first + x, step, size - 2), lanes);
-        simd::store(place + (size - 2) * N, above);
+    eachCarrying<Kept::N, Kept::vectors*(size - 1)>(n, carried, [=](int64_t x, T* places) {
+        Kept above = window<Kept, size, channels>(rowAt(first + x, step, size - 2));
+        above.carry(places + (size - 2) * place);
         for (int i = size - 3; i >= 0; --i) {
-            above = Operation{}(window<size, channels, Operation>(rowAt(first + x, step, i), lanes), above);
-            simd::store(place + i * N, above);
+            above = joined(window<Kept, size, channels>(rowAt(first + x, step, i)), above);
+            above.carry(places + i * place);
         }
     });
 }
 
 /// Computes `rows` output rows from as many new rows, of which `src` is the first window, and what is carried; replaces
 /// that by the new rows if these are enough. The rows that many further on are asked for.
-template <int size, int channels, int rows, class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void advance(Plane<const T> src, Plane<T> dst, T* carried, int64_t n, int64_t rowsAhead)
+template <class Kept, int size, int channels, int rows, class Result, class T>
+[[gnu::flatten, gnu::noinline]] void advance(Result result, Plane<const T> src, Plane<T> dst, T* carried, int64_t n,
+                                             int64_t rowsAhead)
 {
-    constexpr int N = squareLanes<T>;
+    constexpr int N = Kept::N;
+    constexpr int place = Kept::vectors * N;
     const int64_t srcStep = src.step, dstStep = dst.step;
     const int64_t srcAhead = srcStep * rowsAhead, dstAhead = dstStep * rowsAhead;
     const T* const srcFirst = src.pixels;
     T* const dstFirst = dst.pixels;
-    eachCarrying<N, size - 1>(n, carried, [=](int64_t x, T* place) {
-        using V = simd::Vec<T, N>;
-        simd::Lanes<N> lanes;
-        V fresh[rows];
-        V below;
+    eachCarrying<N, Kept::vectors*(size - 1)>(n, carried, [=](int64_t x, T* places) {
+        Kept fresh[rows];
+        Kept below;
         for (int i = 0; i < rows; ++i) {
             const T* const first = rowAt(srcFirst + x, srcStep, i);
             T* const to = rowAt(dstFirst + x, dstStep, i);
             simd::prefetch<N>(rowAt(first, srcAhead, 1));
             simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
-            fresh[i] = window<size, channels, Operation>(first, lanes);
-            below = i == 0 ? fresh[0] : Operation{}(below, fresh[i]);
-            simd::store(to, Operation{}(simd::load<N>(place + i * N), below));
+            fresh[i] = window<Kept, size, channels>(first);
+            below = i == 0 ? fresh[0] : joined(below, fresh[i]);
+            simd::store(to, result(joined(Kept::carriedAt(places + i * place), below)));
         }
         if constexpr (rows == size - 1) {
-            V above = fresh[rows - 1];
-            simd::store(place + (size - 2) * N, above);
+            Kept above = fresh[rows - 1];
+            above.carry(places + (size - 2) * place);
             for (int i = size - 3; i >= 0; --i) {
-                above = Operation{}(fresh[i], above);
-                simd::store(place + i * N, above);
+                above = joined(fresh[i], above);
+                above.carry(places + i * place);
             }
         }
     });
@@ -125,18 +184,18 @@ template <int size, int channels, int rows, class Operation, class T>
 
 /// The columns that are worked through at a time, or 0 if there are too few or what they carry does not fit into the
 /// scratch. Which it is does not depend on the processor level: a not-a-number comes out by the order of operations.
-template <int size, class T>
-int64_t squareBand(int64_t elements, Scratch scratch)
+template <class T>
+int64_t squareBand(int64_t elements, int64_t carriedVectors, Scratch scratch)
 {
     constexpr int widestVector = 128;
     static_assert(squareLanes<T> <= widestVector);
-    const int64_t band = bandElements(elements, cacheBytes / 3 / (size - 1) / static_cast<int64_t>(sizeof(T)));
-    const int64_t carriedBytes = roundedUp(band, widestVector) * (size - 1) * static_cast<int64_t>(sizeof(T));
+    const int64_t band = bandElements(elements, cacheBytes / 3 / carriedVectors / static_cast<int64_t>(sizeof(T)));
+    const int64_t carriedBytes = roundedUp(band, widestVector) * carriedVectors * static_cast<int64_t>(sizeof(T));
     return band >= widestVector && carriedBytes <= scratch.bytes ? band : 0;
 }
 
-template <int size, int channels, class Operation, class T>
-void square(Area<T> area, int64_t band, Scratch scratch)
+template <class Kept, int size, int channels, class Result, class T>
+void square(Result result, Area<T> area, int64_t band, Scratch scratch)
 {
     constexpr int radius = size / 2;
     constexpr int step = size - 1;
@@ -148,15 +207,15 @@ void square(Area<T> area, int64_t band, Scratch scratch)
         const Plane<T> dst{area.dst.pixels + begin, area.dst.step};
         const auto srcFrom = [&](int64_t y) { return Plane<const T>{src.row(y), src.step}; };
         const auto dstFrom = [&](int64_t y) { return Plane<T>{dst.row(y), dst.step}; };
-        beginCarrying<size, channels, Operation>(src, carried, band);
+        beginCarrying<Kept, size, channels>(src, carried, band);
         int64_t y = 0;
         for (; y + step <= area.height; y += step) {
             const int64_t ahead = y + 2 * step <= area.height ? step : 0;
-            advance<size, channels, step, Operation>(srcFrom(y + step), dstFrom(y), carried, band, ahead);
+            advance<Kept, size, channels, step>(result, srcFrom(y + step), dstFrom(y), carried, band, ahead);
         }
         const auto rest = [&]<int rows>(simd::Lanes<rows>) {
             if (area.height - y == rows)
-                advance<size, channels, rows, Operation>(srcFrom(y + step), dstFrom(y), carried, band, 0);
+                advance<Kept, size, channels, rows>(result, srcFrom(y + step), dstFrom(y), carried, band, 0);
         };
         rest(simd::Lanes<1>{});
         if constexpr (step > 2) {
@@ -166,20 +225,20 @@ void square(Area<T> area, int64_t band, Scratch scratch)
     }
 }
 
-/// A square of 3x3 or 5x5; false if the area is too narrow.
-template <int size, class Operation, class T>
-bool smallSquare(Area<T> area, Scratch scratch)
+/// A square of 3x3 or 5x5, result(kept) being its output; false if the area is too narrow.
+template <class Kept, int size, class Result, class T>
+bool smallSquare(Result result, Area<T> area, Scratch scratch)
 {
-    const int64_t band = squareBand<size, T>(area.elements, scratch);
+    const int64_t band = squareBand<T>(area.elements, Kept::vectors * (size - 1), scratch);
     if (band == 0)
         return false;
     if (area.channels == 1)
-        square<size, 1, Operation>(area, band, scratch);
+        square<Kept, size, 1>(result, area, band, scratch);
     if constexpr (!std::is_same_v<T, Lum16u> && !std::is_same_v<T, Lum16s>) {
         if (area.channels == 3)
-            square<size, 3, Operation>(area, band, scratch);
+            square<Kept, size, 3>(result, area, band, scratch);
         if (area.channels == 4)
-            square<size, 4, Operation>(area, band, scratch);
+            square<Kept, size, 4>(result, area, band, scratch);
     }
     return true;
 }
@@ -218,27 +277,40 @@ template <int rows, class Operation, class T>
     const int64_t tabled = height - rows < tableRows ? height - rows : tableRows;
     for (int64_t i = 0; i < tabled; ++i)
         table[i] = windows.row(rows + i);
-    simd::eachAtLeastOnce<lanesIn<T, 1>>(0, n, [=, &table](int64_t x, auto lanes) {
-        using V = simd::Vec<T, lanes>;
-        V common = simd::load<lanes>(above[rows - 1] + x);
+    // a cache line at a time: there is enough to do while the maximum of what all rows see waits for its next row
+    constexpr int line = 64 / static_cast<int>(sizeof(T));
+    simd::eachAtLeastOnce<line>(0, n, [=, &table](int64_t x, auto lanes) {
+        constexpr int N = lanes < simd::registerLanes<T> ? int{lanes} : simd::registerLanes<T>;
+        constexpr int parts = lanes / N;
+        using V = simd::Vec<T, N>;
+        V common[parts];
+        const auto see = [&](const T* row) {
+            for (int i = 0; i < parts; ++i)
+                common[i] = Operation{}(common[i], simd::load<N>(row + x + i * N));
+        };
+        for (int i = 0; i < parts; ++i)
+            common[i] = simd::load<N>(above[rows - 1] + x + i * N);
         for (int64_t i = 0; i < tabled; ++i)
-            common = Operation{}(common, simd::load<lanes>(table[i] + x));
+            see(table[i]);
         for (int64_t i = rows + tabled; i < height; ++i)
-            common = Operation{}(common, simd::load<lanes>(windows.row(i) + x));
-        V seen[rows];  // by each output row, down to the last common one
-        seen[rows - 1] = common;
-        for (int i = rows - 2; i >= 0; --i)
-            seen[i] = Operation{}(simd::load<lanes>(above[i] + x), seen[i + 1]);
+            see(windows.row(i));
         if constexpr (lanes > 1)
             for (int i = 0; i < rows; ++i)
                 simd::prefetch<lanes>(static_cast<const T*>(rowAt(d[i] + x, dstAhead, 1)));
-        simd::store(d[0] + x, seen[0]);
-        if constexpr (rows > 1) {
-            V rest = simd::load<lanes>(below[1] + x);
-            simd::store(d[1] + x, Operation{}(seen[1], rest));
-            for (int i = 2; i < rows; ++i) {
-                rest = Operation{}(rest, simd::load<lanes>(below[i] + x));
-                simd::store(d[i] + x, Operation{}(seen[i], rest));
+        for (int part = 0; part < parts; ++part) {
+            const int64_t at = x + part * N;
+            V seen[rows];  // by each output row, down to the last common one
+            seen[rows - 1] = common[part];
+            for (int i = rows - 2; i >= 0; --i)
+                seen[i] = Operation{}(simd::load<N>(above[i] + at), seen[i + 1]);
+            simd::store(d[0] + at, seen[0]);
+            if constexpr (rows > 1) {
+                V rest = simd::load<N>(below[1] + at);
+                simd::store(d[1] + at, Operation{}(seen[1], rest));
+                for (int i = 2; i < rows; ++i) {
+                    rest = Operation{}(rest, simd::load<N>(below[i] + at));
+                    simd::store(d[i] + at, Operation{}(seen[i], rest));
+                }
             }
         }
     });
@@ -297,9 +369,11 @@ void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, 
 template <class Operation, class T>
 void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
 {
-    if (width == 3 && height == 3 && smallSquare<3, Operation>(area, scratch))
+    using Kept = Extreme<T, Operation>;
+    const auto value = [](Kept kept) { return kept.value; };
+    if (width == 3 && height == 3 && smallSquare<Kept, 3>(value, area, scratch))
         return;
-    if (width == 5 && height == 5 && smallSquare<5, Operation>(area, scratch))
+    if (width == 5 && height == 5 && smallSquare<Kept, 5>(value, area, scratch))
         return;
 
     const int64_t channels = area.channels;
@@ -354,6 +428,14 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
     }
 }
 
+template <class T>
+bool squareGradient(Area<T> area, int64_t size, Difference<T> difference, Scratch scratch)
+{
+    const auto range = [=](Extremes<T> kept) { return difference(kept.largest, kept.smallest); };
+    return size == 3 ? smallSquare<Extremes<T>, 3>(range, area, scratch)
+                     : smallSquare<Extremes<T>, 5>(range, area, scratch);
+}
+
 template void rectangle<Maximum>(Area<Lum8u>, int64_t, int64_t, Scratch);
 template void rectangle<Maximum>(Area<Lum16u>, int64_t, int64_t, Scratch);
 template void rectangle<Maximum>(Area<Lum16s>, int64_t, int64_t, Scratch);
@@ -362,6 +444,10 @@ template void rectangle<Minimum>(Area<Lum8u>, int64_t, int64_t, Scratch);
 template void rectangle<Minimum>(Area<Lum16u>, int64_t, int64_t, Scratch);
 template void rectangle<Minimum>(Area<Lum16s>, int64_t, int64_t, Scratch);
 template void rectangle<Minimum>(Area<Lum32f>, int64_t, int64_t, Scratch);
+template bool squareGradient(Area<Lum8u>, int64_t, Difference<Lum8u>, Scratch);
+template bool squareGradient(Area<Lum16u>, int64_t, Difference<Lum16u>, Scratch);
+template bool squareGradient(Area<Lum16s>, int64_t, Difference<Lum16s>, Scratch);
+template bool squareGradient(Area<Lum32f>, int64_t, Difference<Lum32f>, Scratch);
 template void growWindows<Maximum>(const Lum8u*, int64_t, Lum8u*, Lum8u*, int64_t, int64_t, int64_t, int64_t);
 template void growWindows<Maximum>(const Lum16u*, int64_t, Lum16u*, Lum16u*, int64_t, int64_t, int64_t, int64_t);
 template void growWindows<Maximum>(const Lum16s*, int64_t, Lum16s*, Lum16s*, int64_t, int64_t, int64_t, int64_t);

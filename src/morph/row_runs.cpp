@@ -216,8 +216,8 @@ void joinSet(const Area<T>& area, const Element& element, const T* src, T* dst, 
 
 }  // namespace
 
-template <class T>
-bool fitsRowRuns(const Area<T>& area, const Element& element, Scratch scratch)
+template <class Operation, class T>
+bool rowRuns(Area<T> area, const Element& element, Scratch scratch)
 {
     if (element.height > mostRows)
         return false;
@@ -226,14 +226,8 @@ bool fitsRowRuns(const Area<T>& area, const Element& element, Scratch scratch)
         return false;
     const RingLayout layout = ringLayout(area, element, lengths, scratch);
     constexpr int64_t worthwhile = 64;
-    return layout.band >= (area.elements < worthwhile ? area.elements : worthwhile);
-}
-
-template <class Operation, class T>
-void rowRuns(Area<T> area, const Element& element, Scratch scratch)
-{
-    const RunLengths lengths(element);
-    const RingLayout layout = ringLayout(area, element, lengths, scratch);
+    if (layout.band < (area.elements < worthwhile ? area.elements : worthwhile))
+        return false;
     const int64_t pitch = layout.pitch(), channels = area.channels;
     T* const ring = reinterpret_cast<T*>(scratch.begin);
     const auto srcRow = [&](int64_t y, int64_t begin) {
@@ -266,6 +260,7 @@ void rowRuns(Area<T> area, const Element& element, Scratch scratch)
             firstSlot = firstSlot + 1 == layout.slots ? 0 : firstSlot + 1;
         }
     }
+    return true;
 }
 
 template <class Operation, class T>
@@ -303,25 +298,21 @@ void anyShape(Area<T> area, const Element& element)
     }
 }
 
-template bool fitsRowRuns(const Area<Lum8u>&, const Element&, Scratch);
-template bool fitsRowRuns(const Area<Lum16u>&, const Element&, Scratch);
-template bool fitsRowRuns(const Area<Lum16s>&, const Element&, Scratch);
-template bool fitsRowRuns(const Area<Lum32f>&, const Element&, Scratch);
-template void rowRuns<Maximum>(Area<Lum8u>, const Element&, Scratch);
+template bool rowRuns<Maximum>(Area<Lum8u>, const Element&, Scratch);
 template bool rowRunsAlong<Maximum>(Area<Lum8u>, int64_t, const Element&, Scratch);
-template void rowRuns<Maximum>(Area<Lum16u>, const Element&, Scratch);
+template bool rowRuns<Maximum>(Area<Lum16u>, const Element&, Scratch);
 template bool rowRunsAlong<Maximum>(Area<Lum16u>, int64_t, const Element&, Scratch);
-template void rowRuns<Maximum>(Area<Lum16s>, const Element&, Scratch);
+template bool rowRuns<Maximum>(Area<Lum16s>, const Element&, Scratch);
 template bool rowRunsAlong<Maximum>(Area<Lum16s>, int64_t, const Element&, Scratch);
-template void rowRuns<Maximum>(Area<Lum32f>, const Element&, Scratch);
+template bool rowRuns<Maximum>(Area<Lum32f>, const Element&, Scratch);
 template bool rowRunsAlong<Maximum>(Area<Lum32f>, int64_t, const Element&, Scratch);
-template void rowRuns<Minimum>(Area<Lum8u>, const Element&, Scratch);
+template bool rowRuns<Minimum>(Area<Lum8u>, const Element&, Scratch);
 template bool rowRunsAlong<Minimum>(Area<Lum8u>, int64_t, const Element&, Scratch);
-template void rowRuns<Minimum>(Area<Lum16u>, const Element&, Scratch);
+template bool rowRuns<Minimum>(Area<Lum16u>, const Element&, Scratch);
 template bool rowRunsAlong<Minimum>(Area<Lum16u>, int64_t, const Element&, Scratch);
-template void rowRuns<Minimum>(Area<Lum16s>, const Element&, Scratch);
+template bool rowRuns<Minimum>(Area<Lum16s>, const Element&, Scratch);
 template bool rowRunsAlong<Minimum>(Area<Lum16s>, int64_t, const Element&, Scratch);
-template void rowRuns<Minimum>(Area<Lum32f>, const Element&, Scratch);
+template bool rowRuns<Minimum>(Area<Lum32f>, const Element&, Scratch);
 template bool rowRunsAlong<Minimum>(Area<Lum32f>, int64_t, const Element&, Scratch);
 template void anyShape<Maximum>(Area<Lum8u>, const Element&);
 template void anyShape<Maximum>(Area<Lum16u>, const Element&);

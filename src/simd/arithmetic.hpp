@@ -1,4 +1,4 @@
-// Lane arithmetic that the operators lack: extremes, magnitudes, saturation, selection by a byte mask.
+// Lane arithmetic that the operators lack: extremes, magnitudes, saturation.
 #pragma once
 
 #include "simd/vec.hpp"
@@ -164,6 +164,27 @@ template <int N>
     }
 }
 
+/// The magnitude of words, of which the smallest has 32768.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16u, N> magnitude(Vec<Lum16s, N> a)
+{
+    using V = Vec<Lum16u, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {magnitude(a.lo), magnitude(a.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<Lum16u>(a.raw < 0 ? -a.raw : a.raw)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_abs_epi16(bits(a.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_abs_epi16(bits(a.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_abs_epi16(bits(a.raw))};
+#endif
+}
+
 /// a + b, or the greatest value where that is more, for unsigned lanes.
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> addSaturated(Vec<T, N> a, Vec<T, N> b)
@@ -289,38 +310,6 @@ template <class T, int N>
         return magnitude(a - b);
     else
         return subtractSaturated(a, b) | subtractSaturated(b, a);
-}
-
-/// v where the mask byte is not zero, 0.0 elsewhere.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum32f, N> keepWhere(const Lum8u* mask, Vec<Lum32f, N> v)
-{
-    using V = Vec<Lum32f, N>;
-    if constexpr (kindOf<Lum32f, N> == Kind::pair)
-        return {keepWhere(mask, v.lo), keepWhere(mask + N / 2, v.hi)};
-    else if constexpr (N == 1)
-        return {*mask ? v.raw : 0.0f};
-    else if constexpr (N == 4) {
-        const __m128i dropped = _mm_cmpeq_epi8(_mm_loadu_si32(mask), _mm_setzero_si128());
-        return V{_mm_andnot_ps(_mm_castsi128_ps(_mm_cvtepi8_epi32(dropped)), v.raw)};
-    }
-#if defined(__AVX512BW__)
-    else if constexpr (N == 16) {
-        const __m128i m = _mm_loadu_si128(reinterpret_cast<const __m128i*>(mask));
-        return V{_mm512_maskz_mov_ps(_mm_test_epi8_mask(m, m), v.raw)};
-    }
-#endif
-    else {
-        const __m128i dropped =
-            _mm_cmpeq_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask)), _mm_setzero_si128());
-#if defined(__AVX2__)
-        const __m256i wide = _mm256_cvtepi8_epi32(dropped);
-#else
-        const __m256i wide = _mm256_insertf128_si256(_mm256_castsi128_si256(_mm_cvtepi8_epi32(dropped)),
-                                                     _mm_cvtepi8_epi32(_mm_srli_si128(dropped, 4)), 1);
-#endif
-        return V{_mm256_andnot_ps(_mm256_castsi256_ps(wide), v.raw)};
-    }
 }
 
 }  // namespace lumcv::simd

@@ -14,6 +14,16 @@ template <class T, int N>
         return {(decltype(a.raw))(a.raw & b.raw)};
 }
 
+/// The bits in which a and b differ.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> operator^(Vec<T, N> a, Vec<T, N> b)
+{
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {a.lo ^ b.lo, a.hi ^ b.hi};
+    else
+        return {(decltype(a.raw))(a.raw ^ b.raw)};
+}
+
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> operator~(Vec<T, N> a)
 {
@@ -50,6 +60,36 @@ template <int N>
 [[gnu::always_inline]] inline Vec<Lum8u, N> loadBits(const Lum8u* p, int shift)
 {
     return betweenBytes(load<N>(p), load<N>(p + 1), shift);
+}
+
+/// A byte for each of N bits: 255 where it is set, 0 elsewhere.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum8u, N> spreadBits(const Lum8u* p)
+{
+    using V = Vec<Lum8u, N>;
+    if constexpr (kindOf<Lum8u, N> == Kind::pair)
+        return {spreadBits<N / 2>(p), spreadBits<N / 2>(p + N / 16)};
+    else if constexpr (N == 16) {
+        const __m128i each = _mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201));
+        const __m128i bytes = _mm_shuffle_epi8(_mm_loadu_si16(p), _mm_set_epi64x(0x0101010101010101, 0));
+        return {(typename V::Raw)_mm_cmpeq_epi8(_mm_and_si128(bytes, each), each)};
+    }
+#if defined(__AVX512BW__)
+    else if constexpr (N == 64) {
+        uint64_t mask;
+        __builtin_memcpy(&mask, p, sizeof mask);
+        return {(typename V::Raw)_mm512_movm_epi8(mask)};
+    }
+#endif
+#if defined(__AVX2__)
+    else {
+        static_assert(N == 32);
+        const __m256i each = _mm256_set1_epi64x(static_cast<int64_t>(0x8040201008040201));
+        const __m256i places = _mm256_set_epi64x(0x0303030303030303, 0x0202020202020202, 0x0101010101010101, 0);
+        const __m256i bytes = _mm256_shuffle_epi8(_mm256_broadcastd_epi32(_mm_loadu_si32(p)), places);
+        return {(typename V::Raw)_mm256_cmpeq_epi8(_mm256_and_si256(bytes, each), each)};
+    }
+#endif
 }
 
 }  // namespace lumcv::simd

@@ -12,6 +12,7 @@ namespace lumcv::simd {
 template <int N>
 struct SplitWords
 {
+    static_assert(N >= registerLanes<Lum8u>, "even and odd pixels are those of whole registers");
     Vec<Lum16s, N / 2> even, odd;
 };
 

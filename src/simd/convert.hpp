@@ -73,6 +73,58 @@ template <int N>
 #endif
 }
 
+/// Loads N bytes as words.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16s, N> loadWords(const Lum8u* p)
+{
+    using V = Vec<Lum16s, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {loadWords<N / 2>(p), loadWords<N / 2>(p + N / 2)};
+    else if constexpr (N == 1)
+        return {*p};
+    else if constexpr (N == 8)
+        return {(typename V::Raw)_mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)))};
+#if defined(__AVX2__)
+    else if constexpr (N == 16)
+        return {(typename V::Raw)_mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)))};
+#endif
+}
+
+/// Words as single-precision numbers, value for value.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N> toFloat(Vec<Lum16s, N> v)
+{
+    using V = Vec<Lum32f, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {toFloat(v.lo), toFloat(v.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<Lum32f>(v.raw)};
+#if defined(__AVX512BW__)
+    else if constexpr (N == 32)
+        return {toFloat(Vec<Lum16s, 16>{(typename Vec<Lum16s, 16>::Raw)_mm512_castsi512_si256(bits(v.raw))}),
+                toFloat(Vec<Lum16s, 16>{(typename Vec<Lum16s, 16>::Raw)_mm512_extracti64x4_epi64(bits(v.raw), 1)})};
+    else if constexpr (N == 16)
+        return V{_mm512_cvtepi32_ps(_mm512_cvtepi16_epi32(bits(v.raw)))};
+#endif
+#if defined(__AVX2__)
+    else if constexpr (N == 16)
+        return {toFloat(Vec<Lum16s, 8>{(typename Vec<Lum16s, 8>::Raw)_mm256_castsi256_si128(bits(v.raw))}),
+                toFloat(Vec<Lum16s, 8>{(typename Vec<Lum16s, 8>::Raw)_mm256_extracti128_si256(bits(v.raw), 1)})};
+    else
+        return V{_mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(bits(v.raw)))};
+#else
+    else {
+        const __m128i low = _mm_cvtepi16_epi32(bits(v.raw));
+        const __m128i high = _mm_cvtepi16_epi32(_mm_unpackhi_epi64(bits(v.raw), bits(v.raw)));
+        return V{_mm256_cvtepi32_ps(_mm256_insertf128_si256(_mm256_castsi128_si256(low), high, 1))};
+    }
+#endif
+}
+
 /// Nearest integers, ties to even; what lies beyond 32 bits gives the smallest integer.
 template <int N>
 [[gnu::always_inline]] inline Vec<Lum32s, N> toNearest(Vec<Lum32f, N> v)
@@ -260,6 +312,50 @@ template <class T, int N>
         return v;
     else
         return roundTo<T>(min(v, broadcast<N>(static_cast<Lum32f>(std::numeric_limits<T>::max()))));
+}
+
+/// The lower half of the lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N / 2> lowerHalf(Vec<Lum32f, N> v)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return v.lo;
+    else if constexpr (N == 8)
+        return {_mm256_castps256_ps128(v.raw)};
+#if defined(__AVX512BW__)
+    else
+        return {_mm512_castps512_ps256(v.raw)};
+#endif
+}
+
+/// The upper half of the lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N / 2> upperHalf(Vec<Lum32f, N> v)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return v.hi;
+    else if constexpr (N == 8)
+        return {_mm256_extractf128_ps(v.raw, 1)};
+#if defined(__AVX512BW__)
+    else
+        return {_mm512_extractf32x8_ps(v.raw, 1)};
+#endif
+}
+
+/// The same numbers in double precision.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum64f, N> toDouble(Vec<Lum32f, N> v)
+{
+    if constexpr (N == 1)
+        return {v.raw};
+    else if constexpr (kindOf<Lum64f, N> == Kind::pair)
+        return {toDouble(lowerHalf(v)), toDouble(upperHalf(v))};
+    else if constexpr (N == 4)
+        return {_mm256_cvtps_pd(v.raw)};
+#if defined(__AVX512BW__)
+    else
+        return {_mm512_cvtps_pd(v.raw)};
+#endif
 }
 
 }  // namespace lumcv::simd

@@ -141,4 +141,37 @@ template <class T, int N>
     }
 }
 
+/// Whether a == b in any lane, of floats or unsigned integers. A not-a-number equals nothing; zeros of both signs are
+/// equal.
+template <class T, int N>
+[[gnu::always_inline]] inline bool anyEqual(Vec<T, N> a, Vec<T, N> b)
+{
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return anyEqual(a.lo, b.lo) || anyEqual(a.hi, b.hi);
+    else if constexpr (N == 1)
+        return a.raw == b.raw;
+#if defined(__AVX512BW__)
+    else if constexpr (sizeof a == 64) {
+        if constexpr (std::is_same_v<T, Lum32f>)
+            return _mm512_cmp_ps_mask(a.raw, b.raw, _CMP_EQ_OQ) != 0;
+        else if constexpr (sizeof(T) == 1)
+            return _mm512_cmpeq_epi8_mask(bits(a.raw), bits(b.raw)) != 0;
+        else
+            return _mm512_cmpeq_epi16_mask(bits(a.raw), bits(b.raw)) != 0;
+    }
+#endif
+    else {
+        const auto equal = a.raw == b.raw;
+        if constexpr (sizeof equal == 16)
+            return _mm_movemask_epi8((__m128i)equal) != 0;
+#if defined(__AVX2__)
+        else
+            return _mm256_movemask_epi8((__m256i)equal) != 0;
+#else
+        else
+            return _mm256_movemask_ps((__m256)equal) != 0;
+#endif
+    }
+}
+
 }  // namespace lumcv::simd

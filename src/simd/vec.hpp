@@ -111,6 +111,17 @@ template <class T, int N>
         return {(decltype(a.raw))(wrapping(a) * wrapping(b))};
 }
 
+/// The quotient, of floats.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> operator/(Vec<T, N> a, Vec<T, N> b)
+{
+    static_assert(std::is_floating_point_v<T>);
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {a.lo / b.lo, a.hi / b.hi};
+    else
+        return {a.raw / b.raw};
+}
+
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> operator|(Vec<T, N> a, Vec<T, N> b)
 {

@@ -121,4 +121,38 @@ template <int N>
         return {(typename V::Raw)grouped<Lum16s>(bits(a.low.raw), bits(a.high.raw))};
 }
 
+/// a * a + b * b for each of N pairs of words, in their order and modulo 2^32.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32s, N> squareSums(const Lum16s* a, const Lum16s* b)
+{
+    using V = Vec<Lum32s, N>;
+    if constexpr (kindOf<Lum32s, N> == Kind::pair)
+        return {squareSums<N / 2>(a, b), squareSums<N / 2>(a + N / 2, b + N / 2)};
+    else if constexpr (N == 1)
+        return Vec<Lum32s, 1>{*a} * Vec<Lum32s, 1>{*a} + Vec<Lum32s, 1>{*b} * Vec<Lum32s, 1>{*b};
+    else if constexpr (N == 4) {
+        const __m128i pairs = _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(a)),
+                                                 _mm_loadl_epi64(reinterpret_cast<const __m128i*>(b)));
+        return {(typename V::Raw)_mm_madd_epi16(pairs, pairs)};
+    }
+#if defined(__AVX2__)
+    else if constexpr (N == 8) {
+        const auto loaded = [](const Lum16s* p) {
+            return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+        };
+        const __m256i pairs = _mm256_or_si256(loaded(a), _mm256_slli_epi32(loaded(b), 16));
+        return {(typename V::Raw)_mm256_madd_epi16(pairs, pairs)};
+    }
+#endif
+#if defined(__AVX512BW__)
+    else {
+        const auto loaded = [](const Lum16s* p) {
+            return _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
+        };
+        const __m512i pairs = _mm512_or_si512(loaded(a), _mm512_slli_epi32(loaded(b), 16));
+        return {(typename V::Raw)_mm512_madd_epi16(pairs, pairs)};
+    }
+#endif
+}
+
 }  // namespace lumcv::simd

@@ -6,17 +6,9 @@
 #include <vector>
 
 #include "filter/pipeline_reference.hpp"
-#include "support/image.hpp"
+#include "support/promised_margins.hpp"
 
 namespace lumcv::test {
-
-// The pixels of its reach that a filter may read from memory: those of the flagged sides.
-inline Margins promisedMargins(LumiBorderType border, Margins reach)
-{
-    const auto side = [&](LumiBorderType flag, int pixels) { return (border & flag) != 0 ? pixels : 0; };
-    return {side(lumBorderInMemTop, reach.top), side(lumBorderInMemBottom, reach.bottom),
-            side(lumBorderInMemLeft, reach.left), side(lumBorderInMemRight, reach.right)};
-}
 
 // What the family of filters accepts: a mode with any sides in memory, or exactly 240.
 inline bool isFilterBorder(LumiBorderType border)

@@ -274,16 +274,7 @@ Image<typename Form::Element> result(const Setting& s, const Image<typename Form
     const PlacedBlock scratch(scratchBytes<Form>(s));
     const BorderValue<Form> borderValue(s);
     Image<typename Form::Element> destination(s.layout<Form>());
-    ApplyArguments<Form> arguments;
-    arguments.pSrc = source.pixels();
-    arguments.srcStep = source.step();
-    arguments.pDst = destination.pixels();
-    arguments.dstStep = destination.step();
-    arguments.roiSize = {s.width, s.height};
-    arguments.border = s.border;
-    arguments.pBorderValue = borderValue.forBorder(s.border);
-    arguments.pSpec = {record.data()};
-    arguments.pBuffer = scratch.data();
+    const auto arguments = argumentsFor<Form>(s, source, destination, record, scratch, borderValue.forBorder(s.border));
     EXPECT_EQ(arguments.call(s.operation, s.generation), lumOk);
     return destination;
 }
@@ -370,14 +361,7 @@ TYPED_TEST(CompoundCasesOfFormsQuick, EvenModesWorkOnEveryRecord)
                 EXPECT_EQ(generation == kLarge ? lumiMorphSetMode_L(mode, any) : lumiMorphSetMode(mode, any), lumOk);
             }
             Image<T> destination(s.layout<TypeParam>());
-            ApplyArguments<TypeParam> arguments;
-            arguments.pSrc = source.pixels();
-            arguments.srcStep = source.step();
-            arguments.pDst = destination.pixels();
-            arguments.dstStep = destination.step();
-            arguments.roiSize = {s.width, s.height};
-            arguments.pSpec = {record.data()};
-            arguments.pBuffer = scratch.data();
+            const auto arguments = argumentsFor<TypeParam>(s, source, destination, record, scratch);
             EXPECT_EQ(arguments.call(s.operation, generation), lumOk);
             EXPECT_TRUE(sameImage(expected, destination)) << "modes ending in " << modes.back();
             EXPECT_TRUE(record.intact());
@@ -417,14 +401,7 @@ void expectInPlace(const Setting& s)
     const Image<T> expected = reference<Form>(s, image, nullptr);
     const PlacedBlock record = makeRecord<Form>(s);
     const PlacedBlock scratch(scratchBytes<Form>(s));
-    ApplyArguments<Form> arguments;
-    arguments.pSrc = image.pixels();
-    arguments.srcStep = image.step();
-    arguments.pDst = image.pixels();
-    arguments.dstStep = image.step();
-    arguments.roiSize = {s.width, s.height};
-    arguments.pSpec = {record.data()};
-    arguments.pBuffer = scratch.data();
+    const auto arguments = argumentsFor<Form>(s, image, image, record, scratch);
     EXPECT_EQ(arguments.call(s.operation, s.generation), lumOk);
     EXPECT_TRUE(sameImage(expected, image)) << s;
 }

@@ -132,6 +132,25 @@ TYPED_TEST(Compound, EveryWidth)
     }
 }
 
+// Both passes of a gradient by a small square look at each row at once where the image is wide enough.
+TYPED_TEST(Compound, GradientOfSmallSquares)
+{
+    int number = firstNumber<TypeParam>();
+    for (const int side : {3, 5}) {
+        for (const int width : {40, 127, 128, 129, 132, 133, 136, 137, 164, 260, 700, 2100}) {
+            for (const int height : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 14}) {
+                Setting s = inTurn(rectangle(side, side), width, height, ++number);
+                s.operation = Operation::Gradient;
+                s.border = borderFor(s, number);
+                expectMorphology<TypeParam>(s);
+                if (::testing::Test::HasFailure()) {
+                    return;
+                }
+            }
+        }
+    }
+}
+
 TYPED_TEST(Compound, EveryHeight)
 {
     int number = firstNumber<TypeParam>();

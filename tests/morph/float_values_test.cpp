@@ -57,16 +57,7 @@ class Floats
         const PlacedBlock record = makeRecord<Form>(setting);
         const PlacedBlock scratch(scratchBytes<Form>(setting));
         Image<Lum32f> destination(setting.layout<Form>());
-        ApplyArguments<Form> arguments;
-        arguments.pSrc = source.pixels();
-        arguments.srcStep = source.step();
-        arguments.pDst = destination.pixels();
-        arguments.dstStep = destination.step();
-        arguments.roiSize = {setting.width, setting.height};
-        arguments.border = setting.border;
-        arguments.pBorderValue = borderValue;
-        arguments.pSpec = {record.data()};
-        arguments.pBuffer = scratch.data();
+        const auto arguments = argumentsFor<Form>(setting, source, destination, record, scratch, borderValue);
         EXPECT_EQ(arguments.call(setting.operation, setting.generation), lumOk);
         EXPECT_TRUE(scratch.intact());
         return destination;

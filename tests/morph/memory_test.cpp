@@ -59,22 +59,6 @@ Setting inTurn(int number)
     return s;
 }
 
-/// The arguments of a call but for the source.
-template <class Form, class Destination>
-ApplyArguments<Form> argumentsFor(const Setting& s, Destination& destination, const PlacedBlock& record,
-                                  const PlacedBlock& scratch, const BorderValue<Form>& borderValue)
-{
-    ApplyArguments<Form> arguments;
-    arguments.pDst = destination.pixels();
-    arguments.dstStep = destination.step();
-    arguments.roiSize = {s.width, s.height};
-    arguments.border = s.border;
-    arguments.pBorderValue = borderValue.forBorder(s.border);
-    arguments.pSpec = {record.data()};
-    arguments.pBuffer = scratch.data();
-    return arguments;
-}
-
 // Every row of source and destination alone between unreadable pages, the source read-only.
 template <class Form>
 void expectRowsRespected(const Setting& s)
@@ -93,9 +77,7 @@ void expectRowsRespected(const Setting& s)
     record.makeReadOnly();
     const PlacedBlock scratch(scratchBytes<Form>(s));
     IsolatedRows<T> destination(s.layout<Form>());
-    ApplyArguments<Form> arguments = argumentsFor<Form>(s, destination, record, scratch, borderValue);
-    arguments.pSrc = source.pixels();
-    arguments.srcStep = source.step();
+    const auto arguments = argumentsFor<Form>(s, source, destination, record, scratch, borderValue.forBorder(s.border));
     ASSERT_EQ(arguments.call(s.operation, s.generation), lumOk);
     Image<T> actual(s.layout<Form>());
     actual.forEach(Area::Roi, [&](T& element, int x, int y, int c) { element = destination.at(x, y, c); });
@@ -208,9 +190,8 @@ struct Expectation
     }
     LumStatus call(Image<T>& destination, const PlacedBlock& record, const PlacedBlock& scratch) const
     {
-        ApplyArguments<Form> arguments = argumentsFor<Form>(setting, destination, record, scratch, borderValue);
-        arguments.pSrc = source.pixels();
-        arguments.srcStep = source.step();
+        const auto arguments =
+            argumentsFor<Form>(setting, source, destination, record, scratch, borderValue.forBorder(setting.border));
         return arguments.call(setting.operation, setting.generation);
     }
 
@@ -275,9 +256,8 @@ TYPED_TEST(MorphMemoryQuick, StrideOfASingleRow)
         const PlacedBlock record = makeRecord<TypeParam>(s);
         const PlacedBlock scratch(scratchBytes<TypeParam>(s));
         Image<T> destination(s.layout<TypeParam>());
-        ApplyArguments<TypeParam> arguments =
-            argumentsFor<TypeParam>(s, destination, record, scratch, expectation.borderValue);
-        arguments.pSrc = expectation.source.pixels();
+        auto arguments = argumentsFor<TypeParam>(s, expectation.source, destination, record, scratch,
+                                                 expectation.borderValue.forBorder(s.border));
         arguments.srcStep = 0x7ffffffc;
         arguments.dstStep = 0x7ffffff8;
         ASSERT_EQ(arguments.call(s.operation, s.generation), lumOk) << s;

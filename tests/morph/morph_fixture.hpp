@@ -275,6 +275,25 @@ testing::AssertionResult samePixels(const Setting& s, const Plane<typename Form:
     return same ? testing::AssertionSuccess() : sameImage(imageOf<Form>(s, expected), actual);
 }
 
+/// The arguments of a call from one image to another. Without a border value the call gets none.
+template <class Form, class Source, class Destination>
+ApplyArguments<Form> argumentsFor(const Setting& s, const Source& source, Destination& destination,
+                                  const PlacedBlock& record, const PlacedBlock& scratch,
+                                  const typename Form::Element* borderValue = nullptr)
+{
+    ApplyArguments<Form> arguments;
+    arguments.pSrc = source.pixels();
+    arguments.srcStep = source.step();
+    arguments.pDst = destination.pixels();
+    arguments.dstStep = destination.step();
+    arguments.roiSize = {s.width, s.height};
+    arguments.border = s.border;
+    arguments.pBorderValue = borderValue;
+    arguments.pSpec = {record.data()};
+    arguments.pBuffer = scratch.data();
+    return arguments;
+}
+
 /// Applies an operation to a random image, with blocks of its own, and compares with the reference.
 template <class Form>
 void expectMorphology(const Setting& s)
@@ -290,16 +309,7 @@ void expectMorphology(const Setting& s)
     record.makeReadOnly();
     const PlacedBlock scratch(scratchBytes<Form>(s), s.guard, s.distance);
     Image<T> destination(s.layout<Form>());
-    ApplyArguments<Form> arguments;
-    arguments.pSrc = source.pixels();
-    arguments.srcStep = source.step();
-    arguments.pDst = destination.pixels();
-    arguments.dstStep = destination.step();
-    arguments.roiSize = {s.width, s.height};
-    arguments.border = s.border;
-    arguments.pBorderValue = borderValue.forBorder(s.border);
-    arguments.pSpec = {record.data()};
-    arguments.pBuffer = scratch.data();
+    const auto arguments = argumentsFor<Form>(s, source, destination, record, scratch, borderValue.forBorder(s.border));
     EXPECT_EQ(arguments.call(s.operation, s.generation), lumOk);
     EXPECT_TRUE(samePixels<Form>(s, expected, destination));
     EXPECT_TRUE(destination.gapsIntact());

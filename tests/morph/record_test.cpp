@@ -295,14 +295,7 @@ TEST(MorphRecordQuick, InitReadsNothingFromItsBlocks)
                 ASSERT_EQ(layRecord<Form8uC1>(s, record), lumOk);
                 const PlacedBlock scratch(scratchBytes<Form8uC1>(s));
                 Image<Lum8u> destination(s.layout<Form8uC1>());
-                ApplyArguments<Form8uC1> arguments;
-                arguments.pSrc = source.pixels();
-                arguments.srcStep = source.step();
-                arguments.pDst = destination.pixels();
-                arguments.dstStep = destination.step();
-                arguments.roiSize = {s.width, s.height};
-                arguments.pSpec = {record.data()};
-                arguments.pBuffer = scratch.data();
+                const auto arguments = argumentsFor<Form8uC1>(s, source, destination, record, scratch);
                 EXPECT_EQ(arguments.call(operation, generation), lumOk);
                 EXPECT_TRUE(sameImage(expected, destination)) << "block of bytes " << byte;
             }

@@ -273,15 +273,7 @@ TYPED_TEST(SinglePassCasesQuick, RecordServesAllForms)
                 const PlacedBlock record = makeRecord<Form8uC1>(other);
                 const PlacedBlock scratch(scratchBytes<TypeParam>(s));
                 Image<T> destination(s.layout<TypeParam>());
-                ApplyArguments<TypeParam> arguments;
-                arguments.pSrc = source.pixels();
-                arguments.srcStep = source.step();
-                arguments.pDst = destination.pixels();
-                arguments.dstStep = destination.step();
-                arguments.roiSize = {s.width, s.height};
-                arguments.border = s.border;
-                arguments.pSpec = {record.data()};
-                arguments.pBuffer = scratch.data();
+                const auto arguments = argumentsFor<TypeParam>(s, source, destination, record, scratch);
                 EXPECT_EQ(arguments.call(operation, generation), lumOk);
                 EXPECT_TRUE(sameImage(expected, destination)) << s;
             }

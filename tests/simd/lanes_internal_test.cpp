@@ -3,17 +3,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
-#include "simd/simd.hpp"
+#include "simd/drawn_lanes.hpp"
 #include "support/guarded_block.hpp"
 #include "support/random.hpp"
 
 namespace lumcv::test {
 namespace {
-
-constexpr unsigned draws = 50;
 
 template <class T, int N>
 std::array<T, N> drawnLanes(unsigned seed)
@@ -23,15 +23,6 @@ std::array<T, N> drawnLanes(unsigned seed)
     for (T& lane : lanes)
         lane = static_cast<T>(random.between(0, 255));
     return lanes;
-}
-
-template <class T, int N, class Expected>
-void expectEach(simd::Vec<T, N> got, Expected expected)
-{
-    std::array<T, N> lanes;
-    simd::store(lanes.data(), got);
-    for (int i = 0; i < N; ++i)
-        ASSERT_EQ(lanes[std::size_t(i)], T(expected(i))) << "lane " << i << " of " << N;
 }
 
 /// Calls check(T{}, lanes) for vectors of 16 to 64 bytes.
@@ -121,6 +112,36 @@ TEST(SimdLanes, AnyLessSeesEachLaneAndNoEquals)
     });
 }
 
+template <class T, int N>
+void expectAnyEqual()
+{
+    std::array<T, N> lanes{};
+    for (std::size_t i = 0; i < N; ++i)
+        lanes[i] = static_cast<T>(i + 1);
+    const auto equalsSome = [&](T value) {
+        return simd::anyEqual(simd::load<N>(lanes.data()), simd::broadcast<N>(value));
+    };
+    EXPECT_FALSE(equalsSome(T{0}));
+    EXPECT_FALSE(equalsSome(static_cast<T>(N + 1)));
+    for (int i = 0; i < N; ++i)
+        EXPECT_TRUE(equalsSome(static_cast<T>(i + 1))) << "lane " << i << " of " << N;
+    if constexpr (std::is_floating_point_v<T>) {
+        EXPECT_FALSE(equalsSome(NAN));
+        lanes[N / 2] = NAN;
+        EXPECT_FALSE(equalsSome(NAN));
+        lanes[N - 1] = -0.0f;
+        EXPECT_TRUE(equalsSome(0.0f));
+    }
+}
+
+TEST(SimdLanes, AnyEqualSeesEachLane)
+{
+    const auto check = []<class T, int N>(T, simd::Lanes<N>) { expectAnyEqual<T, N>(); };
+    forWidths<Lum8u>(check);
+    forWidths<Lum16u>(check);
+    forWidths<Lum32f>(check);
+}
+
 TEST(SimdLanes, ExtremesOfDoublesKeepTheSecondOfEquals)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -161,6 +182,167 @@ TEST(SimdLanes, UnsignedSumsSaturate)
     forWidths<Lum16u>(check);
     check(Lum8u{}, simd::Lanes<1>{});
     check(Lum16u{}, simd::Lanes<1>{});
+}
+
+/// Floats of every magnitude, not-a-numbers among them.
+template <int N>
+std::array<Lum32f, N> drawnFloats(unsigned seed)
+{
+    Random random(seed + 1);
+    std::array<Lum32f, N> lanes;
+    for (Lum32f& lane : lanes)
+        lane = random.value<Lum32f>(Values::NonFinite);
+    return lanes;
+}
+
+template <int N>
+void expectFloats(simd::Vec<Lum32f, N> got, const std::array<Lum32f, N>& want)
+{
+    std::array<Lum32f, N> lanes;
+    simd::store(lanes.data(), got);
+    for (std::size_t i = 0; i < N; ++i)
+        ASSERT_TRUE(std::memcmp(&lanes[i], &want[i], sizeof want[i]) == 0 ||
+                    (std::isnan(lanes[i]) && std::isnan(want[i])))
+            << "lane " << i << " of " << N << ": got " << lanes[i] << ", expected " << want[i];
+}
+
+template <class Check>
+void forFloatCounts(Check check)
+{
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<4>{});
+    check(simd::Lanes<8>{});
+    check(simd::Lanes<16>{});
+    check(simd::Lanes<32>{});
+}
+
+TEST(SimdChoice, QuotientsAndRootsAreRoundedOnce)
+{
+    forFloatCounts([]<int N>(simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            const auto a = drawnFloats<N>(seed), b = drawnFloats<N>(seed + 1000);
+            std::array<Lum32f, N> quotients, roots;
+            for (std::size_t i = 0; i < N; ++i) {
+                quotients[i] = a[i] / b[i];
+                roots[i] = std::sqrt(a[i]);
+            }
+            expectFloats<N>(simd::load<N>(a.data()) / simd::load<N>(b.data()), quotients);
+            expectFloats<N>(simd::root(simd::load<N>(a.data())), roots);
+        }
+    });
+}
+
+TEST(SimdChoice, TheLesserLanesChoose)
+{
+    forFloatCounts([]<int N>(simd::Lanes<N>) {
+        for (unsigned seed = 0; seed < draws; ++seed) {
+            auto a = drawnFloats<N>(seed);
+            const auto b = drawnFloats<N>(seed + 1000), x = drawnFloats<N>(seed + 2000),
+                       y = drawnFloats<N>(seed + 3000);
+            a[seed % N] = b[seed % N];
+            std::array<Lum32f, N> chosen;
+            Lum32u bits = 0;
+            for (std::size_t i = 0; i < N; ++i) {
+                chosen[i] = a[i] < b[i] ? x[i] : y[i];
+                bits |= Lum32u(a[i] < b[i]) << i;
+            }
+            const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data());
+            expectFloats<N>(simd::whereLess(va, vb, simd::load<N>(x.data()), simd::load<N>(y.data())), chosen);
+            EXPECT_EQ(simd::lessBits(va, vb), bits) << N << " lanes";
+        }
+    });
+}
+
+TEST(SimdChoice, IntegersAreComparedWithTheirSign)
+{
+    forFloatCounts([]<int N>(simd::Lanes<N>) {
+        Random random(N);
+        for (unsigned draw = 0; draw < draws; ++draw) {
+            std::array<Lum32s, N> a, b;
+            for (std::size_t i = 0; i < N; ++i) {
+                a[i] = random.value<Lum32s>(Values::Extreme);
+                b[i] = draw % 3 == 0 && i % 2 == 0 ? a[i] : random.value<Lum32s>(Values::Extreme);
+            }
+            Lum32u bits = 0;
+            for (std::size_t i = 0; i < N; ++i)
+                bits |= Lum32u(a[i] < b[i]) << i;
+            const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data());
+            EXPECT_EQ(simd::lessBits(va, vb), bits) << N << " lanes";
+            expectEach<Lum32s, N>(simd::min(va, vb),
+                                  [&](int i) { return std::min(a[std::size_t(i)], b[std::size_t(i)]); });
+            expectEach<Lum32s, N>(simd::max(va, vb),
+                                  [&](int i) { return std::max(a[std::size_t(i)], b[std::size_t(i)]); });
+        }
+    });
+}
+
+template <class Check>
+void forPixelCounts(Check check)
+{
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<8>{});
+    check(simd::Lanes<16>{});
+}
+
+TEST(SimdPlanes, SixFloatsOfAPixelStandSideBySide)
+{
+    forPixelCounts([]<int N>(simd::Lanes<N>) {
+        std::array<std::array<Lum32f, N>, 6> planes;
+        for (unsigned i = 0; i < 6; ++i)
+            planes[i] = drawnLanes<Lum32f, N>(i);
+        std::array<Lum32f, 6 * N + 2> pixels{};
+        const auto plane = [&](std::size_t i) { return simd::load<N>(planes[i].data()); };
+        simd::storeSixes(pixels.data() + 1, plane(0), plane(1), plane(2), plane(3), plane(4), plane(5));
+        EXPECT_EQ(pixels.front(), 0.0f);
+        EXPECT_EQ(pixels.back(), 0.0f);
+        for (std::size_t x = 0; x < N; ++x)
+            for (std::size_t i = 0; i < 6; ++i)
+                ASSERT_EQ(pixels[1 + 6 * x + i], planes[i][x]) << "float " << i << " of pixel " << x << " of " << N;
+    });
+}
+
+TEST(SimdPlanes, ThreeFloatsOfAPixelGoIntoFourAndComeBack)
+{
+    forPixelCounts([]<int N>(simd::Lanes<N>) {
+        const auto a = drawnLanes<Lum32f, N>(1), b = drawnLanes<Lum32f, N>(2), c = drawnLanes<Lum32f, N>(3);
+        std::array<Lum32f, 4 * N + 2> pixels;
+        pixels.fill(-1.0f);
+        simd::storeQuads(pixels.data() + 1, simd::load<N>(a.data()), simd::load<N>(b.data()), simd::load<N>(c.data()));
+        EXPECT_EQ(pixels.front(), -1.0f);
+        EXPECT_EQ(pixels.back(), -1.0f);
+        for (std::size_t x = 0; x < N; ++x) {
+            const Lum32f want[] = {a[x], b[x], c[x], 0.0f};
+            for (std::size_t i = 0; i < 4; ++i)
+                ASSERT_EQ(pixels[1 + 4 * x + i], want[i]) << "float " << i << " of pixel " << x << " of " << N;
+            pixels[4 + 4 * x] = 99.0f;  // the fourth one takes no part
+        }
+        const auto back = simd::loadQuads<N>(pixels.data() + 1);
+        expectEach<Lum32f, N>(back.a, [&](int i) { return a[std::size_t(i)]; });
+        expectEach<Lum32f, N>(back.b, [&](int i) { return b[std::size_t(i)]; });
+        expectEach<Lum32f, N>(back.c, [&](int i) { return c[std::size_t(i)]; });
+    });
+}
+
+TEST(SimdWords, BytesBecomeWordsAndWordsFloats)
+{
+    const auto check = []<int N>(simd::Lanes<N>) {
+        for (int first = 0; first < 256; first += 5) {
+            std::array<Lum8u, N> bytes;
+            std::array<Lum16s, N> words;
+            for (std::size_t i = 0; i < N; ++i) {
+                bytes[i] = static_cast<Lum8u>(first + 7 * int(i));
+                words[i] = static_cast<Lum16s>(257 * first + 4099 * int(i));
+            }
+            expectEach<Lum16s, N>(simd::loadWords<N>(bytes.data()), [&](int i) { return bytes[std::size_t(i)]; });
+            expectEach<Lum32f, N>(simd::toFloat(simd::load<N>(words.data())),
+                                  [&](int i) { return Lum32f(words[std::size_t(i)]); });
+        }
+    };
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<8>{});
+    check(simd::Lanes<16>{});
+    check(simd::Lanes<32>{});
+    check(simd::Lanes<64>{});
 }
 
 TEST(SimdBitRow, OperationsOfBits)
