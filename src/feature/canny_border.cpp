@@ -182,18 +182,6 @@ void draw(const BorderCall& call)
         drawEdgesOf<Operator>(call, RootOfSquares{squareThreshold(call.low)}, ByteTangents{}, thresholdBits(call.high));
 }
 
-constexpr bool isMask(LumiMaskSize mask)
-{
-    return mask == lumMask3x3 || mask == lumMask5x5;
-}
-
-constexpr bool isBorder(LumiBorderType value)
-{
-    const Lum32s mode = value & 15;
-    return static_cast<Lum32u>(value) <= largestFilterBorder &&
-           (value == lumBorderInMem || mode == lumBorderReplicate || mode == lumBorderConstant);
-}
-
 /// Modulo 2^64.
 constexpr uint64_t scratchBytes(LumiSize roiSize, LumiMaskSize mask)
 {
@@ -215,7 +203,7 @@ LumStatus edges(const BorderCall& call, LumiFilterType filterType, LumiMaskSize 
                                  .require(isScharr || filterType == lumFilterSobel, lumErrArgument)
                                  .require(call.norm == lumNormL1 || call.norm == lumNormL2, lumErrArgument)
                                  .require(!(call.low < 0 || call.low > call.high), lumErrArgument)
-                                 .require(isBorder(borderType), lumErrBorder)
+                                 .require(isUnmirroredBorder(borderType), lumErrBorder)
                                  .status();
     if (status != lumOk)
         return status;
@@ -235,7 +223,7 @@ using namespace lumcv;
 
 LumStatus lumiCannyBorderGetSize(LumiSize roiSize, LumiFilterType, LumiMaskSize maskSize, Lum32s* pBufferSize)
 {
-    auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(canny::isMask(maskSize), lumErrMaskSize);
+    auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(isMask(maskSize), lumErrMaskSize);
     if (!checks.failed())
         *pBufferSize = static_cast<Lum32s>(canny::scratchBytes(roiSize, maskSize));
     return checks.status();

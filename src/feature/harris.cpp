@@ -61,11 +61,6 @@ struct MeansCall
     Lum8u* buffer;
 };
 
-constexpr bool isMask(LumiMaskSize mask)
-{
-    return mask == lumMask3x3 || mask == lumMask5x5;
-}
-
 constexpr bool isFilter(LumiFilterType type)
 {
     return type == lumFilterSobel || type == lumFilterScharr || type == lumFilterCentralDiff;
@@ -247,16 +242,12 @@ LumStatus harris(const MeansCall<S>& call, Plane<Lum32f> dst, Lum32f k, Lum32f s
 
 LumStatus suppressLines(const MeansCall<Lum8u>& call, Plane<const Lum8u> feature, Plane<Lum8u> dst, Lum32f threshold)
 {
-    const LumiBorderType mode = call.borderType & 15;
-    const bool isBorder =
-        static_cast<Lum32u>(call.borderType) <= largestFilterBorder &&
-        (call.borderType == lumBorderInMem || mode == lumBorderReplicate || mode == lumBorderConstant);
     const LumStatus status = Checks{}
                                  .notNull(call.src.pixels, feature.pixels, dst.pixels, call.buffer)
                                  .size(call.roiSize)
                                  .require(isFilter(call.filterType), lumErrFilterType)
                                  .require(isMaskOf(call.filterType, call.filterMask), lumErrMaskSize)
-                                 .require(isBorder, lumErrBorder)
+                                 .require(isUnmirroredBorder(call.borderType), lumErrBorder)
                                  .require(call.avgWindow >= 1, lumErrSize)
                                  .require(call.src.step >= 0 && feature.step >= 0 && dst.step >= 0, lumErrStep)
                                  .require(feature.pixels != dst.pixels, lumErrInPlace)

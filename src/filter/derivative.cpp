@@ -173,7 +173,7 @@ LumStatus lumDerivGetBufferSize(LumiSize roiSize, LumiMaskSize mask, LumDataType
     auto checks = Checks{}
                       .notNull(pBufferSize)
                       .size(roiSize)
-                      .require(mask == lumMask3x3 || mask == lumMask5x5, lumErrMaskSize)
+                      .require(isMask(mask), lumErrMaskSize)
                       .require(areTypes, lumErrDataType)
                       .require(numChannels == 1, lumErrChannels);
     if (checks.failed())

@@ -135,11 +135,6 @@ constexpr int64_t laplacianScratch_32f(int64_t width, int64_t k)
 
 using Scratch = int64_t (*)(int64_t width, int64_t k);
 
-constexpr bool isMask(LumiMaskSize mask)
-{
-    return mask == lumMask3x3 || mask == lumMask5x5;
-}
-
 LumStatus maskSize(LumiSize roiSize, LumiMaskSize mask, Lum32s* pBufferSize, Scratch scratch)
 {
     auto checks = Checks{}.notNull(pBufferSize).size(roiSize).require(isMask(mask), lumErrMaskSize);

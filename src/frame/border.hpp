@@ -42,6 +42,12 @@ constexpr bool isFilterBorder(LumiBorderType value)
     return static_cast<Lum32u>(value) <= largestFilterBorder && (value == lumBorderInMem || isFilterMode(value));
 }
 
+/// The same of the operations that do not know mirror.
+constexpr bool isUnmirroredBorder(LumiBorderType value)
+{
+    return isFilterBorder(value) && (value & 15) != lumBorderMirror;
+}
+
 /// A value is needed for each channel where the mode is constant.
 template <class T>
 constexpr bool hasBorderValue(LumiBorderType borderType, const T* borderValue)

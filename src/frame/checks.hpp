@@ -92,6 +92,11 @@ constexpr bool isChannelCount(Lum32s numChannels)
     return numChannels == 1 || numChannels == 3 || numChannels == 4;
 }
 
+constexpr bool isMask(LumiMaskSize mask)
+{
+    return mask == lumMask3x3 || mask == lumMask5x5;
+}
+
 /// The elements of a row, as the 32-bit product that the stride tests use.
 constexpr Lum32s rowElements(Lum32s width, int channels)
 {

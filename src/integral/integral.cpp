@@ -155,20 +155,6 @@ template <int rows>
     }
 }
 
-/// A table of sums of Term, and its initial value.
-template <class Term, class T>
-struct Table
-{
-    Plane<T> entries;
-    T initial;
-};
-
-template <class Term, class T>
-Table<Term, T> tableOf(T* pDst, Lum32s dstStep, T initial)
-{
-    return {destination(pDst, dstStep), initial};
-}
-
 /// Sums `rows` rows into a table.
 template <int rows, class S, class Term, class T>
 void integrateRows(Plane<const S> src, Table<Term, T> table, int64_t y, LumiSize roiSize)

@@ -6,6 +6,20 @@
 
 namespace lumcv {
 
+/// A table of sums of Term, and its initial value.
+template <class Term, class T>
+struct Table
+{
+    Plane<T> entries;
+    T initial;
+};
+
+template <class Term, class T>
+Table<Term, T> tableOf(T* pDst, Lum32s dstStep, T initial)
+{
+    return {destination(pDst, dstStep), initial};
+}
+
 /// The checks of an integral image, whose tables have `extra` columns more than the source.
 template <class S, class... T>
 LumStatus checkTables(Plane<const S> src, LumiSize roiSize, Lum32s extra, Plane<T>... tables)

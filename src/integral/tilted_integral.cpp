@@ -65,20 +65,6 @@ template <class Term, class T>
     row[width + 1] = near[width + 1];
 }
 
-/// A table of sums of Term, and its initial value.
-template <class Term, class T>
-struct Table
-{
-    Plane<T> entries;
-    T initial;
-};
-
-template <class Term, class T>
-Table<Term, T> tableOf(T* pDst, Lum32s dstStep, T initial)
-{
-    return {destination(pDst, dstStep), initial};
-}
-
 template <class... Term, class... T>
 LumStatus tiltedIntegral(Plane<const Lum8u> src, LumiSize roiSize, Table<Term, T>... tables)
 {
