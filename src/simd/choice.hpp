@@ -6,11 +6,11 @@
 namespace lumcv::simd {
 
 /// x where a < b, otherwise y: a not-a-number on either side gives y.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum32f, N> whereLess(Vec<Lum32f, N> a, Vec<Lum32f, N> b, Vec<Lum32f, N> x,
-                                                       Vec<Lum32f, N> y)
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<T, N> whereLess(Vec<T, N> a, Vec<T, N> b, Vec<T, N> x, Vec<T, N> y)
 {
-    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+    static_assert(std::is_floating_point_v<T>);
+    if constexpr (kindOf<T, N> == Kind::pair)
         return {whereLess(a.lo, b.lo, x.lo, y.lo), whereLess(a.hi, b.hi, x.hi, y.hi)};
     else  // not by the blend intrinsic: without AVX2, g++ makes branches of it
         return {a.raw < b.raw ? x.raw : y.raw};
