@@ -136,7 +136,7 @@ TEST(FastCornersQuick, Thresholds)
     constexpr Lum32f kInfinite = std::numeric_limits<Lum32f>::infinity();
     constexpr Lum32f kLargest = std::numeric_limits<Lum32f>::max();
     for (const auto& [radius, arc] : {std::pair{3, 9}, {3, 10}, {1, 5}}) {
-        for (const int mode : kModes) {
+        for (const int mode : {kCorners, kScores, kMaxima | kOrientation}) {
             for (const Lum32f threshold :
                  {-0.0f, 0.0f, 0.5f, 1.0f, 1.999f, 2.0f, 127.0f, 128.0f, 200.0f, 253.5f, 254.0f, 254.99f}) {
                 const Setting setting = {radius, arc, 9, mode, threshold};
@@ -366,6 +366,33 @@ TEST(FastCornersQuick, OutsideTheImage)
             call.offset = offset;
             call.roi = {9, 4};
             expectCorners(call);
+        }
+    }
+}
+
+// A ROI may claim to be as high as it likes: what lies beyond the image is cut off.
+TEST(FastCornersQuick, FarLowerEdge)
+{
+    constexpr int kMax = std::numeric_limits<int>::max();
+    Image<Lum8u> image(Place{}.layout({30, 20}));
+    Random random(6);
+    draw(image, Content::Patches, 3, random);
+    for (const int arc : {9, 12}) {
+        const Setting setting = {3, arc, 8, kMaxima | kOrientation, 10};
+        const Spec spec({30, 20}, setting);
+        const PlacedBlock scratch(scratchBytes(22));
+        for (const int top : {0, 5, 19}) {
+            const LumiSize cut = {22, 20 - top};
+            Image<Lum8u> corner(Place{}.layout(cut));
+            Image<Lum8u> score(Place{}.layout(cut));
+            Lum32s count = -1;
+            EXPECT_EQ(lumiFastN_8u_C1R(image.pixels(), image.step(), corner.pixels(), corner.step(), score.pixels(),
+                                       score.step(), &count, {4, top}, {22, kMax}, spec.get(), scratch.data()),
+                      lumWrnRoiClipped);
+            const Result expected = detect(image, {30, 20}, {4, top}, cut, setting);
+            EXPECT_EQ(count, expected.count);
+            const auto read = [&](int x, int y) { return int{corner.at(x, y)}; };
+            EXPECT_TRUE(sameMap("corners", expected, cut, &Found::corner, read, read)) << "top " << top;
         }
     }
 }

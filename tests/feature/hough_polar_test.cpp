@@ -97,6 +97,35 @@ TEST(HoughPolar, CoarseRho)
     }
 }
 
+// A cell may have more votes than 16 bits hold.
+TEST(HoughPolar, LargeCounts)
+{
+    Image<Lum8u> image(Place{}.layout({300, 260}));
+    image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 7; });
+    constexpr LumiPointPolar kWholePlane[2] = {{-1000, 0}, {1000, 4}};
+    for (const int threshold : {1, 32767, 65535, 65536, 77999, 78000}) {
+        const int lines = expectLines(image, {{560, 3}, threshold, 10});
+        EXPECT_EQ(expectLines(image, {{560, 3}, threshold, 10, kWholePlane}), lines);
+        EXPECT_EQ(lines > 0, threshold < 78000) << threshold;
+    }
+}
+
+// Rows and columns longer than 65536 pixels: the standard form has no limit there.
+TEST(HoughPolar, LongRowsAndColumns)
+{
+    constexpr LumiPointPolar kWholePlane[2] = {{-200000, 0}, {200000, 4}};
+    for (const LumiSize size : {LumiSize{70000, 2}, {2, 70000}}) {
+        Image<Lum8u> image(Place{}.layout(size));
+        Random random(5);
+        image.forEach(Area::Roi,
+                      [&](Lum8u& element, int x, int y, int) { element = x + y > 69900 || random.oneIn(500) ? 1 : 0; });
+        for (const LumiPointPolar delta : {LumiPointPolar{1, 1.5707f}, {0.7f, 1.1f}, {40, 0.6f}}) {
+            EXPECT_GT(expectLines(image, {delta, 1, 50}), 0);
+            EXPECT_GT(expectLines(image, {delta, 1, 50, kWholePlane}), 0);
+        }
+    }
+}
+
 TEST(HoughPolar, FineRho)
 {
     Random random(4);
