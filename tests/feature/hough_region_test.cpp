@@ -70,18 +70,19 @@ TEST(HoughRegionQuick, WholePlane)
 // the region form are not: the two disagree, and both are as documented.
 TEST(HoughRegion, IntegersAreNotRounded)
 {
-    const LumiPointPolar delta = {0.02f, 0.11f};
-    Image<Lum8u> image(Place{}.layout({1900, 2}));
+    const LumiPointPolar delta = {0.1f, 0.4f};
+    constexpr int kRoom = 4000;
+    Image<Lum8u> image(Place{}.layout({3000, 4}));
     image.forEach(Area::Roi,
-                  [](Lum8u& element, int x, int y, int) { element = x > 700 && (x * 7 + y * 3) % 5 != 0 ? 1 : 0; });
-    const std::vector<LumiPointPolar> standard = standardLines(image, {1900, 2}, delta, 1, 2000);
-    const std::vector<LumiPointPolar> region = regionLines(image, {1900, 2}, kAll, delta, 1, 2000);
+                  [](Lum8u& element, int x, int y, int) { element = x > 1000 && (x * 7 + y * 3) % 5 != 0 ? 1 : 0; });
+    const std::vector<LumiPointPolar> standard = standardLines(image, {3000, 4}, delta, 2, kRoom);
+    const std::vector<LumiPointPolar> region = regionLines(image, {3000, 4}, kAll, delta, 2, kRoom);
     const bool isSame = standard.size() == region.size() &&
                         std::equal(standard.begin(), standard.end(), region.begin(),
                                    [](const LumiPointPolar& a, const LumiPointPolar& b) { return a.rho == b.rho; });
     EXPECT_FALSE(isSame);
-    expectLines(image, {delta, 1, 2000});
-    expectLines(image, {delta, 1, 2000, kAll});
+    expectLines(image, {delta, 2, kRoom});
+    expectLines(image, {delta, 2, kRoom, kAll});
 }
 
 // The bounds of theta as they come and as they are left behind.
@@ -127,7 +128,7 @@ TEST(HoughRegionQuick, AnglesAreInclusive)
         }
     }
     const LumiPointPolar slope[2] = {{-80, 0.5f}, {80, 2.2f}};
-    EXPECT_FALSE(regionLines(image, {40, 30}, slope, {1, kStep}, 8, 5).empty());
+    EXPECT_FALSE(regionLines(image, {40, 30}, slope, {1, kStep}, 3, 5).empty());
 }
 
 // The cells of both rho bounds belong to the region; neighbours beyond them count.
