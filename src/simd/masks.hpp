@@ -229,4 +229,12 @@ template <class T, int N>
         return !_mm256_testz_si256(bits(v.raw), bits(v.raw));
 }
 
+/// A bit for each lane that is not zero, the first one lowest, of integers.
+template <class T, int N>
+[[gnu::always_inline]] inline uint64_t nonZeroBits(Vec<T, N> v)
+{
+    constexpr uint64_t all = ~uint64_t{0} >> (64 - N);
+    return ~laneBits(equal(v, broadcast<N>(T{0}))) & all;
+}
+
 }  // namespace lumcv::simd
