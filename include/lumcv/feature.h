@@ -1009,7 +1009,7 @@ LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lu
  * The angle is `atan2(C, S)`, rounded to single precision, plus 6.2831855 if it is negative. Multiplied by the bins per
  * radian, which are `bins * 0.15915494309189535` rounded to single precision, and truncated, it is the orientation; a
  * product of `bins` or more gives 0. All products and sums are of single precision; the arctangent is exact but for a
- * billionth of that precision's unit, and gives the same bytes in all builds.
+ * millionth of that precision's unit before it is rounded, and gives the same bytes in all builds.
  *
  * **Thresholds** of 255 and more find nothing. A negative one, -0.5 too, and what is not a number is refused.
  *
@@ -1028,9 +1028,8 @@ LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lu
  *
  * **The record** is, in bytes, `8 * points + 68` long. The first byte of its block is the distance to where it begins,
  * the next address that is a multiple of 8: the identity (64 bits, 0x14B617390), then 32 bits each the element type, the
- * number of
- * channels, the width and the height of the image, the radius, `N`, the number of bins, the mode, the threshold as a
- * float and as an integer; a pointer to the ring; the sines and the cosines, which are only filled for
+ * number of channels, the width and the height of the image, the radius, `N`, the number of bins, the mode, the
+ * threshold as a float and as an integer; a pointer to the ring; the sines and the cosines, which are only filled for
  * #lumFastNOrientation; the bins per radian. It must not be moved.
  *
  * **Scratch**, in bytes: `6 * width + 636`, with the width of the ROI.
@@ -1219,8 +1218,8 @@ LUMCV_API LumStatus lumiFastN2DToVec_8u(const Lum8u* pSrcCorner, Lum32s srcCorne
  * - The **angles** are those with the indices 0 to `A` inclusive; `A` is `3.14159f / delta.theta`, the quotient of both
  *   in double precision, truncated. It is the number nearest to 3.14159 in single precision, not pi, that limits the
  *   angles.
- * - There are `R` **cells** for each angle, which is `(2 * (W + H) + 1) / delta.rho` in single precision, truncated.
- * The cell of `rho` 0 is `centre = (R - 1) / 2`, truncated. A vote that falls outside the cells, which can only happen
+ * - There are `R` **cells** for each angle; `R` is `(2 * (W + H) + 1) / delta.rho` in single precision, truncated. The
+ *   cell of `rho` 0 is `centre = (R - 1) / 2`, truncated. A vote that falls outside the cells, which can only happen
  *   with a coarse `delta.rho`, is dropped.
  *
  * `A` and `R` are limited to 0x7fffffff.
@@ -1262,8 +1261,8 @@ LUMCV_API LumStatus lumiFastN2DToVec_8u(const Lum8u* pSrcCorner, Lum32s srcCorne
  * 1. #lumErrNullPointer: a pointer is null.
  * 2. #lumErrStep: `srcStep` is below 1; rows may overlap.
  * 3. #lumErrSize: the width, the height or `maxLineCount` is below 1.
- * 4. #lumErrArgument: `delta.rho` is not above 0, or above `W + H` in single precision; `delta.theta` is not above 0,
- * or above 3.14159f; or `threshold` is below 1.
+ * 4. #lumErrArgument: `delta.rho` is not above 0, or above `W + H` in single precision; or `delta.theta` is not above
+ *    0, or above 3.14159f; or `threshold` is below 1.
  * 5. #lumErrHoughRegion, of lumiHoughLine_Region_8u32f_C1R(): the region's high corner is not at least the low one, or
  *    a corner is not a number. `*pLineCount` is 0 then.
  *
