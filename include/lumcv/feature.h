@@ -983,21 +983,19 @@ LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lu
  * @endcode
  *
  * **Rings.** The radius is one of six. The points run from straight below the middle towards the left, and so on
- * around:
+ * around. This is the first quarter of each ring:
  *
- * | Radius | Points | `N` | dx, dy of the points from below the middle to the lower left |
- * |---|---|---|---|
- * | 1 | 8 | 5 to 8 | (0, 1), (-1, 1) |
- * | 2 | 12 | 7 to 12 | (0, 2), (-1, 2), (-2, 1) |
- * | 3 | 16 | 9 to 16 | (0, 3), (-1, 3), (-2, 2), (-3, 1) |
- * | 5 | 28 | 15 to 28 | (0, 5), (-1, 5), (-2, 5), (-3, 4), (-4, 3), (-5, 2), (-5, 1) |
- * | 7 | 40 | 21 to 40 | (0, 7), (-1, 7), (-2, 7), (-3, 6), (-4, 6), (-5, 5), (-6, 4), (-6, 3), (-7, 2), (-7, 1) |
- * | 9 | 52 | 27 to 52 | (0, 9), (-1, 9), (-2, 9), (-3, 9), (-4, 8), (-5, 8), (-6, 7), (-7, 6), (-8, 5), (-8, 4), (-9,
- * 3), (-9, 2), (-9, -1) |
+ *     radius  points  N         dx, dy
+ *     1       8       5 to 8    0,1 -1,1
+ *     2       12      7 to 12   0,2 -1,2 -2,1
+ *     3       16      9 to 16   0,3 -1,3 -2,2 -3,1
+ *     5       28      15 to 28  0,5 -1,5 -2,5 -3,4 -4,3 -5,2 -5,1
+ *     7       40      21 to 40  0,7 -1,7 -2,7 -3,6 -4,6 -5,5 -6,4 -6,3 -7,2 -7,1
+ *     9       52      27 to 52  0,9 -1,9 -2,9 -3,9 -4,8 -5,8 -6,7 -7,6 -8,5 -8,4 -9,3 -9,2 -9,1
  *
- * The other three quarters are the first one turned by 90 degrees each, a point (dx, dy) becoming (-dy, dx). The last
- * point in the row of radius 9 is an exception that is not turned: (-9, -1) stands in the place of (-9, 1), and comes
- * again as the third point from there.
+ * The other three quarters are the first one turned by 90 degrees each, a point (dx, dy) becoming (-dy, dx). Of radius
+ * 9, the last point of the first quarter itself, though not its turns, is (-9, -1) and not (-9, 1), so that this point
+ * comes twice.
  *
  * **Orientation.** With `d[i]` the difference of ring point `i` to the middle, all of them, whatever the threshold, and
  * `T[i] = i * 2 * pi / points`, rounded to single precision, the sums `S` of `d[i] * sin(T[i])` and `C` of
@@ -1011,7 +1009,7 @@ LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lu
  * The angle is `atan2(C, S)`, rounded to single precision, plus 6.2831855 if it is negative. Multiplied by the bins per
  * radian, which are `bins * 0.15915494309189535` rounded to single precision, and truncated, it is the orientation; a
  * product of `bins` or more gives 0. All products and sums are of single precision; the arctangent is exact but for a
- * billionth of that precision's unit, and gives the same bytes in all builds.
+ * millionth of that precision's unit before it is rounded, and gives the same bytes in all builds.
  *
  * **Thresholds** of 255 and more find nothing. A negative one, -0.5 too, and what is not a number is refused.
  *
@@ -1029,9 +1027,9 @@ LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lu
  * **The mode** is #lumFastNCorners with any of the others; #lumFastNNonMaxSuppression demands #lumFastNScore.
  *
  * **The record** is, in bytes, `8 * points + 68` long. The first byte of its block is the distance to where it begins,
- * the next multiple of 8: the identity (64 bits, 0x14B617390), then 32 bits each the element type, the number of
- * channels, the width and the height of the image, the radius, `N`, the number of bins, the mode, the threshold as a
- * float and as an integer; a pointer to the ring; the sines and the cosines, which are only filled for
+ * the next address that is a multiple of 8: the identity (64 bits, 0x14B617390), then 32 bits each the element type, the
+ * number of channels, the width and the height of the image, the radius, `N`, the number of bins, the mode, the
+ * threshold as a float and as an integer; a pointer to the ring; the sines and the cosines, which are only filled for
  * #lumFastNOrientation; the bins per radian. It must not be moved.
  *
  * **Scratch**, in bytes: `6 * width + 636`, with the width of the ROI.
@@ -1220,8 +1218,8 @@ LUMCV_API LumStatus lumiFastN2DToVec_8u(const Lum8u* pSrcCorner, Lum32s srcCorne
  * - The **angles** are those with the indices 0 to `A` inclusive; `A` is `3.14159f / delta.theta`, the quotient of both
  *   in double precision, truncated. It is the number nearest to 3.14159 in single precision, not pi, that limits the
  *   angles.
- * - There are `R` **cells** for each angle, which is `(2 * (W + H) + 1) / delta.rho` in single precision, truncated.
- * The cell of `rho` 0 is `centre = (R - 1) / 2`, truncated. A vote that falls outside the cells, which can only happen
+ * - There are `R` **cells** for each angle; `R` is `(2 * (W + H) + 1) / delta.rho` in single precision, truncated. The
+ *   cell of `rho` 0 is `centre = (R - 1) / 2`, truncated. A vote that falls outside the cells, which can only happen
  *   with a coarse `delta.rho`, is dropped.
  *
  * `A` and `R` are limited to 0x7fffffff.
@@ -1263,8 +1261,8 @@ LUMCV_API LumStatus lumiFastN2DToVec_8u(const Lum8u* pSrcCorner, Lum32s srcCorne
  * 1. #lumErrNullPointer: a pointer is null.
  * 2. #lumErrStep: `srcStep` is below 1; rows may overlap.
  * 3. #lumErrSize: the width, the height or `maxLineCount` is below 1.
- * 4. #lumErrArgument: `delta.rho` is not above 0, or above `W + H` in single precision; `delta.theta` is not above 0,
- * or above 3.14159f; or `threshold` is below 1.
+ * 4. #lumErrArgument: `delta.rho` is not above 0, or above `W + H` in single precision; or `delta.theta` is not above
+ *    0, or above 3.14159f; or `threshold` is below 1.
  * 5. #lumErrHoughRegion, of lumiHoughLine_Region_8u32f_C1R(): the region's high corner is not at least the low one, or
  *    a corner is not a number. `*pLineCount` is 0 then.
  *

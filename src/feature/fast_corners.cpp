@@ -41,8 +41,7 @@ template <int N, class Orientations>
 [[gnu::always_inline]] inline Lum32s orientNew(Orientations& orientations, const Lum8u* p, Lum8u* corners,
                                                simd::Vec<Lum8u, N> scores, int first)
 {
-    constexpr uint64_t all = ~uint64_t{0} >> (64 - N);
-    const uint64_t found = ~simd::laneBits(simd::equal(scores, simd::broadcast<N>(Lum8u{0}))) & all;
+    const uint64_t found = simd::nonZeroBits(scores);
     if constexpr (!std::is_same_v<Orientations, NoOrientation>)
         for (uint64_t rest = found; rest; rest &= rest - 1) {
             const int lane = __builtin_ctzll(rest);

@@ -26,9 +26,7 @@ template <bool withOrientation, bool withScores>
             const auto bytes = simd::load<lanes>(row + block);
             if (!simd::anyNonZero(bytes))
                 return;
-            constexpr uint64_t all = ~uint64_t{0} >> (64 - lanes);
-            uint64_t found = ~simd::laneBits(simd::equal(bytes, simd::broadcast<lanes>(Lum8u{0}))) & all;
-            for (; found; found &= found - 1, ++count) {
+            for (uint64_t found = simd::nonZeroBits(bytes); found; found &= found - 1, ++count) {
                 if (count >= call.room)
                     continue;
                 const int64_t x = block + __builtin_ctzll(found);

@@ -39,9 +39,9 @@ inline constexpr std::array<Lum64f, 16> arctangent{
     }
     auto angle = (odd * square + even) * ratio;
     constexpr Lum64f pi = 3.14159265358979323846;
-    angle = simd::whereLess(ax, ay, all(pi / 2) - angle, angle);
-    angle = simd::whereLess(wideX, zero, all(pi) - angle, angle);
-    return simd::toSingle(simd::whereLess(wideY, zero, zero - angle, angle));
+    angle = simd::select(simd::less(ax, ay), all(pi / 2) - angle, angle);
+    angle = simd::select(simd::less(wideX, zero), all(pi) - angle, angle);
+    return simd::toSingle(simd::select(simd::less(wideY, zero), zero - angle, angle));
 }
 
 /// The two sums whose arctangent is the angle.
@@ -122,8 +122,8 @@ class Orientation
     void finish()
     {
         const auto angle = arctangents(simd::load<angleLanes>(cosines_), simd::load<angleLanes>(sines_));
-        const auto positive = simd::whereLess(angle, simd::broadcast<angleLanes>(0.0f),
-                                              angle + simd::broadcast<angleLanes>(6.2831855f), angle);
+        const auto positive = simd::select(simd::less(angle, simd::broadcast<angleLanes>(0.0f)),
+                                           angle + simd::broadcast<angleLanes>(6.2831855f), angle);
         Lum32s bins[angleLanes];
         simd::store(bins, simd::truncated(positive * simd::broadcast<angleLanes>(binsPerRadian_)));
         for (int i = 0; i < count_; ++i)

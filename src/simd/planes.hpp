@@ -1,34 +1,9 @@
 // Several floats for each pixel, gathered from and spread to vectors of one of them each.
 #pragma once
 
-#include "simd/arithmetic.hpp"
+#include "simd/halves.hpp"
 
 namespace lumcv::simd {
-
-#if defined(__AVX512BW__)
-/// Eight of sixteen lanes.
-template <int half>
-[[gnu::always_inline]] inline Vec<Lum32f, 8> halfOf(Vec<Lum32f, 16> v)
-{
-    return {(typename Vec<Lum32f, 8>::Raw)_mm512_extractf32x8_ps(v.raw, half)};
-}
-
-[[gnu::always_inline]] inline Vec<Lum32f, 16> joined(Vec<Lum32f, 8> lo, Vec<Lum32f, 8> hi)
-{
-    return {(typename Vec<Lum32f, 16>::Raw)_mm512_insertf32x8(_mm512_castps256_ps512(lo.raw), hi.raw, 1)};
-}
-#else
-template <int half>
-[[gnu::always_inline]] inline Vec<Lum32f, 8> halfOf(Vec<Lum32f, 16> v)
-{
-    return half == 0 ? v.lo : v.hi;
-}
-
-[[gnu::always_inline]] inline Vec<Lum32f, 16> joined(Vec<Lum32f, 8> lo, Vec<Lum32f, 8> hi)
-{
-    return {lo, hi};
-}
-#endif
 
 /// The two 16-byte halves of eight lanes, each to its own place.
 [[gnu::always_inline]] inline void storeHalves(Lum32f* low, Lum32f* high, __m256 v)
@@ -51,8 +26,8 @@ template <int N>
         store(p + 4, e);
         store(p + 5, f);
     } else if constexpr (N == 16) {
-        storeSixes(p, halfOf<0>(a), halfOf<0>(b), halfOf<0>(c), halfOf<0>(d), halfOf<0>(e), halfOf<0>(f));
-        storeSixes(p + 48, halfOf<1>(a), halfOf<1>(b), halfOf<1>(c), halfOf<1>(d), halfOf<1>(e), halfOf<1>(f));
+        storeSixes(p, lowerHalf(a), lowerHalf(b), lowerHalf(c), lowerHalf(d), lowerHalf(e), lowerHalf(f));
+        storeSixes(p + 48, upperHalf(a), upperHalf(b), upperHalf(c), upperHalf(d), upperHalf(e), upperHalf(f));
     } else {
         // pairs of floats, two pixels in each group of 16 bytes; three such groups make the twelve floats of two pixels
         const auto twoPixels = [](Lum32f* low, Lum32f* high, __m256 ab, __m256 cd, __m256 ef) {
@@ -79,8 +54,8 @@ template <int N>
         store(p + 2, c);
         p[3] = 0;
     } else if constexpr (N == 16) {
-        storeQuads(p, halfOf<0>(a), halfOf<0>(b), halfOf<0>(c));
-        storeQuads(p + 32, halfOf<1>(a), halfOf<1>(b), halfOf<1>(c));
+        storeQuads(p, lowerHalf(a), lowerHalf(b), lowerHalf(c));
+        storeQuads(p + 32, upperHalf(a), upperHalf(b), upperHalf(c));
     } else {
         const auto ab01 = (__m256d)_mm256_unpacklo_ps(a.raw, b.raw), ab23 = (__m256d)_mm256_unpackhi_ps(a.raw, b.raw);
         const auto c01 = (__m256d)_mm256_unpacklo_ps(c.raw, _mm256_setzero_ps());
@@ -120,6 +95,33 @@ template <int N>
         const auto c01 = (__m256d)_mm256_unpackhi_ps(q0, q1), c23 = (__m256d)_mm256_unpackhi_ps(q2, q3);
         return {V{(__m256)_mm256_unpacklo_pd(ab01, ab23)}, V{(__m256)_mm256_unpackhi_pd(ab01, ab23)},
                 V{(__m256)_mm256_unpacklo_pd(c01, c23)}};
+    }
+}
+
+/// Two floats for each of N pixels.
+template <int N>
+struct Couple
+{
+    Vec<Lum32f, N> a, b;
+};
+
+template <int N>
+[[gnu::always_inline]] inline Couple<N> loadCouples(const Lum32f* p)
+{
+    static_assert(N == 1 || N == 8 || N == 16);
+    using V = Vec<Lum32f, N>;
+    if constexpr (N == 1)
+        return {load<1>(p), load<1>(p + 1)};
+    else if constexpr (N == 16) {
+        const auto lo = loadCouples<8>(p);
+        const auto hi = loadCouples<8>(p + 16);
+        return {joined(lo.a, hi.a), joined(lo.b, hi.b)};
+    } else {
+        const auto pixels = [p](int i) {
+            return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(p + i)), _mm_loadu_ps(p + i + 8), 1);
+        };
+        const __m256 q0 = pixels(0), q1 = pixels(4);
+        return {V{_mm256_shuffle_ps(q0, q1, 0x88)}, V{_mm256_shuffle_ps(q0, q1, 0xDD)}};
     }
 }
 
