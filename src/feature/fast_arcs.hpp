@@ -6,36 +6,46 @@
 
 namespace lumcv::fast {
 
-/// For N pixels side by side. 0 where there is no arc.
+/// For N pixels side by side, the limits beyond which their rings are brighter or darker.
 template <int N>
-struct Arcs
-{
-    simd::Vec<Lum8u, N> bright, dark;
-};
-
-/// The pixels of the middle and the limits for those of the ring.
-template <int N>
-struct Middle
+struct Limits
 {
     simd::Vec<Lum8u, N> upper, lower;
 
-    [[gnu::always_inline]] Middle(const Lum8u* p, simd::Vec<Lum8u, N> threshold)
-        : upper(simd::addSaturated(simd::load<N>(p), threshold)),
-          lower(simd::subtractSaturated(simd::load<N>(p), threshold))
+    [[gnu::always_inline]] Limits(const Lum8u* p, Lum8u threshold)
+        : upper(simd::addSaturated(simd::load<N>(p), simd::broadcast<N>(threshold))),
+          lower(simd::subtractSaturated(simd::load<N>(p), simd::broadcast<N>(threshold)))
     {
     }
 };
 
-/// What an arc cannot do without: it has one point of each pair of opposite ones.
-template <class Ring, int N>
-[[gnu::always_inline]] inline Arcs<N> candidates(const Ring& ring, const Lum8u* p, const Middle<N>& middle)
+/// Not 0 where there may be an arc.
+template <int N>
+struct Candidates
+{
+    simd::Vec<Lum8u, N> bright, dark;
+};
+
+/// An arc has one point of each pair of opposite ones: asks two of those pairs, from point `first` on.
+template <int N, class Ring>
+[[gnu::always_inline]] inline Candidates<N> candidates(const Ring& ring, const Lum8u* p, const Limits<N>& limits,
+                                                       int first)
 {
     const int quarter = ring.points() / 4;
-    const auto point = [&](int i) { return simd::load<N>(p + ring.offsets[i * quarter]); };
-    const auto below = point(0), left = point(1), above = point(2), right = point(3);
-    const auto brightest = simd::min(simd::max(below, above), simd::max(left, right));
-    const auto darkest = simd::max(simd::min(below, above), simd::min(left, right));
-    return {simd::subtractSaturated(brightest, middle.upper), simd::subtractSaturated(middle.lower, darkest)};
+    const auto point = [&](int i) { return simd::load<N>(p + ring.offsets[first + i * quarter]); };
+    const auto a = point(0), b = point(1), c = point(2), d = point(3);
+    const auto brightest = simd::min(simd::max(a, c), simd::max(b, d));
+    const auto darkest = simd::max(simd::min(a, c), simd::min(b, d));
+    return {simd::subtractSaturated(brightest, limits.upper), simd::subtractSaturated(limits.lower, darkest)};
+}
+
+/// Asks the pairs that lie between those of the other test, too.
+template <int N, class Ring>
+[[gnu::always_inline]] inline Candidates<N> closeCandidates(const Ring& ring, const Lum8u* p, const Limits<N>& limits)
+{
+    const auto some = candidates(ring, p, limits, 0);
+    const auto others = candidates(ring, p, limits, ring.points() / 8);
+    return {simd::min(some.bright, others.bright), simd::min(some.dark, others.dark)};
 }
 
 /// The ring of radius 3 with arcs of nine points.
@@ -105,19 +115,14 @@ struct AnyRing
     }
 };
 
-/// The arcs of N pixels from p on.
-template <int N, class Ring>
-[[gnu::always_inline]] inline Arcs<N> arcsAt(const Ring& ring, const Lum8u* p, simd::Vec<Lum8u, N> threshold)
+/// By how much the best arc of each of the N pixels at p exceeds the limit; 0 where there is none.
+template <bool isBright, int N, class Ring>
+[[gnu::always_inline]] inline simd::Vec<Lum8u, N> bestArcs(const Ring& ring, const Lum8u* p, const Limits<N>& limits)
 {
-    const Middle<N> middle(p, threshold);
-    Arcs<N> arcs = candidates(ring, p, middle);
-    if (simd::anyNonZero(arcs.bright))
-        arcs.bright = ring.template best<N>(
-            [&](int i) { return simd::subtractSaturated(simd::load<N>(p + ring.offsets[i]), middle.upper); });
-    if (simd::anyNonZero(arcs.dark))
-        arcs.dark = ring.template best<N>(
-            [&](int i) { return simd::subtractSaturated(middle.lower, simd::load<N>(p + ring.offsets[i])); });
-    return arcs;
+    return ring.template best<N>([&](int i) {
+        const auto point = simd::load<N>(p + ring.offsets[i]);
+        return isBright ? simd::subtractSaturated(point, limits.upper) : simd::subtractSaturated(limits.lower, point);
+    });
 }
 
 }  // namespace lumcv::fast

@@ -18,36 +18,100 @@ struct Marks
     Lum8u* scores;  // null if they are not wanted
 };
 
-/// Calls body(x, lanes, first) for the columns [begin, end): lanes before `first` have been there in another call.
-template <int N, class Body>
-[[gnu::always_inline]] inline void eachBlock(int64_t begin, int64_t end, Body body)
+/// N pixels of a row, or its last N: the first `known` of those belong to the block before as well.
+template <int N>
+struct Block
 {
-    int64_t x = begin;
-    if (end - begin >= N) {
-        for (; x + N <= end; x += N)
-            body(x, simd::Lanes<N>{}, 0);
-        if (x < end)
-            body(end - N, simd::Lanes<N>{}, static_cast<int>(x - (end - N)));
-    } else if constexpr (N > simd::restLanes)
-        eachBlock<simd::restLanes>(begin, end, body);
+    int64_t x;
+    int known;
+
+    /// That of the row of n pixels, at least N, whose new pixels begin at `begin`.
+    [[gnu::always_inline]] Block(int64_t begin, int64_t n)
+        : x(begin + N <= n ? begin : n - N), known(static_cast<int>(begin - x))
+    {
+    }
+};
+
+/// Calls body(lanes) with the widest vector that n pixels fill.
+template <int N, class Body>
+[[gnu::always_inline]] inline Lum32s withLanes(int64_t n, Body body)
+{
+    if (n >= N)
+        return body(simd::Lanes<N>{});
+    if constexpr (N > simd::restLanes)
+        return withLanes<simd::restLanes>(n, body);
     else
-        for (; x < end; ++x)
-            body(x, simd::Lanes<1>{}, 0);
+        return body(simd::Lanes<1>{});
 }
 
-/// Of N pixels, those with a score are corners and have just been marked. Returns how many new ones they are; all of
-/// them get an orientation, since marking has removed that of the others.
+/// Gives orientations to those of the pixels at p that have a score, and counts those that are new.
 template <int N, class Orientations>
-[[gnu::always_inline]] inline Lum32s orientNew(Orientations& orientations, const Lum8u* p, Lum8u* corners,
-                                               simd::Vec<Lum8u, N> scores, int first)
+[[gnu::always_inline]] inline Lum32s count(simd::Vec<Lum8u, N> scores, int known, const Lum8u* p, Lum8u* corners,
+                                           Orientations& orientations)
 {
-    const uint64_t found = simd::nonZeroBits(scores);
+    const uint64_t found = simd::nonZeroBits(scores) >> known;
     if constexpr (!std::is_same_v<Orientations, NoOrientation>)
         for (uint64_t rest = found; rest; rest &= rest - 1) {
-            const int lane = __builtin_ctzll(rest);
+            const int lane = known + __builtin_ctzll(rest);
             orientations.add(p + lane, corners + lane);
         }
-    return __builtin_popcountll(found >> first);
+    return __builtin_popcountll(found);
+}
+
+/// Adds to what is stored.
+template <int N>
+[[gnu::always_inline]] inline void merge(Lum8u* p, simd::Vec<Lum8u, N> v)
+{
+    simd::store(p, simd::load<N>(p) | v);
+}
+
+/// Where a row is likely to have something, in order. Entered without a branch, which would often be mispredicted.
+template <int room>
+class Places
+{
+  public:
+    [[gnu::always_inline]] void add(int64_t x, bool isOne)
+    {
+        places_[count_] = x;
+        count_ += isOne;
+    }
+
+    const int64_t* begin() const
+    {
+        return places_;
+    }
+
+    const int64_t* end() const
+    {
+        return places_ + count_;
+    }
+
+  private:
+    int count_ = 0;
+    int64_t places_[room];
+};
+
+/// Marks the corners with a bright arc, or with a dark one, of the blocks at these places of a row of n pixels.
+template <bool isBright, bool withScores, int N, class Places, class Ring, class Orientations>
+[[gnu::always_inline]] inline Lum32s markBlocks(const Places& places, const Ring& ring, const Lum8u* row, int64_t n,
+                                                Lum8u threshold, Marks marks, Orientations& orientations)
+{
+    const auto zero = simd::broadcast<N>(Lum8u{0});
+    const auto kind = simd::broadcast<N>(isBright ? brightCorner : darkCorner);
+    Lum32s total = 0;
+    for (const int64_t begin : places) {
+        const Block<N> block(begin, n);
+        const Lum8u* const p = row + block.x;
+        const auto best = bestArcs<isBright>(ring, p, Limits<N>(p, threshold));
+        if (!simd::anyNonZero(best))
+            continue;
+        const auto isNone = simd::equal(best, zero);
+        merge(marks.corners + block.x, simd::select(isNone, zero, kind));
+        if constexpr (withScores)
+            merge(marks.scores + block.x, simd::select(isNone, zero, best + simd::broadcast<N>(threshold)));
+        total += count(best, block.known, p, marks.corners + block.x, orientations);
+    }
+    return total;
 }
 
 /// Marks the corners among n pixels of a row, where nothing is marked yet, and returns how many they are.
@@ -55,24 +119,28 @@ template <bool withScores, class Ring, class Orientations>
 [[gnu::flatten, gnu::noinline]] Lum32s markRow(const Ring ring, const Lum8u* row, int64_t n, Lum8u threshold,
                                                Marks marks, Orientations& orientations)
 {
-    Lum32s count = 0;
-    eachBlock<cornerLanes>(0, n, [&, marks, row](int64_t x, auto lanes, int first) {
-        const auto zero = simd::broadcast<lanes>(Lum8u{0});
-        const auto limit = simd::broadcast<lanes>(threshold);
-        const auto arcs = arcsAt<lanes>(ring, row + x, limit);
-        const auto either = arcs.bright | arcs.dark;
-        if (!simd::anyNonZero(either))
-            return;
-        const auto isBright = simd::equal(arcs.dark, zero);
-        const auto isNone = simd::equal(either, zero);
-        const auto kind =
-            simd::select(isBright, simd::broadcast<lanes>(brightCorner), simd::broadcast<lanes>(darkCorner));
-        simd::store(marks.corners + x, simd::select(isNone, zero, kind));
-        if constexpr (withScores)
-            simd::store(marks.scores + x, simd::select(isNone, zero, either + limit));
-        count += orientNew(orientations, row + x, marks.corners + x, either, first);
+    return withLanes<cornerLanes>(n, [&, row, n, threshold, marks](auto lanes) {
+        constexpr int blocks = 64;
+        Lum32s total = 0;
+        for (int64_t begin = 0; begin < n; begin += blocks * lanes) {
+            const int64_t end = begin + blocks * lanes < n ? begin + blocks * lanes : n;
+            Places<blocks> either, bright, dark;
+            for (int64_t x = begin; x < end; x += lanes) {
+                const Lum8u* const p = row + Block<lanes>(x, n).x;
+                const auto found = candidates(ring, p, Limits<lanes>(p, threshold), 0);
+                either.add(x, simd::anyNonZero(found.bright | found.dark));
+            }
+            for (const int64_t x : either) {
+                const Lum8u* const p = row + Block<lanes>(x, n).x;
+                const auto found = closeCandidates(ring, p, Limits<lanes>(p, threshold));
+                bright.add(x, simd::anyNonZero(found.bright));
+                dark.add(x, simd::anyNonZero(found.dark));
+            }
+            total += markBlocks<true, withScores, lanes>(bright, ring, row, n, threshold, marks, orientations);
+            total += markBlocks<false, withScores, lanes>(dark, ring, row, n, threshold, marks, orientations);
+        }
+        return total;
     });
-    return count;
 }
 
 /// Three rows of marks in scratch, each with a zero at both ends.
@@ -110,25 +178,29 @@ template <class Orientations>
     const Lum8u* const above = rows.row(y - 1).scores;
     const Lum8u* const below = rows.row(y + 1).scores;
     const Marks marks = rows.row(y);
-    Lum32s count = 0;
-    eachBlock<cornerLanes>(0, n, [&, marks, above, below, row, dst](int64_t x, auto lanes, int first) {
+    return withLanes<cornerLanes>(n, [&, marks, above, below, row, n, dst](auto lanes) {
         const auto zero = simd::broadcast<lanes>(Lum8u{0});
-        const auto score = simd::load<lanes>(marks.scores + x);
-        if (!simd::anyNonZero(score))
-            return;
-        const auto widest = [x, lanes](const Lum8u* scores) {
-            return simd::max(simd::load<lanes>(scores + x - 1), simd::load<lanes>(scores + x + 1));
-        };
-        const auto upAndDown = simd::max(simd::load<lanes>(above + x), simd::load<lanes>(below + x));
-        const auto around =
-            simd::max(simd::max(widest(above), widest(below)), simd::max(widest(marks.scores), upAndDown));
-        const auto isMaximum = simd::equal(simd::max(score, around), score);
-        const auto kept = simd::select(isMaximum, score, zero);
-        simd::store(dst.scores + x, kept);
-        simd::store(dst.corners + x, simd::select(isMaximum, simd::load<lanes>(marks.corners + x), zero));
-        count += orientNew(orientations, row + x, dst.corners + x, kept, first);
+        Lum32s total = 0;
+        for (int64_t begin = 0; begin < n; begin += lanes) {
+            const Block<lanes> block(begin, n);
+            const int64_t x = block.x;
+            const auto score = simd::load<lanes>(marks.scores + x);
+            if (!simd::anyNonZero(score))
+                continue;
+            const auto sides = [x, lanes](const Lum8u* scores) {
+                return simd::max(simd::load<lanes>(scores + x - 1), simd::load<lanes>(scores + x + 1));
+            };
+            const auto middles = simd::max(simd::load<lanes>(above + x), simd::load<lanes>(below + x));
+            const auto around =
+                simd::max(simd::max(sides(above), sides(below)), simd::max(sides(marks.scores), middles));
+            const auto isMaximum = simd::equal(simd::max(score, around), score);
+            const auto kept = simd::select(isMaximum, score, zero);
+            merge(dst.scores + x, kept);
+            merge(dst.corners + x, simd::select(isMaximum, simd::load<lanes>(marks.corners + x), zero));
+            total += count(kept, block.known, row + x, dst.corners + x, orientations);
+        }
+        return total;
     });
-    return count;
 }
 
 /// What the export hands on.
