@@ -119,9 +119,11 @@ std::vector<LumiPointPolar> findStrongest(const Picture& edges, int count, int v
     // a line leaves high counts in the cells around its own as well; so more lines are listed than are wanted
     const Lum32s room = 16 * count;
     Lum32s bufferSize = 0;
-    if (lumiHoughLineGetSize_8u_C1R(edges.size(), cell, room, &bufferSize) == lumWrnBufferTooLarge) {
+    const LumStatus status = lumiHoughLineGetSize_8u_C1R(edges.size(), cell, room, &bufferSize);
+    if (status == lumWrnBufferTooLarge) {
         throw gallery::Failure("the picture is too large");
     }
+    check(status, "lumiHoughLineGetSize_8u_C1R");
     Block buffer = blockOf(bufferSize);
     std::vector<LumiPointPolar> listed(static_cast<std::size_t>(room));
     Lum32s found = 0;

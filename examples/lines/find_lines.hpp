@@ -17,7 +17,7 @@ struct SegmentOptions
 {
     int votes = 25;   ///< points that vote for a line before it is followed
     int length = 30;  ///< width or height of a segment at least, in pixels
-    int gap = 3;      ///< pixels that may be missing between two of a segment
+    int gap = 5;      ///< pixels that may be missing between two of a segment
 };
 
 struct Segment

@@ -29,7 +29,7 @@ constexpr const char* usage =
     "  --high GRADIENT    an edge begins above this gradient; 100 without this option\n"
     "  --votes PIXELS     a line has at least so many edge pixels; 25 without this option\n"
     "  --length PIXELS    a segment is at least so wide or high; 30 without this option\n"
-    "  --gap PIXELS       so many pixels may be missing between two of a segment; 3 without this option\n"
+    "  --gap PIXELS       so many pixels may be missing between two of a segment; 5 without this option\n"
     "  --strongest COUNT  how many whole lines, at most; 8 without this option\n";
 
 struct Arguments
