@@ -140,8 +140,8 @@ typedef struct LumiPyramidLayerUpRecord LumiPyramidLayerUpRecord;
  * 0..s - 1, is this tap, as a single-precision number, divided by the sum of all those used, added in ascending j in
  * single precision. Where no tap is used, or their sum is 0, it is source pixel f alone (clamped likewise), with the
  * weight 1. The result is, in single precision, the sum along each row first, and of these rows' sums along the column
- * then: products `weight * value` in ascending j, from the first one on, every product and sum rounded by itself.
- * 8u and 16u are rounded at the end, to nearest with ties to even, and saturated.
+ * then: products `weight * value` in ascending j, from the first one on, every product and sum rounded by itself. A tap
+ * of 0 has its product like any other. 8u and 16u are rounded at the end, to nearest with ties to even, and saturated.
  *
  * In 8u and 16u, with k = 5, the first three taps given to Init 1, 4 and 6, and `1.99998 < rate < 2.00002` in double
  * precision, the weights of an axis of s pixels p are these instead:

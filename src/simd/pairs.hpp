@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simd/byte_taps.hpp"
+#include "simd/lanes.hpp"
 
 namespace lumcv::simd {
 
@@ -36,11 +37,11 @@ template <int N>
         return {{lo.even, hi.even}, {lo.odd, hi.odd}};
     } else {
         // pairs of words as 32-bit lanes, of which packing keeps the values that fit a word
-        typedef Lum32u Pairs __attribute__((vector_size(sizeof(V))));
-        const Pairs a = (Pairs)load<N>(p).raw;
-        const Pairs b = (Pairs)load<N>(p + N).raw;
-        return {{(typename V::Raw)packed<Lum16u>(bits(a & 0xffff), bits(b & 0xffff))},
-                {(typename V::Raw)packed<Lum16u>(bits(a >> 16), bits(b >> 16))}};
+        const auto words = [](auto pairs) { return V{(typename V::Raw)pairs}; };
+        const auto a = reinterpreted<Lum32s>(load<N>(p)).raw;
+        const auto b = reinterpreted<Lum32s>(load<N>(p + N)).raw;
+        return {words(packed<Lum16u>(bits(a & 0xffff), bits(b & 0xffff))),
+                words(packed<Lum16u>(bits(a >> 16 & 0xffff), bits(b >> 16 & 0xffff)))};
     }
 }
 
