@@ -39,7 +39,6 @@ class LayerDown : public testing::TestWithParam<LayerForm>
 class LayerDownQuick : public LayerDown
 {
 };
-const auto formName = [](const auto& info) { return std::string("Of_") + info.param.name; };
 INSTANTIATE_TEST_SUITE_P(Forms, LayerDown, testing::ValuesIn(kForms), formName);
 INSTANTIATE_TEST_SUITE_P(Forms, LayerDownQuick, testing::ValuesIn(kForms), formName);
 

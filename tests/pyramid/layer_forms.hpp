@@ -1,9 +1,11 @@
 // All forms of the layer functions behind one signature: types and channels as values, geometry of 64 bits.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <lumcv/lumcv.h>
 
 #include <ostream>
+#include <string>
 
 namespace lumcv::test::pyramid {
 
@@ -178,6 +180,12 @@ inline const LayerForm kForms[] = {
                        lumiPyramidLayerDown_32f_C1R_L>,
      forms::kFunctions<lumiPyramidLayerUpGetSize_32f_C1R_L, lumiPyramidLayerUpInit_32f_C1R_L,
                        lumiPyramidLayerUp_32f_C1R_L>}};
+
+/// Names the tests of a suite over all forms.
+inline std::string formName(const testing::TestParamInfo<LayerForm>& form)
+{
+    return std::string("Of_") + form.param.name;
+}
 
 /// Calls f.operator()<T>() with the element type of the form.
 template <class F>

@@ -13,8 +13,7 @@ namespace {
 class LayerMemory : public testing::TestWithParam<LayerForm>
 {
 };
-INSTANTIATE_TEST_SUITE_P(Forms, LayerMemory, testing::ValuesIn(kForms),
-                         [](const auto& info) { return std::string("Of_") + info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Forms, LayerMemory, testing::ValuesIn(kForms), formName);
 
 template <class T>
 void expectIsolated(const LayerForm& form, Way way, const LayerSetting& setting, Guard guard)

@@ -31,8 +31,7 @@ class LayerSizesQuick : public testing::TestWithParam<LayerForm>
         return answer;
     }
 };
-INSTANTIATE_TEST_SUITE_P(Forms, LayerSizesQuick, testing::ValuesIn(kForms),
-                         [](const auto& info) { return std::string("Of_") + info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Forms, LayerSizesQuick, testing::ValuesIn(kForms), formName);
 
 /// Of 8-bit pixels in one channel.
 Lum64s downBytesOfBytes(Lum64s W, Lum64s H, Lum64s k, int levels)

@@ -19,8 +19,7 @@ constexpr Lum64s kTooLarge = kIntMax + 1;
 class LayerStatusQuick : public testing::TestWithParam<LayerForm>
 {
 };
-INSTANTIATE_TEST_SUITE_P(Forms, LayerStatusQuick, testing::ValuesIn(kForms),
-                         [](const auto& info) { return std::string("Of_") + info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Forms, LayerStatusQuick, testing::ValuesIn(kForms), formName);
 
 template <class Args>
 using Table = std::vector<Violation<Args>>;

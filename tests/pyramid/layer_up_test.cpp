@@ -37,7 +37,6 @@ class LayerUp : public testing::TestWithParam<LayerForm>
 class LayerUpQuick : public LayerUp
 {
 };
-const auto formName = [](const auto& info) { return std::string("Of_") + info.param.name; };
 INSTANTIATE_TEST_SUITE_P(Forms, LayerUp, testing::ValuesIn(kForms), formName);
 INSTANTIATE_TEST_SUITE_P(Forms, LayerUpQuick, testing::ValuesIn(kForms), formName);
 
