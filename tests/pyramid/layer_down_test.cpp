@@ -263,11 +263,15 @@ TEST_P(LayerDownQuick, TheLastLevelGoesDownToItself)
 // At a rate a little below 2 the last destination pixels of a wide image lie beyond its end by several pixels.
 TEST_P(LayerDown, LessThanTwiceAsWide)
 {
+    if (GetParam().channels != 1) {
+        return;  // a wide image is slow work for the reference
+    }
     const Lum32f rate = 1.99999f;
-    ASSERT_GT(2 * (downSide(500'000, rate) - 1), 500'001);
-    expectDown({.size = {500'000, 2}, .rate = rate, .kernel = kKernels[2], .number = 12});
-    ASSERT_GT(2 * (downSide(120'000, rate) - 1), 119'999);
-    expectDown({.size = {120'000, 4}, .rate = rate, .kernel = kKernels[2], .number = 13});
+    ASSERT_EQ(downSide(120'000, rate), 60'001);
+    expectDown({.size = {120'000, 4}, .rate = rate, .kernel = kKernels[2], .number = 12});
+    // beyond by more than one
+    ASSERT_EQ(downSide(450'000, rate), 225'002);
+    expectDown({.size = {450'000, 1}, .rate = rate, .kernel = kKernels[2], .number = 13});
 }
 
 TEST_P(LayerDown, LargerThanTheCaches)
