@@ -168,6 +168,22 @@ TEST_P(LayerDown, KernelsWithoutASum)
     }
 }
 
+// Taps keep 16 bits, sums 32, and the smoothed bytes are saturated to 16.
+TEST_P(LayerDown, KernelsAtTheLimitsOfTheirType)
+{
+    int number = 14;
+    for (const Kernel& kernel : kLargeKernels) {
+        for (const LumiSize size : {LumiSize{3, 4}, LumiSize{8, 8}, LumiSize{37, 14}}) {
+            for (const Lum32f rate : {2.0f, 1.3f}) {
+                for (const Values values : {Values::Ordinary, Values::Extreme}) {
+                    expectDown({.size = size, .rate = rate, .kernel = kernel, .number = number++, .values = values});
+                    ASSERT_FALSE(HasFailure());
+                }
+            }
+        }
+    }
+}
+
 // The left half counts, mirrored; Init says so.
 TEST_P(LayerDown, KernelsThatAreNotSymmetric)
 {
@@ -244,6 +260,24 @@ TEST_P(LayerDown, ARecordOfASmallRoiServesSmallerOnes)
         for (const LumiSize less : {LumiSize{0, 0}, LumiSize{1, 1}, LumiSize{3, 3}, LumiSize{0, 2}, LumiSize{2, 0}}) {
             setting.size = {own.width - less.width, own.height - less.height};
             ++setting.number;
+            expectLayer(GetParam(), Way::Down, setting, record);
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+
+TEST_P(LayerDown, AnyRecordServesAnyRoiWithinItsOwn)
+{
+    Random random(9);
+    for (int number = 0; number < 60; ++number) {
+        LayerSetting setting = {.rate = number % 2 == 0 ? 2.0f : kRates[number % 11],
+                                .kernel = drawKernel(3 + 2 * static_cast<int>(random.between(0, 9)), random)};
+        setting.recordSize = {static_cast<int>(random.between(1, 60)), static_cast<int>(random.between(1, 40))};
+        const LayerRecord record(GetParam(), Way::Down, setting);
+        for (int i = 0; i < 4; ++i) {
+            setting.number = number * 4 + i;
+            setting.size = {static_cast<int>(random.between(1, setting.recordSize.width)),
+                            static_cast<int>(random.between(1, setting.recordSize.height))};
             expectLayer(GetParam(), Way::Down, setting, record);
             ASSERT_FALSE(HasFailure());
         }
