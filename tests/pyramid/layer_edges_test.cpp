@@ -230,5 +230,37 @@ TEST(LayerEdgesQuick, TapsOfTheWayDownAreCut)
     EXPECT_EQ(up.at(1, 1), 65535);
 }
 
+// Taps of floats differ if they do by more than the smallest normal number, and a sum not above it divides nothing.
+TEST(LayerEdgesQuick, TinyTapsOfFloats)
+{
+    for (const Way way : {Way::Down, Way::Up}) {
+        const auto initStatus = [&](const std::vector<Lum32f>& kernel) {
+            std::vector<Lum8u> block(8192), buffer(64);
+            void* state = nullptr;
+            return functionsOf(k32f, way).init({.ppState = &state,
+                                                .srcRoi = {8, 8},
+                                                .pKernel = kernel.data(),
+                                                .kernelSize = 3,
+                                                .pStateMem = block.data(),
+                                                .pBuffer = buffer.data()});
+        };
+        constexpr Lum32f smallest = std::numeric_limits<Lum32f>::min();
+        EXPECT_EQ(initStatus({0, 1, smallest}), lumOk);
+        EXPECT_EQ(initStatus({0, 1, -smallest}), lumOk);
+        EXPECT_EQ(initStatus({0, 1, 2 * smallest}), lumWrnKernelNotSymmetric);
+        EXPECT_EQ(initStatus({0, 1, -2 * smallest}), lumWrnKernelNotSymmetric);
+        EXPECT_EQ(initStatus({2 * smallest, 1, 0}), lumWrnKernelNotSymmetric);
+    }
+    const auto middle = [](Lum32f tap) {
+        return layerOf<Lum32f>(k32f, Way::Down, {.size = {8, 8}, .kernel = {0, tap, 0}}, [](int, int) { return 1e38f; })
+            .at(1, 1);
+    };
+    constexpr Lum32f smallest = std::numeric_limits<Lum32f>::min();
+    EXPECT_EQ(middle(smallest), smallest * (smallest * 1e38f));
+    EXPECT_EQ(middle(-smallest), smallest * (smallest * 1e38f));
+    EXPECT_EQ(middle(2 * smallest), 1e38f);
+    EXPECT_EQ(middle(-2 * smallest), 1e38f);
+}
+
 }  // namespace
 }  // namespace lumcv::test::pyramid

