@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "frame/image.hpp"
+#include "pyramid/layer_down_binomial.hpp"
 #include "pyramid/layer_down_record.hpp"
 #include "pyramid/layer_down_rows.hpp"
 #include "pyramid/layer_room.hpp"
@@ -53,7 +54,13 @@ class LayerDown
 
     void takeEverySecond()
     {
-        for (int64_t y = 0; y < dstRoi_.height; ++y) {
+        int64_t y = 0;
+        if constexpr (std::is_same_v<T, Lum8u> && channels == 1)
+            if (isDirect_) {
+                y = std::min((srcRoi_.height + 1) / 2, dstRoi_.height);
+                BinomialDown(src_, srcRoi_, dst_, {dstRoi_.width, y}, room_).run();
+            }
+        for (; y < dstRoi_.height; ++y) {
             gatherRows(std::min(2 * y, srcRoi_.height - 1));
             if constexpr (std::is_same_v<T, Lum8u>)
                 if (isDirect_) {
@@ -68,7 +75,7 @@ class LayerDown
     {
         const int64_t dstElements = dstRoi_.width * channels;
         const int64_t dstPitch = rowPitch<Sample>(dstElements);
-        Sample* const smoothed = room_.take<Sample>((srcRoi_.width + 1) * channels);
+        Sample* const smoothed = room_.take<Sample>((srcRoi_.width + 2) * channels);
         Sample* const sampled = room_.take<Sample>(2 * dstPitch);
         Lum32s* const indices = room_.take<Lum32s>(dstRoi_.width);
         Lum32f* const weights = room_.take<Lum32f>(dstRoi_.width);
@@ -102,19 +109,40 @@ class LayerDown
     [[gnu::flatten]] void sampleRow(const Sample* smoothed, const Lum32s* indices, const Lum32f* weights,
                                     Sample* row) const
     {
-        for (int64_t x = 0; x < dstRoi_.width; ++x)
+        if constexpr (channels == 1)
+            simd::eachAtLeastOnce<16>(0, dstRoi_.width, [=](int64_t x, auto lanes) {
+                const auto pairs = simd::gatherNeighbours<lanes>(smoothed, indices + x);
+                simd::store(row + x, between<T>(pairs.first, pairs.second, simd::load<lanes>(weights + x)));
+            });
+        else {
+            // four elements at a time, of which the next pixel overwrites the last one
+            int64_t x = 0;
+            for (; x + 1 < dstRoi_.width; ++x)
+                samplePixel(smoothed + indices[x], weights[x], row + x * channels);
             for (int c = 0; c < channels; ++c) {
                 const Sample* const pair = smoothed + indices[x] + c;
-                simd::store(row + x * channels + c, interpolated<T>(simd::load<1>(pair), simd::load<1>(pair + channels),
-                                                                    simd::load<1>(weights + x)));
+                simd::store(row + x * channels + c,
+                            between<T>(loadWide<1>(pair), loadWide<1>(pair + channels), simd::load<1>(weights + x)));
             }
+        }
+    }
+
+    [[gnu::always_inline]] static void samplePixel(const Sample* pair, Lum32f weight, Sample* to)
+    {
+        const auto w = simd::broadcast<4>(weight);
+        if constexpr (std::is_same_v<T, Lum8u>)
+            simd::storeWords(to, simd::truncated(mixed(simd::toFloat(simd::loadWidened<4>(pair)),
+                                                       simd::toFloat(simd::loadWidened<4>(pair + channels)), w) +
+                                                 simd::broadcast<4>(0.5f)));
+        else
+            simd::store(to, between<T>(simd::load<4>(pair), simd::load<4>(pair + channels), w));
     }
 
     [[gnu::flatten]] void mixRows(const Sample* upper, const Sample* lower, Lum32f weight, int64_t n, T* to) const
     {
         simd::eachAtLeastOnce<downLanes>(0, n, [=](int64_t x, auto lanes) {
-            simd::store(to + x, asPixels<T>(interpolated<T>(simd::load<lanes>(upper + x), simd::load<lanes>(lower + x),
-                                                            simd::broadcast<lanes>(weight))));
+            simd::store(to + x, asPixels<T>(between<T>(loadWide<lanes>(upper + x), loadWide<lanes>(lower + x),
+                                                       simd::broadcast<lanes>(weight))));
         });
     }
 
@@ -166,16 +194,28 @@ class LayerDown
         }
     }
 
-    void separatePixels(const T* row, Input* even, Input* odd) const
+    [[gnu::flatten]] void separatePixels(const T* row, Input* even, Input* odd) const
     {
         const int64_t pairs = srcRoi_.width / 2;
         if constexpr (channels == 1)
             convertPairs(row, pairs, even, odd);
-        else
-            for (int64_t i = 0; i < pairs; ++i) {
-                convertRow(row + 2 * i * channels, channels, even + i * channels);
-                convertRow(row + (2 * i + 1) * channels, channels, odd + i * channels);
+        else {
+            int64_t i = 0;
+            if constexpr (std::is_same_v<T, Lum8u>)
+                for (; i + 3 <= pairs; i += 2)
+                    simd::separateTriples(row + 6 * i, even + 3 * i, odd + 3 * i);
+            else {
+                constexpr int lanes = 16 / static_cast<int>(sizeof(T));
+                for (; i + 3 <= pairs; ++i) {  // what is too much of a pixel is overwritten by the next one
+                    convertLanes<lanes>(row + 6 * i, even + 3 * i);
+                    convertLanes<lanes>(row + 6 * i + 3, odd + 3 * i);
+                }
             }
+            for (; i < pairs; ++i) {
+                convertRow(row + 6 * i, channels, even + 3 * i);
+                convertRow(row + 6 * i + 3, channels, odd + 3 * i);
+            }
+        }
         if (srcRoi_.width % 2)
             convertRow(row + 2 * pairs * channels, channels, even + pairs * channels);
     }

@@ -33,18 +33,22 @@ void withTapCount(Lum32s kernelSize, Body body)
         body(std::integral_constant<int, 0>{});
 }
 
-/// Converts n pixels' elements to what the taps take.
+template <int lanes, class T>
+[[gnu::always_inline]] inline void convertLanes(const T* from, RowInput<T>* to)
+{
+    if constexpr (std::is_same_v<T, Lum8u>)
+        simd::store(to, simd::loadWords<lanes>(from));
+    else if constexpr (std::is_same_v<T, Lum16u>)
+        simd::store(to, simd::centred(simd::load<lanes>(from)));
+    else
+        simd::store(to, simd::load<lanes>(from));
+}
+
+/// Converts n elements to what the taps take.
 template <class T>
 [[gnu::flatten]] inline void convertRow(const T* from, int64_t n, RowInput<T>* to)
 {
-    simd::eachAtLeastOnce<32>(0, n, [=](int64_t x, auto lanes) {
-        if constexpr (std::is_same_v<T, Lum8u>)
-            simd::store(to + x, simd::loadWords<lanes>(from + x));
-        else if constexpr (std::is_same_v<T, Lum16u>)
-            simd::store(to + x, simd::centred(simd::load<lanes>(from + x)));
-        else
-            simd::store(to + x, simd::load<lanes>(from + x));
-    });
+    simd::eachAtLeastOnce<32>(0, n, [=](int64_t x, auto lanes) { convertLanes<lanes>(from + x, to + x); });
 }
 
 /// The same of n pairs of one-channel pixels: the first ones go to `even`, the second ones to `odd`.
@@ -155,22 +159,38 @@ template <class T, int count, ColumnResult result, class Out>
     });
 }
 
-/// w * b + (1 - w) * a; of integers, truncated after adding a half.
-template <class T, int N>
-[[gnu::always_inline]] inline simd::Vec<Smoothed<T>, N> interpolated(simd::Vec<Smoothed<T>, N> a,
-                                                                     simd::Vec<Smoothed<T>, N> b,
-                                                                     simd::Vec<Lum32f, N> w)
+/// w * b + (1 - w) * a.
+template <int N>
+[[gnu::always_inline]] inline simd::Vec<Lum32f, N> mixed(simd::Vec<Lum32f, N> a, simd::Vec<Lum32f, N> b,
+                                                         simd::Vec<Lum32f, N> w)
 {
-    const auto rest = simd::broadcast<N>(1.0f) - w;
+    return w * b + (simd::broadcast<N>(1.0f) - w) * a;
+}
+
+/// The sample between two, in lanes of 32 bits; of integers, truncated after adding a half.
+template <class T, class Lane, int N>
+[[gnu::always_inline]] inline simd::Vec<Smoothed<T>, N> between(simd::Vec<Lane, N> a, simd::Vec<Lane, N> b,
+                                                                simd::Vec<Lum32f, N> w)
+{
     if constexpr (std::is_same_v<T, Lum32f>)
-        return w * b + rest * a;
+        return mixed(a, b, w);
     else {
-        const auto value = simd::truncated(w * simd::toFloat(b) + rest * simd::toFloat(a) + simd::broadcast<N>(0.5f));
+        const auto value = simd::truncated(mixed(simd::toFloat(a), simd::toFloat(b), w) + simd::broadcast<N>(0.5f));
         if constexpr (std::is_same_v<T, Lum8u>)
             return simd::narrowOnce<Lum16s>(value);
         else
             return value;
     }
+}
+
+/// Samples in lanes of 32 bits.
+template <int N, class Sample>
+[[gnu::always_inline]] inline auto loadWide(const Sample* p)
+{
+    if constexpr (sizeof(Sample) == 2)
+        return simd::loadWidened<N>(p);
+    else
+        return simd::load<N>(p);
 }
 
 /// Where a destination coordinate falls between two samples.

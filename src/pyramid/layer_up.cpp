@@ -64,31 +64,65 @@ class LayerUp
             inside[-1 - i] = inside[channels - 1 - i % channels];
             inside[end + i] = inside[end - channels + i % channels];
         }
-        for (int64_t d = 0; d < dstRoi_.width; ++d) {
-            const int64_t count = record_.counts[d];
-            // single precision makes the widest images reach beyond the margin, where all pixels are the same
-            const int64_t first = std::min(int64_t{record_.firsts[d]}, srcRoi_.width + margin - count);
-            const Lum32f* const weights = record_.weights + d * record_.mostWeights;
-            for (int c = 0; c < channels; ++c) {
-                const Lum32f* const pixels = inside + first * channels + c;
-                Lum32f sum = weights[0] * pixels[0];
-                for (int64_t i = 1; i < count; ++i)
-                    sum += weights[i] * pixels[i * channels];
-                to[d * channels + c] = sum;
-            }
-        }
+        int64_t d = 0;
+        if constexpr (channels == 3)
+            // four elements at a time, of which the next pixel overwrites the last one
+            for (; d + 1 < dstRoi_.width; ++d)
+                stretchPixel<4>(inside, d, to + d * channels);
+        for (; d < dstRoi_.width; ++d)
+            for (int c = 0; c < channels; ++c)
+                stretchPixel<1>(inside + c, d, to + d * channels + c);
     }
 
-    [[gnu::flatten]] void mixRows(int64_t first, int64_t count, const Lum32f* weights, T* to) const
+    template <int lanes>
+    [[gnu::always_inline]] void stretchPixel(const Lum32f* inside, int64_t d, Lum32f* to) const
     {
-        simd::eachAtLeastOnce<upLanes>(0, elements_, [=, this](int64_t x, auto lanes) {
-            const auto product = [=, this](int64_t i) {
-                const Lum32f* const row = ring_ + clampedRow(first + i) % slots_ * pitch_;
-                return simd::load<lanes>(row + x) * simd::broadcast<lanes>(weights[i]);
-            };
-            auto sum = product(0);
+        const int64_t count = record_.counts[d];
+        // single precision makes the widest images reach beyond the margin, where all pixels are the same
+        const int64_t first = std::min(int64_t{record_.firsts[d]}, srcRoi_.width + record_.mostWeights - count);
+        const Lum32f* const pixels = inside + first * channels;
+        const Lum32f* const weights = record_.weights + d * record_.mostWeights;
+        auto sum = simd::broadcast<lanes>(weights[0]) * simd::load<lanes>(pixels);
+        for (int64_t i = 1; i < count; ++i)
+            sum = sum + simd::broadcast<lanes>(weights[i]) * simd::load<lanes>(pixels + i * channels);
+        simd::store(to, sum);
+    }
+
+    void mixRows(int64_t first, int64_t count, const Lum32f* weights, T* to) const
+    {
+        const auto row = [=, this](int64_t i) { return ring_ + clampedRow(first + i) % slots_ * pitch_; };
+        if (count == 2)
+            mixTwoOrThree<2>({row(0), row(1), row(1)}, weights, to);
+        else if (count == 3)
+            mixTwoOrThree<3>({row(0), row(1), row(2)}, weights, to);
+        else
+            mixAny(row, count, weights, to);
+    }
+
+    struct ThreeRows
+    {
+        const Lum32f *first, *second, *third;
+    };
+
+    template <int count>
+    [[gnu::flatten]] void mixTwoOrThree(ThreeRows rows, const Lum32f* weights, T* to) const
+    {
+        simd::eachAtLeastOnce<upLanes>(0, elements_, [=](int64_t x, auto lanes) {
+            auto sum = simd::load<lanes>(rows.first + x) * simd::broadcast<lanes>(weights[0]) +
+                       simd::load<lanes>(rows.second + x) * simd::broadcast<lanes>(weights[1]);
+            if constexpr (count == 3)
+                sum = sum + simd::load<lanes>(rows.third + x) * simd::broadcast<lanes>(weights[2]);
+            simd::store(to + x, simd::saturateTo<T>(sum));
+        });
+    }
+
+    template <class Row>
+    [[gnu::flatten]] void mixAny(Row row, int64_t count, const Lum32f* weights, T* to) const
+    {
+        simd::eachAtLeastOnce<upLanes>(0, elements_, [=](int64_t x, auto lanes) {
+            auto sum = simd::load<lanes>(row(0) + x) * simd::broadcast<lanes>(weights[0]);
             for (int64_t i = 1; i < count; ++i)
-                sum = sum + product(i);
+                sum = sum + simd::load<lanes>(row(i) + x) * simd::broadcast<lanes>(weights[i]);
             simd::store(to + x, simd::saturateTo<T>(sum));
         });
     }

@@ -73,6 +73,21 @@ template <int N>
 #endif
 }
 
+/// Stores the words of even and of odd places in turn.
+template <int N>
+[[gnu::always_inline]] inline void storePairs(Lum16u* p, Vec<Lum16u, N> even, Vec<Lum16u, N> odd)
+{
+    const SplitWords<2 * N> words{reinterpreted<Lum16s>(even), reinterpreted<Lum16s>(odd)};
+    store(p, reinterpreted<Lum16u>(inOrder(words)));
+}
+
+/// The same as bytes; all words are within 0..255.
+template <int N>
+[[gnu::always_inline]] inline void storePairs(Lum8u* p, Vec<Lum16s, N> even, Vec<Lum16s, N> odd)
+{
+    store(p, bytesInOrder(SplitWords<2 * N>{even, odd}));
+}
+
 /// The words less 2^15, which takes all of them to signed words.
 template <int N>
 [[gnu::always_inline]] inline Vec<Lum16s, N> centred(Vec<Lum16u, N> v)

@@ -7,6 +7,7 @@
 #include "simd/control.hpp"
 #include "simd/convert.hpp"
 #include "simd/doubles.hpp"
+#include "simd/gather.hpp"
 #include "simd/halves.hpp"
 #include "simd/lanes.hpp"
 #include "simd/masks.hpp"
