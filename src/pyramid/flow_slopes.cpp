@@ -1,6 +1,8 @@
 // The slopes of a level of an optical flow: both Scharr derivatives in one pass, with a replicated border.
 #include "pyramid/flow_slopes.hpp"
 
+#include <type_traits>
+
 #include "filter/mask_steps.hpp"
 #include "frame/checks.hpp"
 #include "simd/simd.hpp"
@@ -12,7 +14,9 @@ namespace {
 // A Scharr derivative adds 16 pixels on each side, two pixels apart; so this makes it a slope.
 constexpr Lum32f slopeScale = 0.03125f;
 
-/// What the derivatives of an element type are made of, and what becomes of them.
+// For each element type: what a row of pixels gives, from which three rows make the slopes of the middle one. The
+// neighbours of a pixel stand at the distances left and right.
+
 template <class T>
 struct SlopeSteps;
 
@@ -22,89 +26,115 @@ struct SlopeSteps<Lum8u>
     using Slope = Lum16s;
 
     template <int N>
-    [[gnu::always_inline]] static auto pixels(const Lum8u* p)
+    struct Row
     {
-        return simd::loadWords<N>(p);
+        simd::Vec<Lum16s, N> threeDifferences, tenDifferences, smooth;
+    };
+
+    template <int N>
+    [[gnu::always_inline]] static Row<N> row(const Lum8u* p, int64_t left, int64_t right)
+    {
+        if constexpr (N == 1) {
+            const int difference = p[right] - p[left];
+            return {static_cast<Lum16s>(3 * difference), static_cast<Lum16s>(10 * difference),
+                    static_cast<Lum16s>(3 * (p[left] + p[right]) + 10 * *p)};
+        } else {
+            const auto sides = simd::loadInTurn<2 * N>(p + left, p + right);
+            return {simd::pairSums<-3, 3>(sides), simd::pairSums<-10, 10>(sides),
+                    simd::pairSums<3, 3>(sides) + simd::pairSums<5, 5>(simd::loadInTurn<2 * N>(p, p))};
+        }
     }
 
     template <int N>
-    [[gnu::always_inline]] static auto slope(simd::Vec<Lum16s, N> derivative)
+    [[gnu::always_inline]] static auto slopeX(const Row<N>& above, const Row<N>& middle, const Row<N>& below)
     {
-        return derivative >> 4;
+        return (above.threeDifferences + below.threeDifferences + middle.tenDifferences) >> 4;
+    }
+
+    template <int N>
+    [[gnu::always_inline]] static auto slopeY(const Row<N>& above, const Row<N>& below)
+    {
+        return (below.smooth - above.smooth) >> 4;
     }
 };
 
-template <>
-struct SlopeSteps<Lum16u>
+/// Of floats, in the order that the derivative filters have.
+template <class T>
+struct FloatSlopeSteps
 {
     using Slope = Lum32f;
 
     template <int N>
-    [[gnu::always_inline]] static auto pixels(const Lum16u* p)
+    struct Row
     {
-        return simd::loadFloat<N>(p) * simd::broadcast<N>(slopeScale);
+        simd::Vec<Lum32f, N> difference, smooth;
+    };
+
+    template <int N>
+    [[gnu::always_inline]] static Row<N> row(const T* p, int64_t left, int64_t right)
+    {
+        const auto tap = [=](int i) {
+            const auto pixels = simd::loadFloat<N>(p + (i == 0 ? left : i == 1 ? 0 : right));
+            if constexpr (std::is_same_v<T, Lum32f>)
+                return pixels;
+            else
+                return pixels * simd::broadcast<N>(slopeScale);
+        };
+        return {NegatedDifference3::of(tap), ScharrSmooth3::of(tap)};
     }
 
     template <int N>
-    [[gnu::always_inline]] static auto slope(simd::Vec<Lum32f, N> derivative)
+    [[gnu::always_inline]] static auto slopeX(const Row<N>& above, const Row<N>& middle, const Row<N>& below)
     {
-        return derivative;
+        return scaled(ScharrSmooth3::of([&](int i) {
+            return i == 0 ? above.difference : i == 1 ? middle.difference : below.difference;
+        }));
+    }
+
+    template <int N>
+    [[gnu::always_inline]] static auto slopeY(const Row<N>& above, const Row<N>& below)
+    {
+        return scaled(below.smooth - above.smooth);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] static auto scaled(simd::Vec<Lum32f, N> derivative)
+    {
+        if constexpr (std::is_same_v<T, Lum32f>)
+            return derivative * simd::broadcast<N>(slopeScale);
+        else  // the pixels have been scaled
+            return derivative;
     }
 };
 
 template <>
-struct SlopeSteps<Lum32f>
+struct SlopeSteps<Lum16u> : FloatSlopeSteps<Lum16u>
 {
-    using Slope = Lum32f;
-
-    template <int N>
-    [[gnu::always_inline]] static auto pixels(const Lum32f* p)
-    {
-        return simd::load<N>(p);
-    }
-
-    template <int N>
-    [[gnu::always_inline]] static auto slope(simd::Vec<Lum32f, N> derivative)
-    {
-        return derivative * simd::broadcast<N>(slopeScale);
-    }
 };
 
-/// What a row of the image gives: the difference and the smooth sum of three pixels.
-template <class V>
-struct SlopeRow
+template <>
+struct SlopeSteps<Lum32f> : FloatSlopeSteps<Lum32f>
 {
-    V difference, smooth;
 };
 
-/// N columns from x on, of the rows from `begin` to `end`. The neighbours stand at the distances left and right.
+/// N columns from x on, of the rows from `begin` to `end`.
 template <int N, class T>
 [[gnu::flatten]] void takeColumns(Plane<const T> image, int64_t height,
                                   FlowSlopes<typename SlopeSteps<T>::Slope> slopes, int64_t x, int64_t left,
                                   int64_t right, int64_t begin, int64_t end)
 {
     using Steps = SlopeSteps<T>;
-    using Slope = typename Steps::Slope;
-    using V = simd::Vec<Slope, N>;
-    const auto rowOf = [=](const T* p) {
-        const auto tap = [=](int i) { return Steps::template pixels<N>(p + (i == 0 ? left : i == 1 ? 0 : right)); };
-        return SlopeRow<V>{NegatedDifference3::of(tap), ScharrSmooth3::of(tap)};
-    };
-    const T* const last = image.row(height - 1) + x;
+    const auto rowOf = [=](const T* p) { return Steps::template row<N>(p, left, right); };
     const T* pixel = image.row(begin) + x;
-    Slope* outX = slopes.x.row(begin) + x;
-    Slope* outY = slopes.y.row(begin) + x;
-    SlopeRow<V> above = rowOf(begin > 0 ? rowAt(pixel, image.step, -1) : pixel);
-    SlopeRow<V> middle = rowOf(pixel);
+    auto* outX = slopes.x.row(begin) + x;
+    auto* outY = slopes.y.row(begin) + x;
+    auto above = rowOf(begin > 0 ? rowAt(pixel, image.step, -1) : pixel);
+    auto middle = rowOf(pixel);
     for (int64_t y = begin; y < end; ++y) {
-        pixel = pixel == last ? last : rowAt(pixel, image.step, 1);
-        const SlopeRow<V> below = rowOf(pixel);
-        const auto differences = [&](int i) {
-            return i == 0 ? above.difference : i == 1 ? middle.difference : below.difference;
-        };
-        const auto smooths = [&](int i) { return i == 0 ? above.smooth : below.smooth; };
-        simd::store(outX, Steps::slope(ScharrSmooth3::of(differences)));
-        simd::store(outY, Steps::slope(NegatedDifference3::of(smooths)));
+        pixel = rowAt(pixel, y + 1 < height ? image.step : 0, 1);
+        const auto below = rowOf(pixel);
+        simd::store(outX, Steps::slopeX(above, middle, below));
+        simd::store(outY, Steps::slopeY(above, below));
         outX = rowAt(outX, slopes.x.step, 1);
         outY = rowAt(outY, slopes.y.step, 1);
         above = middle;
