@@ -45,14 +45,14 @@ typedef struct LumOptFlowPyrLKState LumOptFlowPyrLKState;
  * p11. A neighbour whose fraction is 0 is not read; the nearer pixel stands in its place. There are four patches: I of
  * the first image and its derivatives Ix and Iy around u, J of the second image around v.
  *
- * - 8u, in integers: W00, W01 and W10 are the first three weights times 16384, to the nearest integer, ties to even, and
+ * - 8u, in integers: W00, W01 and W10 are the first three weights times 16384, to the nearest integer, ties to even;
  *   `W11 = 16384 - W00 - W01 - W10`. With `sum = W00 * p00 + W01 * p01 + W10 * p10 + W11 * p11`, I and J are
- *   `(sum + 64) >> 7`. The pixels of Ix and Iy are the 3x3 Scharr derivatives, shifted right by 4 (twice the slope), and
- *   the patches `(sum + 128) >> 8`. So all four have seven fractional bits.
+ *   `(sum + 64) >> 7`. The pixels of Ix and Iy are the 3x3 Scharr derivatives, shifted right by 4 (twice the slope);
+ *   the patches are `(sum + 128) >> 8`. So all four have seven fractional bits.
  * - 32f, in single precision: all four are `((w00 * p00 + w01 * p01) + w10 * p10) + w11 * p11`. The pixels of Ix and Iy
  *   are the 3x3 Scharr derivatives, multiplied by 0.03125f (the slope).
- * - 16u as 32f, of the pixels as Lum32f; but those of Ix and Iy are the 3x3 Scharr derivatives of the image multiplied by
- *   0.03125f.
+ * - 16u as 32f, of the pixels as Lum32f; but those of Ix and Iy are the 3x3 Scharr derivatives of the image multiplied
+ *   by 0.03125f.
  *
  * The derivatives are made of the whole level of the first image, with a replicated border, in the order of operations
  * of @ref corners. All four patches of a type have the same scale, so a step is a whole least-squares step.
@@ -83,7 +83,7 @@ typedef struct LumOptFlowPyrLKState LumOptFlowPyrLKState;
  *
  * **Lost points.** `pStatus` is 0 for a point that has been followed to level 0, and otherwise l + 1 for one lost on
  * level l. A lost point keeps the position reached, `single(v * (1.0 / scale(l)))`, and the error of the last finished
- * level, 0 if there is none. It does not disturb the others.
+ * level, 0 if there is none. It does not disturb the others. The arrays must not overlap.
  *
  * **Blocks.** With W and H the size of the largest level 0, `a = (W + 5) * (H + 5)`, `w = winSize + 3`, `A()` rounding
  * up to a multiple of 32 and M the larger of W and H, the state needs, in bytes:
