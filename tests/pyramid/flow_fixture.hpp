@@ -322,9 +322,9 @@ inline auto waves(double shiftX = 0, double shiftY = 0)
             {0.31, 0.12, 26}, {-0.17, 0.29, 24}, {0.05, -0.11, 30}, {0.09, 0.04, 25}, {0.21, -0.23, 18}};
         double sum = 128;
         for (const double* wave : directions) {
-            const double frequency = std::hypot(wave[0], wave[1]) * pixel;
-            sum += wave[2] * std::exp(-frequency * frequency * 0.5) *
-                   std::sin(wave[0] * (x - shiftX) + wave[1] * (y - shiftY) + wave[2]);
+            const double square = (wave[0] * wave[0] + wave[1] * wave[1]) * pixel * pixel;
+            sum +=
+                wave[2] / (1 + square * square) * std::sin(wave[0] * (x - shiftX) + wave[1] * (y - shiftY) + wave[2]);
         }
         return sum;
     };

@@ -33,15 +33,15 @@ TEST(FlowMemory, AStateOfItsSizeDoesAtAnyAddress)
         };
         Ways ways;
         std::size_t number = 0;
-        for (const Case& c : {Case{{1, 1}, 1, 0}, Case{{2, 2}, 1, 1}, Case{{3, 1}, 2, 0}, Case{{1, 3}, 3, 1},
-                              Case{{500, 1}, 1, 3}, Case{{1, 500}, 1, 3}, Case{{1, 1}, 60, 0}, Case{{9, 8}, 40, 2},
-                              Case{{64, 33}, 1, 6}, Case{{33, 64}, 5, 6}, Case{{61, 59}, 13, 9}, Case{{16, 16}, 2, 4},
-                              Case{{31, 32}, 4, 5}, Case{{200, 3}, 7, 7}, Case{{3, 200}, 6, 30}}) {
+        for (const Case& c :
+             {Case{{1, 1}, 1, 0}, Case{{2, 2}, 1, 1}, Case{{3, 1}, 2, 0}, Case{{1, 3}, 3, 1}, Case{{500, 1}, 1, 3},
+              Case{{1, 500}, 1, 3}, Case{{1, 1}, 60, 0}, Case{{9, 8}, 40, 2}, Case{{64, 33}, 1, 6},
+              Case{{63, 65}, 2, 1}, Case{{47, 30}, 9, 2}, Case{{33, 64}, 5, 6}, Case{{61, 59}, 13, 1},
+              Case{{16, 16}, 2, 0}, Case{{31, 32}, 4, 5}, Case{{200, 3}, 7, 7}, Case{{3, 200}, 6, 30}}) {
             SCOPED_TRACE(testing::Message() << c.size.width << " x " << c.size.height << ", window " << c.winSize);
             Pyramid<T> first(c.size, c.maxLev), second(c.size, c.maxLev);
-            Random random(number);
-            first.noise(random, Values::Ordinary);
-            second.noise(random, Values::Ordinary);
+            first.draw(waves());
+            second.draw(waves(0.3, -0.2));
             const Settings settings = {c.winSize, c.maxLev, 3, 0};
             const std::vector<Point> points = somePoints(c.size, 5);
             for (int i = 0; i < 12; ++i, ++number) {

@@ -15,16 +15,37 @@ std::vector<Point> grid(LumiSize size, int margin, double step)
     return points;
 }
 
-/// The largest distance of the points from where they are expected; all must have been followed.
-double farthest(const Operands& operands, double dx, double dy)
+/// How far the points are from where they are expected.
+struct Distance
 {
-    double distance = 0;
+    double largest = 0;
+    double rootMeanSquare = 0;
+};
+
+/// All points must have been followed.
+Distance distance(const Operands& operands, double dx, double dy)
+{
+    Distance result;
+    double squares = 0;
     for (int i = 0; i < operands.count(); ++i) {
         EXPECT_EQ(operands[i].status, 0) << "point " << i;
-        distance = std::max(distance, std::hypot(operands[i].x - operands.prev.at(2 * i, 0) - dx,
-                                                 operands[i].y - operands.prev.at(2 * i + 1, 0) - dy));
+        const double here = std::hypot(operands[i].x - operands.prev.at(2 * i, 0) - dx,
+                                       operands[i].y - operands.prev.at(2 * i + 1, 0) - dy);
+        result.largest = std::max(result.largest, here);
+        squares += here * here;
     }
-    return distance;
+    result.rootMeanSquare = std::sqrt(squares / operands.count());
+    return result;
+}
+
+// Between pixels a window is smoothed by its interpolation, by how much is a matter of the fraction: what differs moves
+// single points by some hundredths.
+void expectWithinAHundredth(const Operands& operands, double dx, double dy)
+{
+    const bool isWhole = dx == std::round(dx) && dy == std::round(dy);
+    const Distance found = distance(operands, dx, dy);
+    EXPECT_LT(found.rootMeanSquare, 0.01);
+    EXPECT_LT(found.largest, isWhole ? 0.01 : 0.04);
 }
 
 // To a hundredth of a pixel, without a pyramid.
@@ -39,8 +60,8 @@ TEST(FlowMotionQuick, ShortMotionsAreFoundToAHundredth)
             SCOPED_TRACE(testing::Message() << "motion " << dx << ", " << dy);
             Pyramid<T> second(size);
             second.draw(waves(dx, dy));
-            const Operands operands = follow(first, second, grid(size, 16, 7.3), {15, 0, 20, 0.001f});
-            EXPECT_LT(farthest(operands, dx, dy), 0.01);
+            const Operands operands = follow(first, second, grid(size, 16, 7.3), {21, 0, 20, 0.001f});
+            expectWithinAHundredth(operands, dx, dy);
         }
     });
 }
@@ -56,9 +77,9 @@ TEST(FlowMotion, AWholePixelIsFoundInTheFirstSteps)
             Pyramid<T> second(size);
             second.draw(waves(dx, dy));
             const std::vector<Point> points = grid(size, 16, 6.0);
-            EXPECT_LT(farthest(follow(first, second, points, {15, 0, 1, 0}), dx, dy), 0.25);
-            EXPECT_LT(farthest(follow(first, second, points, {15, 0, 2, 0}), dx, dy), 0.04);
-            EXPECT_LT(farthest(follow(first, second, points, {15, 0, 3, 0}), dx, dy), 0.01);
+            EXPECT_LT(distance(follow(first, second, points, {21, 0, 1, 0}), dx, dy).largest, 0.3);
+            EXPECT_LT(distance(follow(first, second, points, {21, 0, 2, 0}), dx, dy).largest, 0.04);
+            EXPECT_LT(distance(follow(first, second, points, {21, 0, 3, 0}), dx, dy).largest, 0.01);
         }
     });
 }
@@ -75,7 +96,8 @@ TEST(FlowMotion, LongMotionsAreFoundByThePyramid)
             first.draw(waves());
             second.draw(waves(dx, dy));
             const std::vector<Point> points = grid(size, 50, 8.7);
-            EXPECT_LT(farthest(follow(first, second, points, {17, last, 20, 0.002f}), dx, dy), 0.01) << "rate " << rate;
+            SCOPED_TRACE(testing::Message() << "rate " << rate);
+            expectWithinAHundredth(follow(first, second, points, {21, last, 20, 0.002f}), dx, dy);
             const Operands without = follow(first, second, points, {17, 0, 20, 0.002f});
             int astray = 0;
             for (int i = 0; i < without.count(); ++i) {
@@ -92,7 +114,7 @@ TEST(FlowMotion, TypesAgree)
 {
     constexpr LumiSize size = {90, 90};
     const std::vector<Point> points = grid(size, 20, 9.1);
-    const Settings settings = {13, 1, 20, 0.001f};
+    const Settings settings = {21, 1, 20, 0.001f};
     std::vector<Followed> found[3];
     int type = 0;
     forEachType([&]<class T>() {
@@ -110,10 +132,11 @@ TEST(FlowMotion, TypesAgree)
         EXPECT_NEAR(found[0][i].y, found[2][i].y, 0.01);
         EXPECT_NEAR(found[1][i].x, found[2][i].x, 0.001);
         EXPECT_NEAR(found[1][i].y, found[2][i].y, 0.001);
-        // errors are in the units of a pixel; rounding to bytes leaves a difference of half a gray level or so
-        EXPECT_LT(found[0][i].error, 0.6f);
-        EXPECT_LT(found[1][i].error, 0.05f * 200);
-        EXPECT_LT(found[2][i].error, 0.05f);
+        // errors are in units of a pixel's value, which are 200 times as large in the 16u picture; what the rounding of
+        // the pixels adds is below half a unit
+        EXPECT_LT(found[2][i].error, 0.3f);
+        EXPECT_NEAR(found[1][i].error, 200 * found[2][i].error, 0.5);
+        EXPECT_NEAR(found[0][i].error, found[2][i].error, 0.5);
     }
 }
 
@@ -132,7 +155,7 @@ TEST(FlowMotion, AxesAreNotMixedUp)
             first.draw(picture(0, 0));
             second.draw(picture(dx, dy));
             const Operands operands = follow(first, second, grid(size, 20, 4.9), {21, 0, 20, 0.0005f});
-            EXPECT_LT(farthest(operands, dx, dy), 0.02);
+            EXPECT_LT(distance(operands, dx, dy).largest, 0.05);
         }
     });
 }
@@ -155,7 +178,7 @@ TEST(FlowMotion, PointsAtTheEdgesAreFollowed)
             points.push_back({89, y});
         }
         // the derivative of the outermost pixels is made of the replicated border and too small
-        EXPECT_LT(farthest(follow(first, second, points, {21, 0, 30, 0.001f}), 0.6, -0.4), 0.03);
+        EXPECT_LT(distance(follow(first, second, points, {21, 0, 30, 0.001f}), 0.6, -0.4).largest, 0.05);
     });
 }
 

@@ -65,8 +65,8 @@ void compare(const Case& c, int seed, int count, Ways& ways)
     switch (seed % 4) {
         case 0:
         case 1: {
-            // the same picture, moved a little or not so little
-            const double reach = seed % 8 < 2 ? 0.4 : 3.0 * std::pow(c.rate, c.maxLev);
+            // the same picture, hardly moved, a little, or not so little
+            const double reach = seed % 16 == 1 ? 0.0005 : seed % 8 < 2 ? 0.4 : 3.0 * std::pow(c.rate, c.maxLev);
             const double dx = (random.unit<double>() - 0.5) * reach, dy = (random.unit<double>() - 0.5) * reach;
             first.draw(waves());
             second.draw(waves(dx, dy));
@@ -119,10 +119,10 @@ TEST(Flow, AgreesWithTheReference)
         // the sweep has been everywhere
         EXPECT_GT(ways.followed, 900);
         EXPECT_GT(ways.lostOutside, 400);
-        EXPECT_GT(ways.lostFlat, 20);
+        EXPECT_GT(ways.lostFlat, 50);
         EXPECT_GT(ways.shortSteps, 500);
-        EXPECT_GT(ways.swings, 15);
-        EXPECT_GT(ways.firstSwings, 0);
+        EXPECT_GT(ways.swings, 200);
+        EXPECT_GT(ways.firstSwings, 10);
         EXPECT_GT(ways.allIterations, 500);
         EXPECT_GT(ways.clipped, 900);
         EXPECT_GT(ways.areaChanges, 400);
@@ -210,7 +210,7 @@ TEST(Flow, FractionsAtTheEndsOfTheirRange)
             const Operands operands = follow(first, second, points, settings);
             expectReference<T>(first.record(), second.record(), operands, settings, ways);
         }
-        EXPECT_GT(ways.followed, 50);
+        EXPECT_GT(ways.followed, 30);
     });
 }
 
