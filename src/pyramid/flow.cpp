@@ -259,13 +259,11 @@ LumStatus flow(const LumiPyramidRecord* pPyr1, const LumiPyramidRecord* pPyr2, c
     for (Lum32s l = maxLev; l >= 0; --l) {
         const FlowLevel<Pixel> first(*pPyr1, l), second(*pPyr2, l);
         const Slopes slopes(state.scratch, first.size);
-        // what the slopes need while they are made is no longer needed when the patches are taken
-        Lum8u* const work = state.scratch + roundedUp(Slopes::bytes(first.size), scratchAlignment);
-        const LumStatus status =
-            takeSlopes(first.image.pixels, static_cast<Lum32s>(first.image.step), first.size, slopes, work);
+        const LumStatus status = takeSlopes(first.image, first.size, slopes);
         if (status != lumOk)
             return status;
-        PointFlow<Patches> points(first, second, slopes, {winSize, maxIter, threshold}, work);
+        Lum8u* const patches = state.scratch + roundedUp(Slopes::bytes(first.size), scratchAlignment);
+        PointFlow<Patches> points(first, second, slopes, {winSize, maxIter, threshold}, patches);
         const Lum64f scale = pPyr1->pLayerScales[l];
         for (Lum32s i = 0; i < numFeat; ++i) {
             if (pStatus[i] != l + 1)  // lost on a level before

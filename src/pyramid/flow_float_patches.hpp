@@ -20,7 +20,7 @@ class FloatPatches
     }
 
     FloatPatches(Lum8u* block, Lum32s winSize)
-        : pitch_(roundedUp(int64_t{winSize} + 2, flowLanes)),
+        : pitch_(flowPitch(winSize)),
           first_(reinterpret_cast<Lum32f*>(block)),
           slopeX_(first_ + patchElements(winSize)),
           slopeY_(slopeX_ + patchElements(winSize)),
@@ -29,8 +29,8 @@ class FloatPatches
     }
 
     /// Takes the patches of the first image. The slopes are 0 behind the area, up to the end of the last group.
-    [[gnu::flatten]] FlowMatrix take(const FlowWeights& weights, const FlowArea& area, FlowPixels<T> image,
-                                     FlowPixels<Lum32f> slopeX, FlowPixels<Lum32f> slopeY)
+    [[gnu::flatten, gnu::noinline]] FlowMatrix take(FlowWeights weights, FlowArea area, FlowPixels<T> image,
+                                                    FlowPixels<Lum32f> slopeX, FlowPixels<Lum32f> slopeY)
     {
         Sum xx = zero(), xy = zero(), yy = zero();
         eachGroup(area, [&](int64_t x, int64_t y, const Lum8u* mask) {
@@ -48,7 +48,7 @@ class FloatPatches
     }
 
     /// Holds the patch of the second image against that of the first.
-    [[gnu::flatten]] FlowVector compare(const FlowWeights& weights, const FlowArea& area, FlowPixels<T> image)
+    [[gnu::flatten, gnu::noinline]] FlowVector compare(FlowWeights weights, FlowArea area, FlowPixels<T> image)
     {
         Sum bx = zero(), by = zero();
         eachGroup(area, [&](int64_t x, int64_t y, const Lum8u* mask) {
@@ -62,7 +62,7 @@ class FloatPatches
     }
 
     /// The sum of the squares of the difference last taken.
-    [[gnu::flatten]] Lum64f squaredDifference(const FlowArea& area) const
+    [[gnu::flatten, gnu::noinline]] Lum64f squaredDifference(FlowArea area) const
     {
         Sum sum = zero();
         eachGroup(area, [&](int64_t x, int64_t y, const Lum8u*) {
@@ -79,7 +79,7 @@ class FloatPatches
 
     static constexpr int64_t patchElements(Lum32s winSize)
     {
-        return (int64_t{winSize} + 2) * roundedUp(int64_t{winSize} + 2, flowLanes);
+        return (int64_t{winSize} + 2) * flowPitch(winSize);
     }
 
     /// A group of samples.

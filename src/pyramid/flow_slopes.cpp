@@ -1,7 +1,7 @@
-// The slopes of a level of an optical flow.
+// The slopes of a level of an optical flow: both Scharr derivatives in one pass, with a replicated border.
 #include "pyramid/flow_slopes.hpp"
 
-#include "filter/derivative.hpp"
+#include "filter/mask_steps.hpp"
 #include "frame/checks.hpp"
 #include "simd/simd.hpp"
 
@@ -9,86 +9,145 @@ namespace lumcv {
 
 namespace {
 
-constexpr Lum32f slopeScale = 0.03125f;  // of a Scharr derivative, whose weights on one side are 16, two pixels apart
+// A Scharr derivative adds 16 pixels on each side, two pixels apart; so this makes it a slope.
+constexpr Lum32f slopeScale = 0.03125f;
 
-template <class T, class Body>
-[[gnu::always_inline]] inline void eachPixel(Plane<T> plane, LumiSize size, Body body)
+/// What the derivatives of an element type are made of, and what becomes of them.
+template <class T>
+struct SlopeSteps;
+
+template <>
+struct SlopeSteps<Lum8u>
 {
-    for (int64_t y = 0; y < size.height; ++y)
-        simd::eachOnce<simd::restLanes>(0, size.width,
-                                        [=](int64_t x, auto lanes) { body(plane.row(y) + x, x, y, lanes); });
+    using Slope = Lum16s;
+
+    template <int N>
+    [[gnu::always_inline]] static auto pixels(const Lum8u* p)
+    {
+        return simd::loadWords<N>(p);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] static auto slope(simd::Vec<Lum16s, N> derivative)
+    {
+        return derivative >> 4;
+    }
+};
+
+template <>
+struct SlopeSteps<Lum16u>
+{
+    using Slope = Lum32f;
+
+    template <int N>
+    [[gnu::always_inline]] static auto pixels(const Lum16u* p)
+    {
+        return simd::loadFloat<N>(p) * simd::broadcast<N>(slopeScale);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] static auto slope(simd::Vec<Lum32f, N> derivative)
+    {
+        return derivative;
+    }
+};
+
+template <>
+struct SlopeSteps<Lum32f>
+{
+    using Slope = Lum32f;
+
+    template <int N>
+    [[gnu::always_inline]] static auto pixels(const Lum32f* p)
+    {
+        return simd::load<N>(p);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] static auto slope(simd::Vec<Lum32f, N> derivative)
+    {
+        return derivative * simd::broadcast<N>(slopeScale);
+    }
+};
+
+/// What a row of the image gives: the difference and the smooth sum of three pixels.
+template <class V>
+struct SlopeRow
+{
+    V difference, smooth;
+};
+
+/// N columns from x on, of the rows from `begin` to `end`. The neighbours stand at the distances left and right.
+template <int N, class T>
+[[gnu::flatten]] void takeColumns(Plane<const T> image, int64_t height,
+                                  FlowSlopes<typename SlopeSteps<T>::Slope> slopes, int64_t x, int64_t left,
+                                  int64_t right, int64_t begin, int64_t end)
+{
+    using Steps = SlopeSteps<T>;
+    using Slope = typename Steps::Slope;
+    using V = simd::Vec<Slope, N>;
+    const auto rowOf = [=](const T* p) {
+        const auto tap = [=](int i) { return Steps::template pixels<N>(p + (i == 0 ? left : i == 1 ? 0 : right)); };
+        return SlopeRow<V>{NegatedDifference3::of(tap), ScharrSmooth3::of(tap)};
+    };
+    const T* const last = image.row(height - 1) + x;
+    const T* pixel = image.row(begin) + x;
+    Slope* outX = slopes.x.row(begin) + x;
+    Slope* outY = slopes.y.row(begin) + x;
+    SlopeRow<V> above = rowOf(begin > 0 ? rowAt(pixel, image.step, -1) : pixel);
+    SlopeRow<V> middle = rowOf(pixel);
+    for (int64_t y = begin; y < end; ++y) {
+        pixel = pixel == last ? last : rowAt(pixel, image.step, 1);
+        const SlopeRow<V> below = rowOf(pixel);
+        const auto differences = [&](int i) {
+            return i == 0 ? above.difference : i == 1 ? middle.difference : below.difference;
+        };
+        const auto smooths = [&](int i) { return i == 0 ? above.smooth : below.smooth; };
+        simd::store(outX, Steps::slope(ScharrSmooth3::of(differences)));
+        simd::store(outY, Steps::slope(NegatedDifference3::of(smooths)));
+        outX = rowAt(outX, slopes.x.step, 1);
+        outY = rowAt(outY, slopes.y.step, 1);
+        above = middle;
+        middle = below;
+    }
 }
 
-[[gnu::flatten]] void halve(Plane<Lum16s> plane, LumiSize size)
+template <class T>
+LumStatus slopesOf(Plane<const T> image, LumiSize size, FlowSlopes<typename SlopeSteps<T>::Slope> slopes)
 {
-    eachPixel(plane, size, [](Lum16s* p, int64_t, int64_t, auto lanes) { simd::store(p, simd::load<lanes>(p) >> 4); });
-}
-
-[[gnu::flatten]] void scale(Plane<Lum32f> plane, LumiSize size)
-{
-    eachPixel(plane, size, [](Lum32f* p, int64_t, int64_t, auto lanes) {
-        simd::store(p, simd::load<lanes>(p) * simd::broadcast<lanes>(slopeScale));
-    });
-}
-
-[[gnu::flatten]] void scaled(Plane<const Lum16u> image, Plane<Lum32f> plane, LumiSize size)
-{
-    eachPixel(plane, size, [=](Lum32f* p, int64_t x, int64_t y, auto lanes) {
-        simd::store(p, simd::loadFloat<lanes>(image.row(y) + x) * simd::broadcast<lanes>(slopeScale));
-    });
-}
-
-}  // namespace
-
-LumStatus takeSlopes(const Lum8u* image, Lum32s step, LumiSize size, FlowSlopes<Lum16s> slopes, Lum8u* work)
-{
-    const auto dstStep = static_cast<Lum32s>(slopes.x.step);
-    LumStatus status =
-        lumDerivScharrX_8u16s(image, step, slopes.x.pixels, dstStep, size, lumMask3x3, lumBorderReplicate, 0, work);
-    if (status == lumOk)
-        status =
-            lumDerivScharrY_8u16s(image, step, slopes.y.pixels, dstStep, size, lumMask3x3, lumBorderReplicate, 0, work);
+    const LumStatus status = Checks{}.notNull(image.pixels).size(size).alignment(image).status();
     if (status != lumOk)
         return status;
-    halve(slopes.x, size);
-    halve(slopes.y, size);
+    constexpr int lanes = simd::registerLanes<typename SlopeSteps<T>::Slope>;
+    constexpr int64_t bandRows = 32;  // of which all columns stay in the nearest cache
+    const int64_t width = size.width, height = size.height;
+    for (int64_t begin = 0; begin < height; begin += bandRows) {
+        const int64_t end = height - begin < bandRows ? height : begin + bandRows;
+        takeColumns<1>(image, height, slopes, 0, 0, width > 1, begin, end);
+        simd::eachAtLeastOnce<lanes>(1, width - 1, [=](int64_t x, auto count) {
+            takeColumns<count>(image, height, slopes, x, -1, 1, begin, end);
+        });
+        if (width > 1)
+            takeColumns<1>(image, height, slopes, width - 1, -1, 0, begin, end);
+    }
     return lumOk;
 }
 
-namespace {
-
-LumStatus takeFloatSlopes(const Lum32f* image, Lum32s step, LumiSize size, FlowSlopes<Lum32f> slopes, Lum8u* work)
-{
-    const auto dstStep = static_cast<Lum32s>(slopes.x.step);
-    const LumStatus status =
-        lumDerivScharrY_32f(image, step, slopes.y.pixels, dstStep, size, lumMask3x3, lumBorderReplicate, 0, work);
-    if (status != lumOk)
-        return status;
-    return lumDerivScharrX_32f(image, step, slopes.x.pixels, dstStep, size, lumMask3x3, lumBorderReplicate, 0, work);
-}
-
 }  // namespace
 
-LumStatus takeSlopes(const Lum32f* image, Lum32s step, LumiSize size, FlowSlopes<Lum32f> slopes, Lum8u* work)
+LumStatus takeSlopes(Plane<const Lum8u> image, LumiSize size, FlowSlopes<Lum16s> slopes)
 {
-    const LumStatus status = takeFloatSlopes(image, step, size, slopes, work);
-    if (status == lumOk) {
-        scale(slopes.x, size);
-        scale(slopes.y, size);
-    }
-    return status;
+    return slopesOf(image, size, slopes);
 }
 
-LumStatus takeSlopes(const Lum16u* image, Lum32s step, LumiSize size, FlowSlopes<Lum32f> slopes, Lum8u* work)
+LumStatus takeSlopes(Plane<const Lum16u> image, LumiSize size, FlowSlopes<Lum32f> slopes)
 {
-    const auto src = source(image, step);
-    const LumStatus status = Checks{}.notNull(image).alignment(src).status();
-    if (status != lumOk)
-        return status;
-    const auto floatStep = static_cast<int64_t>(size.width) * static_cast<int64_t>(sizeof(Lum32f));
-    const auto plane = destination(reinterpret_cast<Lum32f*>(work), floatStep);
-    scaled(src, plane, size);
-    return takeFloatSlopes(plane.pixels, static_cast<Lum32s>(floatStep), size, slopes, work + floatStep * size.height);
+    return slopesOf(image, size, slopes);
+}
+
+LumStatus takeSlopes(Plane<const Lum32f> image, LumiSize size, FlowSlopes<Lum32f> slopes)
+{
+    return slopesOf(image, size, slopes);
 }
 
 }  // namespace lumcv

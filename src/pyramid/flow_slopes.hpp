@@ -24,11 +24,10 @@ struct FlowSlopes
     }
 };
 
-// Each passes on what the derivative filter refuses. `work` is scratch: that of the filter and, for 16u, a float for
-// each pixel before it.
+// Checks, in this order, as those of the derivative filters: lumErrNullPointer, lumErrSize, lumErrStepAlignment.
 
-LumStatus takeSlopes(const Lum8u* image, Lum32s step, LumiSize size, FlowSlopes<Lum16s> slopes, Lum8u* work);
-LumStatus takeSlopes(const Lum16u* image, Lum32s step, LumiSize size, FlowSlopes<Lum32f> slopes, Lum8u* work);
-LumStatus takeSlopes(const Lum32f* image, Lum32s step, LumiSize size, FlowSlopes<Lum32f> slopes, Lum8u* work);
+LumStatus takeSlopes(Plane<const Lum8u> image, LumiSize size, FlowSlopes<Lum16s> slopes);
+LumStatus takeSlopes(Plane<const Lum16u> image, LumiSize size, FlowSlopes<Lum32f> slopes);
+LumStatus takeSlopes(Plane<const Lum32f> image, LumiSize size, FlowSlopes<Lum32f> slopes);
 
 }  // namespace lumcv

@@ -89,10 +89,16 @@ struct FlowPixels
     int64_t below;         ///< rows to the neighbour below, likewise
 };
 
-/// Room for the copy of pixels that a window may need.
+/// Elements of a row of a patch.
+constexpr int64_t flowPitch(Lum32s winSize)
+{
+    return roundedUp(int64_t{winSize} + 2, flowLanes);
+}
+
+/// The same of a copy of pixels, which has one more in each row.
 constexpr int64_t flowCopyStep(Lum32s winSize)
 {
-    return roundedUp(int64_t{winSize} + 2, flowLanes) + flowLanes;
+    return flowPitch(winSize) + flowLanes;
 }
 
 /// Near the end of the rows whole groups would reach beyond them; the pixels are copied then, to a block of

@@ -19,7 +19,7 @@ class WordPatches
     }
 
     WordPatches(Lum8u* block, Lum32s winSize)
-        : pitch_(roundedUp(int64_t{winSize} + 2, flowLanes)),
+        : pitch_(flowPitch(winSize)),
           first_(reinterpret_cast<Lum16s*>(block)),
           slopeX_(first_ + patchElements(winSize)),
           slopeY_(slopeX_ + patchElements(winSize)),
@@ -28,26 +28,26 @@ class WordPatches
     }
 
     /// Takes the patches of the first image. The slopes are 0 behind the area, up to the end of the last group.
-    [[gnu::flatten]] FlowMatrix take(const FlowWeights& weights, const FlowArea& area, FlowPixels<Lum8u> image,
-                                     FlowPixels<Lum16s> slopeX, FlowPixels<Lum16s> slopeY)
+    [[gnu::flatten, gnu::noinline]] FlowMatrix take(FlowWeights weights, FlowArea area, FlowPixels<Lum8u> image,
+                                                    FlowPixels<Lum16s> slopeX, FlowPixels<Lum16s> slopeY) const
     {
-        const Weights w(weights);
+        const Weights w(weights, image.below);
         Lum64s xx = 0, xy = 0, yy = 0;
-        eachBlock(area, [&](int64_t begin, int64_t end) {
-            Sum sumXX = zero(), sumXY = zero(), sumYY = zero();
-            eachGroup(area, [&](int64_t x, const Lum8u* mask) {
-                for (int64_t y = begin; y < end; ++y) {
-                    const int64_t at = y * pitch_ + x;
-                    const auto ix = kept(mask, between<8>(slopeX, x, y, w));
-                    const auto iy = kept(mask, between<8>(slopeY, x, y, w));
-                    simd::store(first_ + at, between<7>(image, x, y, w));
-                    simd::store(slopeX_ + at, ix);
-                    simd::store(slopeY_ + at, iy);
-                    add(sumXX, ix, ix);
-                    add(sumXY, ix, iy);
-                    add(sumYY, iy, iy);
-                }
-            });
+        eachStrip(area, [&](int64_t x, int64_t begin, int64_t end, auto lanes, const Lum8u* mask) {
+            Strip<lanes, 7, Lum8u> images(image, x, begin);
+            Strip<lanes, 8, Lum16s> slopesX(slopeX, x, begin), slopesY(slopeY, x, begin);
+            Sum<lanes> sumXX = zero<lanes>(), sumXY = zero<lanes>(), sumYY = zero<lanes>();
+            for (int64_t y = begin, at = begin * pitch_ + x; y < end; ++y, at += pitch_) {
+                const bool isLast = y + 1 == area.height;
+                const auto ix = kept(mask, slopesX.next(w, isLast));
+                const auto iy = kept(mask, slopesY.next(w, isLast));
+                simd::store(first_ + at, images.next(w, isLast));
+                simd::store(slopeX_ + at, ix);
+                simd::store(slopeY_ + at, iy);
+                sumXX = sumXX + products(ix, ix);
+                sumXY = sumXY + products(ix, iy);
+                sumYY = sumYY + products(iy, iy);
+            }
             xx += whole(sumXX);
             xy += whole(sumXY);
             yy += whole(sumYY);
@@ -56,21 +56,20 @@ class WordPatches
     }
 
     /// Holds the patch of the second image against that of the first.
-    [[gnu::flatten]] FlowVector compare(const FlowWeights& weights, const FlowArea& area, FlowPixels<Lum8u> image)
+    [[gnu::flatten, gnu::noinline]] FlowVector compare(FlowWeights weights, FlowArea area,
+                                                       FlowPixels<Lum8u> image) const
     {
-        const Weights w(weights);
+        const Weights w(weights, image.below);
         Lum64s bx = 0, by = 0;
-        eachBlock(area, [&](int64_t begin, int64_t end) {
-            Sum sumX = zero(), sumY = zero();
-            eachGroup(area, [&](int64_t x, const Lum8u*) {
-                for (int64_t y = begin; y < end; ++y) {
-                    const int64_t at = y * pitch_ + x;
-                    const auto difference = simd::load<lanes>(first_ + at) - between<7>(image, x, y, w);
-                    simd::store(difference_ + at, difference);
-                    add(sumX, difference, simd::load<lanes>(slopeX_ + at));
-                    add(sumY, difference, simd::load<lanes>(slopeY_ + at));
-                }
-            });
+        eachStrip(area, [&](int64_t x, int64_t begin, int64_t end, auto lanes, const Lum8u*) {
+            Strip<lanes, 7, Lum8u> images(image, x, begin);
+            Sum<lanes> sumX = zero<lanes>(), sumY = zero<lanes>();
+            for (int64_t y = begin, at = begin * pitch_ + x; y < end; ++y, at += pitch_) {
+                const auto difference = simd::load<lanes>(first_ + at) - images.next(w, y + 1 == area.height);
+                simd::store(difference_ + at, difference);
+                sumX = sumX + products(difference, simd::load<lanes>(slopeX_ + at));
+                sumY = sumY + products(difference, simd::load<lanes>(slopeY_ + at));
+            }
             bx += whole(sumX);
             by += whole(sumY);
         });
@@ -78,36 +77,41 @@ class WordPatches
     }
 
     /// The sum of the squares of the difference last taken.
-    [[gnu::flatten]] Lum64f squaredDifference(const FlowArea& area) const
+    [[gnu::flatten, gnu::noinline]] Lum64f squaredDifference(FlowArea area) const
     {
         Lum64s total = 0;
-        eachBlock(area, [&](int64_t begin, int64_t end) {
-            Sum sum = zero();
-            eachGroup(area, [&](int64_t x, const Lum8u* mask) {
-                for (int64_t y = begin; y < end; ++y) {
-                    const auto difference = kept(mask, simd::load<lanes>(difference_ + y * pitch_ + x));
-                    add(sum, difference, difference);
-                }
-            });
+        eachStrip(area, [&](int64_t x, int64_t begin, int64_t end, auto lanes, const Lum8u* mask) {
+            Sum<lanes> sum = zero<lanes>();
+            for (int64_t y = begin; y < end; ++y) {
+                const auto difference = kept(mask, simd::load<lanes>(difference_ + y * pitch_ + x));
+                sum = sum + products(difference, difference);
+            }
             total += whole(sum);
         });
         return static_cast<Lum64f>(total);
     }
 
   private:
-    static constexpr int lanes = flowLanes;
-    using Words = simd::Vec<Lum16s, lanes>;
-    using Sum = simd::Vec<Lum64f, lanes / 2>;
+    template <int N>
+    using Words = simd::Vec<Lum16s, N>;
+    template <int N>
+    using Sum = simd::Vec<Lum64f, N / 2>;
 
     /// Of 16384.
     struct Weights
     {
-        explicit Weights(const FlowWeights& w)
+        /// If the row below does not count, the row above stands for it, so that the other one's weights are 0.
+        Weights(const FlowWeights& w, bool isBetweenRows)
             : nearest(ofWhole(w.nearest)),
               right(ofWhole(w.right)),
               below(ofWhole(w.below)),
               both(static_cast<Lum16s>(16384 - nearest - right - below))
         {
+            if (isBetweenRows)
+                return;
+            nearest = static_cast<Lum16s>(nearest + below);
+            right = static_cast<Lum16s>(right + both);
+            below = both = 0;
         }
 
         static Lum16s ofWhole(Lum32f weight)
@@ -118,73 +122,101 @@ class WordPatches
         Lum16s nearest, right, below, both;
     };
 
+    /// N columns of samples, from one row to the next.
+    template <int N, int shift, class T>
+    class Strip
+    {
+      public:
+        [[gnu::always_inline]] Strip(const FlowPixels<T>& image, int64_t x, int64_t y)
+            : pixel_(image.plane.row(y) + x),
+              step_(image.plane.step),
+              right_(image.right),
+              below_(image.below),
+              above_(neighbours())
+        {
+        }
+
+        /// Weights of 14 bits and pixels of 9 make sums that fit 32 bits, and all samples fit words. Behind the last
+        /// row of samples there need not be one of pixels.
+        [[gnu::always_inline]] Words<N> next(const Weights& w, bool isLast)
+        {
+            pixel_ = rowAt(pixel_, isLast ? step_ * below_ : step_, 1);
+            const auto below = neighbours();
+            const auto sum = simd::products(above_, w.nearest, w.right) + simd::products(below, w.below, w.both);
+            above_ = below;
+            return simd::saturated(simd::eachSum(
+                []<int M>(simd::Vec<Lum32s, M> s) { return (s + simd::broadcast<M>(1 << (shift - 1))) >> shift; },
+                sum));
+        }
+
+      private:
+        [[gnu::always_inline]] simd::WordPairs<N> neighbours() const
+        {
+            return simd::pairs(words(pixel_), words(pixel_ + right_));
+        }
+
+        [[gnu::always_inline]] static Words<N> words(const T* p)
+        {
+            if constexpr (sizeof(T) == 1)
+                return simd::loadWords<N>(p);
+            else
+                return simd::load<N>(p);
+        }
+
+        const T* pixel_;
+        int64_t step_, right_, below_;
+        simd::WordPairs<N> above_;
+    };
+
     static constexpr int64_t patchElements(Lum32s winSize)
     {
-        return (int64_t{winSize} + 2) * roundedUp(int64_t{winSize} + 2, flowLanes);
-    }
-
-    [[gnu::always_inline]] static Words words(const Lum8u* p)
-    {
-        return simd::loadWords<lanes>(p);
-    }
-
-    [[gnu::always_inline]] static Words words(const Lum16s* p)
-    {
-        return simd::load<lanes>(p);
-    }
-
-    /// A group of samples. Weights of 14 bits and pixels of 9 make sums that fit 32 bits, and all samples fit words.
-    template <int shift, class T>
-    [[gnu::always_inline]] static Words between(const FlowPixels<T>& image, int64_t x, int64_t y, const Weights& w)
-    {
-        const T* const above = image.plane.row(y) + x;
-        const T* const below = image.plane.row(y + image.below) + x;
-        const auto sum = simd::products(words(above), w.nearest, words(above + image.right), w.right) +
-                         simd::products(words(below), w.below, words(below + image.right), w.both);
-        return simd::saturated(simd::eachSum(
-            []<int N>(simd::Vec<Lum32s, N> s) { return (s + simd::broadcast<N>(1 << (shift - 1))) >> shift; }, sum));
+        return (int64_t{winSize} + 2) * flowPitch(winSize);
     }
 
     /// Differences lie within 32643 and slopes within 16321, so two products fit 32 bits.
-    [[gnu::always_inline]] static void add(Sum& sum, Words a, Words b)
+    template <int N>
+    [[gnu::always_inline]] static Sum<N> products(Words<N> a, Words<N> b)
     {
-        sum = sum + simd::toDouble(simd::neighbourProducts(a, b));
+        return simd::toDouble(simd::neighbourProducts(a, b));
     }
 
-    [[gnu::always_inline]] static Sum zero()
+    template <int N>
+    [[gnu::always_inline]] static Sum<N> zero()
     {
-        return simd::broadcast<lanes / 2>(Lum64f{0});
+        return simd::broadcast<N / 2>(Lum64f{0});
     }
 
-    [[gnu::always_inline]] static Lum64s whole(Sum sum)
+    template <int M>
+    [[gnu::always_inline]] static Lum64s whole(simd::Vec<Lum64f, M> sum)
     {
         return static_cast<Lum64s>(simd::total(sum));
     }
 
-    [[gnu::always_inline]] static Words kept(const Lum8u* mask, Words v)
+    template <int N>
+    [[gnu::always_inline]] static Words<N> kept(const Lum8u* mask, Words<N> v)
     {
         return mask ? simd::keepWhere(mask, v) : v;
     }
 
-    /// Rows at a time, so few that a sum in double precision stays exact: 512 rows of less than 2^13 samples, each less
-    /// than 2^31.
+    /// Calls body(x, begin, end, lanes, mask) for columns from x on and rows from begin to end, with no mask where all
+    /// of the columns lie in the area. The rows are so few that a sum in double precision stays exact: 512 times less
+    /// than 2^13 samples, each less than 2^31.
     template <class Body>
-    [[gnu::always_inline]] static void eachBlock(const FlowArea& area, Body body)
+    [[gnu::always_inline]] static void eachStrip(const FlowArea& area, Body body)
     {
         constexpr int64_t rows = 512;
-        for (int64_t y = 0; y < area.height; y += rows)
-            body(y, area.height - y < rows ? area.height : y + rows);
-    }
-
-    /// Calls body(x, mask) with no mask for a group that lies in the area as a whole.
-    template <class Body>
-    [[gnu::always_inline]] static void eachGroup(const FlowArea& area, Body body)
-    {
-        int64_t x = 0;
-        for (; x + lanes <= area.width; x += lanes)
-            body(x, nullptr);
-        if (x < area.width)
-            body(x, firstSamples(area.width - x));
+        constexpr int few = flowLanes, many = simd::registerLanes < Lum16s >> few ? 2 * few : few;
+        for (int64_t begin = 0; begin < area.height; begin += rows) {
+            const int64_t end = area.height - begin < rows ? area.height : begin + rows;
+            int64_t x = 0;
+            for (; x + many <= area.width; x += many)
+                body(x, begin, end, simd::Lanes<many>{}, nullptr);
+            if constexpr (many > few)
+                for (; x + few <= area.width; x += few)
+                    body(x, begin, end, simd::Lanes<few>{}, nullptr);
+            if (x < area.width)
+                body(x, begin, end, simd::Lanes<few>{}, firstSamples(area.width - x));
+        }
     }
 
     int64_t pitch_;
