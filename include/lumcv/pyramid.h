@@ -574,7 +574,7 @@ typedef struct LumOptFlowPyrLKState LumOptFlowPyrLKState;
  * around the point. It begins at level `maxLev` of both pyramids, where the motion is short, and refines the position
  * down to level 0. What `pNext` holds before the call is not used.
  *
- * `pPyr1` and `pPyr2` are records of @ref pyramid whose `ppLayers` and `pLayerSteps` the caller has filled for the
+ * `pPyr1` and `pPyr2` are records of @ref pyramids whose `ppLayers` and `pLayerSteps` the caller has filled for the
  * levels 0 to `maxLev`. The flow only reads them and the images. Each image has the size and the stride of its own
  * record; the scales are those of `pPyr1`. With `scale(l)` the scale of level l, everything in double precision where
  * nothing else is said, and `single()` rounding to Lum32f:
@@ -693,7 +693,7 @@ typedef struct LumOptFlowPyrLKState LumOptFlowPyrLKState;
  * }
  * @endcode
  *
- * @see @ref pyramid, @ref eigen
+ * @see @ref pyramids, @ref eigen
  *
  * @{
  */
