@@ -37,9 +37,9 @@ Picture MovingScene::frame(int index) const
     constexpr int width = 400, height = 300;
     const double time = index;
     // within the scene for as long as it is wide, and then back again
-    const double widest = scene_.width() - width - 2, way = std::fmod(40.0 + 5.3 * time, 2.0 * widest);
+    const double widest = scene_.width() - width - 2, way = std::fmod(230.0 + 5.3 * time, 2.0 * widest);
     const double left = way < widest ? way : 2.0 * widest - way;
-    const double top = 150.0 + 60.0 * std::sin(0.15 * time);
+    const double top = 190.0 + 60.0 * std::sin(0.15 * time);
     Picture frame(width, height, 3);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
