@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "filter/mask_steps.hpp"
+#include "frame/border.hpp"
 #include "frame/checks.hpp"
 #include "simd/simd.hpp"
 
@@ -117,29 +118,55 @@ struct SlopeSteps<Lum32f> : FloatSlopeSteps<Lum32f>
 {
 };
 
-/// N columns from x on, of the rows from `begin` to `end`.
-template <int N, class T>
-[[gnu::flatten]] void takeColumns(Plane<const T> image, int64_t height,
-                                  FlowSlopes<typename SlopeSteps<T>::Slope> slopes, int64_t x, int64_t left,
-                                  int64_t right, int64_t begin, int64_t end)
+/// So many rows are made at a time, which share the rows of pixels that they are made of.
+constexpr int bandRows = 2;
+
+/// Rows that follow one another, and the rows of pixels from the one above the first to the one below the last.
+template <class T, int rows>
+struct SlopeBand
 {
-    using Steps = SlopeSteps<T>;
-    const auto rowOf = [=](const T* p) { return Steps::template row<N>(p, left, right); };
-    const T* pixel = image.row(begin) + x;
-    auto* outX = slopes.x.row(begin) + x;
-    auto* outY = slopes.y.row(begin) + x;
-    auto above = rowOf(begin > 0 ? rowAt(pixel, image.step, -1) : pixel);
-    auto middle = rowOf(pixel);
-    for (int64_t y = begin; y < end; ++y) {
-        pixel = rowAt(pixel, y + 1 < height ? image.step : 0, 1);
-        const auto below = rowOf(pixel);
-        simd::store(outX, Steps::slopeX(above, middle, below));
-        simd::store(outY, Steps::slopeY(above, below));
-        outX = rowAt(outX, slopes.x.step, 1);
-        outY = rowAt(outY, slopes.y.step, 1);
-        above = middle;
-        middle = below;
+    using Slope = typename SlopeSteps<T>::Slope;
+
+    const T* pixels[rows + 2];
+    Slope *x[rows], *y[rows];
+
+    SlopeBand(Plane<const T> image, int64_t height, const FlowSlopes<Slope>& slopes, int64_t first)
+    {
+        for (int i = 0; i < rows + 2; ++i)
+            pixels[i] = image.row(borderIndex(first + i - 1, height, lumBorderReplicate));
+        for (int i = 0; i < rows; ++i) {
+            x[i] = slopes.x.row(first + i);
+            y[i] = slopes.y.row(first + i);
+        }
     }
+
+    template <int N>
+    [[gnu::always_inline]] void take(int64_t column, int64_t left, int64_t right) const
+    {
+        using Steps = SlopeSteps<T>;
+        auto above = Steps::template row<N>(pixels[0] + column, left, right);
+        auto middle = Steps::template row<N>(pixels[1] + column, left, right);
+        for (int i = 0; i < rows; ++i) {
+            const auto below = Steps::template row<N>(pixels[i + 2] + column, left, right);
+            simd::store(x[i] + column, Steps::slopeX(above, middle, below));
+            simd::store(y[i] + column, Steps::slopeY(above, below));
+            above = middle;
+            middle = below;
+        }
+    }
+};
+
+template <int rows, class T>
+[[gnu::flatten, gnu::noinline]] void takeBand(Plane<const T> image, LumiSize size,
+                                              FlowSlopes<typename SlopeSteps<T>::Slope> slopes, int64_t first)
+{
+    constexpr int lanes = simd::registerLanes<typename SlopeSteps<T>::Slope>;
+    const int64_t width = size.width;
+    const SlopeBand<T, rows> band(image, size.height, slopes, first);
+    band.template take<1>(0, 0, width > 1);
+    simd::eachAtLeastOnce<lanes>(1, width - 1, [band](int64_t x, auto count) { band.template take<count>(x, -1, 1); });
+    if (width > 1)
+        band.template take<1>(width - 1, -1, 0);
 }
 
 template <class T>
@@ -148,18 +175,11 @@ LumStatus slopesOf(Plane<const T> image, LumiSize size, FlowSlopes<typename Slop
     const LumStatus status = Checks{}.notNull(image.pixels).size(size).alignment(image).status();
     if (status != lumOk)
         return status;
-    constexpr int lanes = simd::registerLanes<typename SlopeSteps<T>::Slope>;
-    constexpr int64_t bandRows = 32;  // of which all columns stay in the nearest cache
-    const int64_t width = size.width, height = size.height;
-    for (int64_t begin = 0; begin < height; begin += bandRows) {
-        const int64_t end = height - begin < bandRows ? height : begin + bandRows;
-        takeColumns<1>(image, height, slopes, 0, 0, width > 1, begin, end);
-        simd::eachAtLeastOnce<lanes>(1, width - 1, [=](int64_t x, auto count) {
-            takeColumns<count>(image, height, slopes, x, -1, 1, begin, end);
-        });
-        if (width > 1)
-            takeColumns<1>(image, height, slopes, width - 1, -1, 0, begin, end);
-    }
+    int64_t y = 0;
+    for (; y + bandRows <= size.height; y += bandRows)
+        takeBand<bandRows>(image, size, slopes, y);
+    for (; y < size.height; ++y)
+        takeBand<1>(image, size, slopes, y);
     return lumOk;
 }
 
