@@ -301,6 +301,22 @@ TEST(FlowCases, TheThresholdIsOnTheLengthOfTheStep)
     EXPECT_FALSE(ended(length * 0.999));
 }
 
+// A step of exactly half a pixel: in a bowl whose second picture differs by half its slope.
+TEST(FlowCases, AStepOfTheThresholdIsNotBelowIt)
+{
+    Pyramid<Lum32f> first({41, 41}), second({41, 41});
+    first.draw([](double x, double y, double) { return (x - 20) * (x - 20) + (y - 20) * (y - 20); });
+    second.draw([](double x, double y, double) { return (x - 20) * (x - 20) + (y - 20) * (y - 20) - (x - 20); });
+    const Followed one = followOne(first, second, {20, 20}, {9, 0, 1, 0});
+    EXPECT_EQ(one.x, 20.5f);
+    EXPECT_EQ(one.y, 20.0f);
+    const auto ended = [&](Lum32f threshold) {
+        return sameFollowed(one, followOne(first, second, {20, 20}, {9, 0, 2, threshold}));
+    };
+    EXPECT_FALSE(ended(0.5f));
+    EXPECT_TRUE(ended(std::nextafter(0.5f, 1.0f)));
+}
+
 // A motion shorter than the root of the single-precision epsilon: the first step goes half back, unless the threshold
 // has ended the level before.
 TEST(FlowCases, AShortFirstStepGoesHalfBack)

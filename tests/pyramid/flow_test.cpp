@@ -214,5 +214,75 @@ TEST(Flow, FractionsAtTheEndsOfTheirRange)
     });
 }
 
+// A contrast so low that the determinant comes near the limit, from one side and from the other.
+TEST(Flow, DeterminantsNearTheLimit)
+{
+    Ways ways;
+    Pyramid<Lum32f> first({30, 30}), second({30, 30});
+    for (double contrast = 4e-7; contrast < 2e-4; contrast *= 1.03) {
+        const auto faint = [=](double shift) {
+            return [=](double x, double y, double pixel) { return contrast * (waves(shift, 0)(x, y, pixel) - 128); };
+        };
+        first.draw(faint(0));
+        second.draw(faint(0.2));
+        const Settings settings = {3, 0, 2, 0};
+        const Operands operands = follow(first, second, {{11, 12}, {15.5f, 16.25f}, {18.7f, 9}}, settings);
+        expectReference<Lum32f>(first.record(), second.record(), operands, settings, ways);
+    }
+    EXPECT_GT(ways.followed, 50);
+    EXPECT_GT(ways.lostFlat, 50);
+}
+
+// Windows of hundreds of rows or columns, in images that hold a strip of them.
+TEST(Flow, LongStrips)
+{
+    forEachType([]<class T>() {
+        Ways ways;
+        for (const LumiSize size : {LumiSize{6, 1100}, LumiSize{1100, 6}}) {
+            Pyramid<T> first(size), second(size);
+            const Values values = std::floating_point<T> ? Values::Ordinary : Values::Extreme;
+            Random random(9);
+            first.noise(random, values);
+            second.noise(random, values);
+            for (const int winSize : {510, 511, 1060}) {
+                const Settings settings = {winSize, 0, 2, 0};
+                const auto x = static_cast<Lum32f>(size.width), y = static_cast<Lum32f>(size.height);
+                const Operands operands = follow(first, second, {{x * 0.5f, y * 0.5f + 0.3f}}, settings);
+                expectReference<T>(first.record(), second.record(), operands, settings, ways);
+            }
+        }
+        EXPECT_GT(ways.allIterations, 2);
+    });
+}
+
+// Two large differences cancel where the first picture repeats itself; what is left of the small ones tells the order
+// of the additions.
+TEST(Flow, TheOrderOfTheSums)
+{
+    Ways ways;
+    constexpr Lum32f large = 0x1p70f;
+    for (int period = 3; period <= 7; ++period) {
+        for (const bool alongX : {false, true}) {
+            Pyramid<Lum32f> first({40, 40}), second({40, 40});
+            Random random(static_cast<std::uint64_t>(period));
+            fill(first.level(0), random);
+            first.level(0).forEach(Area::Roi, [&](Lum32f& element, int x, int y, int) {
+                element = alongX && x >= period    ? first.level(0).at(x - period, y)
+                          : !alongX && y >= period ? first.level(0).at(x, y - period)
+                                                   : element;
+            });
+            fill(second.level(0), random);
+            for (int place = 14; place < 19; ++place) {
+                second.level(0).at(place, place) = large;
+                second.level(0).at(place + (alongX ? period : 0), place + (alongX ? 0 : period)) = -large;
+            }
+            const Settings settings = {14, 0, 1, 0};
+            const Operands operands = follow(first, second, {{20.5f, 20.5f}, {19.5f, 18.5f}, {17.5f, 20.5f}}, settings);
+            expectReference<Lum32f>(first.record(), second.record(), operands, settings, ways);
+        }
+    }
+    EXPECT_EQ(ways.followed, 30);
+}
+
 }  // namespace
 }  // namespace lumcv::test::flow
