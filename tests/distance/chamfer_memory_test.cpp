@@ -23,8 +23,18 @@ TYPED_TEST(ChamferMemory, RowsAlone)
 {
     const auto& weights = weightsOf<TypeParam>();
     std::size_t number = 0;
-    for (const LumiSize size :
-         {LumiSize{1, 1}, {2, 5}, {5, 2}, {7, 4}, {15, 6}, {16, 3}, {17, 6}, {31, 5}, {33, 4}, {64, 5}, {70, 9}, {131, 4}}) {
+    for (const LumiSize size : {LumiSize{1, 1},
+                                {2, 5},
+                                {5, 2},
+                                {7, 4},
+                                {15, 6},
+                                {16, 3},
+                                {17, 6},
+                                {31, 5},
+                                {33, 4},
+                                {64, 5},
+                                {70, 9},
+                                {131, 4}}) {
         for (const Guard guard : {Guard::After, Guard::Before}) {
             for (int i = 0; i < 16; ++i) {
                 const Layout layout = layoutOf(size.width, size.height, 0, guard);
@@ -68,7 +78,8 @@ TEST(ChamferInPlaceQuick, SameResult)
             EXPECT_EQ(inPlace(image.pixels(), image.step(), size, metrics.as<Lum32s>()), lumOk);
             EXPECT_TRUE(sameImage(expected, image)) << weights;
             EXPECT_TRUE(image.gapsIntact());
-            EXPECT_EQ(transform<Lum8u>(twice.pixels(), twice.step(), twice.pixels(), twice.step(), size, weights), lumOk);
+            EXPECT_EQ(transform<Lum8u>(twice.pixels(), twice.step(), twice.pixels(), twice.step(), size, weights),
+                      lumOk);
             EXPECT_TRUE(sameImage(expected, twice)) << weights;
         }
     }

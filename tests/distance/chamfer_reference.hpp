@@ -183,9 +183,9 @@ std::vector<Sum> chamfer5x5(const Image<Lum8u>& source, Sum m0, Sum m1, Sum m2, 
     const Sum straight = std::min({Sum{2} * edge, Sum{2} * diagonal, Sum{2} * m2});
     const Sum slanted = std::min(Sum{2} * diagonal, edge + m2);
     const Sum skip = std::min({m0, diagonal, m2});
-    const std::vector<Step<Sum>> steps = {
-        {-1, 0, edge},     {-2, 0, straight}, {-2, -1, m2},      {-1, -1, diagonal}, {0, -1, edge},  {+1, -1, diagonal},
-        {+2, -1, m2},      {-2, -2, slanted}, {-1, -2, m2},      {0, -2, straight},  {+1, -2, m2},   {+2, -2, slanted}};
+    const std::vector<Step<Sum>> steps = {{-1, 0, edge}, {-2, 0, straight},  {-2, -1, m2}, {-1, -1, diagonal},
+                                          {0, -1, edge}, {+1, -1, diagonal}, {+2, -1, m2}, {-2, -2, slanted},
+                                          {-1, -2, m2},  {0, -2, straight},  {+1, -2, m2}, {+2, -2, slanted}};
     const std::vector<Step<Sum>> opposite = turned(steps);
     bool changed = true;
     if (isSmall) {

@@ -88,8 +88,9 @@ TYPED_TEST(ChamferStatusQuick, ChecksInOrder)
     draw(source, Content::Even, 2);
     const Image<TypeParam> destination(layoutOf(9, 4, 2 * sizeof(TypeParam)));
     TypeParam* const pDst = const_cast<TypeParam*>(destination.pixels());
-    Args<TypeParam> args = {Forms<TypeParam>::transform3x3, source.pixels(), source.step(), pDst, destination.step(),
-                            {9, 4}, {5, 7}, true, {Output(destination)}};
+    Args<TypeParam> args = {
+        Forms<TypeParam>::transform3x3, source.pixels(), source.step(), pDst, destination.step(), {9, 4}, {5, 7}, true,
+        {Output(destination)}};
     expectStatusOrder(args, violations<TypeParam>(2));
     args.function = Forms<TypeParam>::transform5x5;
     args.metrics = {5, 7, 11};
@@ -195,9 +196,10 @@ TEST(ChamferMaskQuick, Weights)
         EXPECT_EQ(lumiGetDistanceTransformMask_32f(known.kernelSize, known.norm, floats.as<Lum32f>()), lumOk);
         expectWeights(floats, asFloat(0), asFloat(1), asFloat(2), known.kernelSize);
         const GuardedBlock combined(bytes, Guard::After);
-        EXPECT_EQ(lumiGetDistanceTransformMask(static_cast<Lum32s>(10 * known.kernelSize + static_cast<Lum32s>(known.norm)),
-                                               combined.as<Lum32f>()),
-                  lumOk);
+        EXPECT_EQ(
+            lumiGetDistanceTransformMask(static_cast<Lum32s>(10 * known.kernelSize + static_cast<Lum32s>(known.norm)),
+                                         combined.as<Lum32f>()),
+            lumOk);
         expectWeights(combined, asFloat(0), asFloat(1), asFloat(2), known.kernelSize);
         EXPECT_TRUE(integers.slackIntact() && floats.slackIntact() && combined.slackIntact());
     }
@@ -242,12 +244,10 @@ void expectMaskOrder(LumStatus (*query)(const MaskArgs<Metric>&))
 
 TEST(ChamferMaskQuick, ChecksInOrder)
 {
-    expectMaskOrder<Lum32s>([](const MaskArgs<Lum32s>& a) {
-        return lumiGetDistanceTransformMask_32s(a.kernelSize, a.norm, a.pMetrics);
-    });
-    expectMaskOrder<Lum32f>([](const MaskArgs<Lum32f>& a) {
-        return lumiGetDistanceTransformMask_32f(a.kernelSize, a.norm, a.pMetrics);
-    });
+    expectMaskOrder<Lum32s>(
+        [](const MaskArgs<Lum32s>& a) { return lumiGetDistanceTransformMask_32s(a.kernelSize, a.norm, a.pMetrics); });
+    expectMaskOrder<Lum32f>(
+        [](const MaskArgs<Lum32f>& a) { return lumiGetDistanceTransformMask_32f(a.kernelSize, a.norm, a.pMetrics); });
 }
 
 // Here the norm comes first, then the pointer, then the size.
@@ -262,8 +262,7 @@ TEST(ChamferMaskQuick, ChecksOfTheCombinedTypeInOrder)
                           {"norm 9 of size 4", lumErrArgument, [](A& a) { a.maskType = 49; }},
                           {"norm -1", lumErrArgument, [](A& a) { a.maskType = -1; }},
                           {"norm -2 of size -3", lumErrArgument, [](A& a) { a.maskType = -32; }},
-                          {"least type", lumErrArgument,
-                           [](A& a) { a.maskType = std::numeric_limits<Lum32s>::min(); }},
+                          {"least type", lumErrArgument, [](A& a) { a.maskType = std::numeric_limits<Lum32s>::min(); }},
                           {"pMetrics null", lumErrNullPointer, [](A& a) { a.pMetrics = nullptr; }},
                           {"size 4", lumErrSize, [](A& a) { a.maskType = 42; }},
                           {"size 0", lumErrSize, [](A& a) { a.maskType = 0; }},

@@ -84,10 +84,12 @@ TYPED_TEST(ChamferQuick, WithoutZeroEverythingIsSaturated)
             Image<Lum8u> source(layoutOf(size.width, size.height));
             draw(source, Content::NoZero, 1);
             Image<TypeParam> result(layoutOf(size.width, size.height));
-            EXPECT_EQ(transform<TypeParam>(source.pixels(), source.step(), result.pixels(), result.step(), size, weights),
-                      lumOk);
+            EXPECT_EQ(
+                transform<TypeParam>(source.pixels(), source.step(), result.pixels(), result.step(), size, weights),
+                lumOk);
             result.forEach(Area::Roi, [&](TypeParam& element, int x, int y, int) {
-                EXPECT_EQ(element, static_cast<TypeParam>(Forms<TypeParam>::sat)) << weights << ", x " << x << ", y " << y;
+                EXPECT_EQ(element, static_cast<TypeParam>(Forms<TypeParam>::sat))
+                    << weights << ", x " << x << ", y " << y;
             });
         }
     }
@@ -100,7 +102,8 @@ TYPED_TEST(ChamferQuick, SinglePixel)
             Image<Lum8u> source(layoutOf(1, 1));
             source.at(0, 0) = static_cast<Lum8u>(value);
             Image<TypeParam> result(layoutOf(1, 1));
-            EXPECT_EQ(transform<TypeParam>(source.pixels(), 1, result.pixels(), sizeof(TypeParam), {1, 1}, weights), lumOk);
+            EXPECT_EQ(transform<TypeParam>(source.pixels(), 1, result.pixels(), sizeof(TypeParam), {1, 1}, weights),
+                      lumOk);
             EXPECT_EQ(result.at(0, 0), value == 0 ? TypeParam{0} : static_cast<TypeParam>(Forms<TypeParam>::sat));
         }
     }
@@ -229,8 +232,10 @@ TEST(ChamferBytesQuick, SaturationIsLoweredAgain)
 // A sum of steps is rounded after each, so that it is no product.
 TEST(ChamferFloatsQuick, RunningSums)
 {
-    for (const Weights<Lum32f>& weights : {Weights<Lum32f>{3, {0.1f, 0.1f, 0}}, {3, {0.1f, 0.15f, 0}},
-                                           {3, {0.1f, 0.9f, 0}}, {5, {0.1f, 0.14f, 0.22f}}}) {
+    for (const Weights<Lum32f>& weights : {Weights<Lum32f>{3, {0.1f, 0.1f, 0}},
+                                           {3, {0.1f, 0.15f, 0}},
+                                           {3, {0.1f, 0.9f, 0}},
+                                           {5, {0.1f, 0.14f, 0.22f}}}) {
         const Image<Lum32f> result = fromOneZero<Lum32f>(90, 5, 0, 2, weights);
         Lum32f sum = 0;
         for (int x = 1; x < 90; ++x) {
@@ -263,8 +268,9 @@ TEST(ChamferFloatsQuick, NotANumberEnds)
                 Image<Lum8u> source(layoutOf(size.width, size.height));
                 draw(source, Content::Sparse, 5);
                 Image<Lum32f> result(layoutOf(size.width, size.height, 4));
-                EXPECT_EQ(transform<Lum32f>(source.pixels(), source.step(), result.pixels(), result.step(), size,
-                                            {maskSize, {weight(bits % 3, 1), weight(bits / 3 % 3, 1.2f), weight(bits / 9, 1.1f)}}),
+                EXPECT_EQ(transform<Lum32f>(
+                              source.pixels(), source.step(), result.pixels(), result.step(), size,
+                              {maskSize, {weight(bits % 3, 1), weight(bits / 3 % 3, 1.2f), weight(bits / 9, 1.1f)}}),
                           lumOk);
                 EXPECT_TRUE(result.gapsIntact());
             }

@@ -14,14 +14,14 @@ enum class Content
     AllZero,
     OneZero,
     OneNonZero,
-    Corner,       ///< the zero stands in one of the corners
-    Sparse,       ///< one pixel in forty is zero
-    Even,         ///< every second one at random
-    Dense,        ///< one pixel in ten is not zero
-    Stripe,       ///< columns of zeros, far apart
-    Row,          ///< a row of zeros
-    Blobs,        ///< squares of non-zero pixels that overlap
-    Labyrinth,    ///< non-zero corridors between rows of zeros that leave a gap at alternate ends
+    Corner,     ///< the zero stands in one of the corners
+    Sparse,     ///< one pixel in forty is zero
+    Even,       ///< every second one at random
+    Dense,      ///< one pixel in ten is not zero
+    Stripe,     ///< columns of zeros, far apart
+    Row,        ///< a row of zeros
+    Blobs,      ///< squares of non-zero pixels that overlap
+    Labyrinth,  ///< non-zero corridors between rows of zeros that leave a gap at alternate ends
     Count
 };
 
