@@ -238,7 +238,7 @@ TEST(FastMarchingMemory, SameBytesWithAnyScratchAndDestination)
             const Image<Lum32f> expected = marchedDistances(source, radius, layoutOf(40, 19));
             Image<Lum32f> result(layoutOf(40, 19));
             const PlacedBlock scratch(scratchBytes(40, 19));
-            for (const unsigned char before : {0, 255, 191, 63}) {
+            for (const Lum8u before : {Lum8u{0}, Lum8u{255}, Lum8u{191}, Lum8u{63}}) {
                 std::fill_n(scratch.data(), scratch.size(), before);
                 std::fill_n(result.bytes(), result.byteCount(), before);
                 EXPECT_EQ(lumiFastMarching_8u32f_C1R(source.pixels(), source.step(), result.pixels(), result.step(),

@@ -223,7 +223,7 @@ TEST(TrueDistanceMemory, SameBytesWithAnyScratchAndDestination)
         const Image<Lum32f> expected = trueDistances(source, layoutOf(size.width, size.height));
         Image<Lum32f> result(layoutOf(size.width, size.height));
         const PlacedBlock scratch(scratchBytes(size.width, size.height));
-        for (const unsigned char content : {0, 255, 127}) {
+        for (const Lum8u content : {Lum8u{0}, Lum8u{255}, Lum8u{127}}) {
             std::fill_n(scratch.data(), scratch.size(), content);
             std::fill_n(result.bytes(), result.byteCount(), content);
             EXPECT_EQ(lumiTrueDistanceTransform_8u32f_C1R(source.pixels(), source.step(), result.pixels(),
