@@ -448,8 +448,8 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  * masked are filled anew if their distance is above 0.
  *
  * **Gradient.** Each pixel and channel has a gradient of 16-bit integers, 0 at first. It is formed on the ring around
- * the mask: the pixels within a square of `k` by `k` around a masked pixel, `k = 2 * radius + 1` truncated and made odd
- * upwards, the mask itself left out. Along each axis:
+ * the mask: pixels that are not masked but have a masked one in the `k` by `k` square around them, `k = 2 * radius + 1`
+ * truncated, from `-((k - 1) / 2)` to `k / 2` columns and rows away. Along each axis:
  *
  * | Neighbours | #lumInpaintByFront | #lumInpaintByIsophote |
  * |---|---|---|
@@ -459,8 +459,8 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  *
  * Neighbours outside are unknown. After a pixel p has been filled, its gradient is formed by the same table from the
  * destination, but a component that has no known neighbour stays as it was. Then the y components of the pixels above
- * and below p and the x components of those left and right of it are formed anew: centrally if the pixel beyond is
- * known, otherwise from p alone; whether these pixels themselves are known does not matter.
+ * and below p and the x components of those left and right of it are formed anew: by the first line of the table if the
+ * pixel beyond is known, otherwise by the second one, from p, if the pixel itself is known; else they stay.
  *
  * **Neighbours.** A pixel p is filled from the known pixels q of the square of side `2 * r + 1` around it, row by row,
  * p itself left out. If the square lies inside, q counts if its squared distance `d2` from p is not above `radius *
@@ -469,15 +469,16 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  *
  * **By front.** The normal (nx, ny) of a masked pixel is the gradient of the distance D in units of 1/4096: `(D(+1) -
  * D(-1)) * 4096 * 0.5` for each axis, or `(D(+1) - D(0)) * 4096` and `(D(0) - D(-1)) * 4096` in the first and last
- * column or row of the work rectangle, truncated to 16 bits; other pixels have (0, 0). With `Wt` starting at 1e-30:
+ * column or row of the work rectangle, truncated, of which integer the low 16 bits are kept; a work rectangle of one
+ * column or row has 0 along this axis, and pixels that are not masked have (0, 0). With `Wt` starting at 1e-30:
  *
  *     t = b * ny + a * nx, an integer made a float; 2.5e-25 if |t| < 2.5e-25
  *     w = |((1 / 4096) / (|D(q) - D(p)| + 1)) * (1 / (d2 * d)) * t|
  *     S += w * I(q),  Gx -= w * (G(q).x * a),  Gy -= w * (G(q).y * b),  Wt += w
  *
- * The new value is `S / Wt + 0.5 + (Gx + Gy) / (1e-20 + sqrt(Gx * Gx + Gy * Gy))`, the root in single precision and the
- * last quotient and its sum in double; it is limited to 0..255 and truncated. Of three channels all take `Gx + Gy` of
- * the first one, over a root of their own.
+ * The new value is `(S / Wt + 0.5) + (Gx + Gy) / (1e-20 + sqrt(Gx * Gx + Gy * Gy))`: what is in parentheses and the
+ * root in single precision, the sum with 1e-20, the last quotient and the sum with it in double; it is limited to
+ * 0..255 and truncated. Of three channels all take `Gx + Gy` of the first one, over a root of their own.
  *
  * **By isophote.** With (gx, gy) the gradient of q and `Wt` starting at 1e-30, for each channel by itself:
  *

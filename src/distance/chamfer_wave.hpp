@@ -185,6 +185,7 @@ class Band
     [[gnu::flatten]] void run()
     {
         Front<T, mask> front(simd::broadcast<lanes>(outside<T>));
+        prime(front);
         const int64_t steps = width_ + behind_[count_ - 1];
         for (int64_t s = 0; s < steps; s += lanes) {
             if (s >= behind_[count_ - 1] && s + lanes + lag<mask> - 2 < width_)
@@ -227,6 +228,20 @@ class Band
         if (!row)
             return {&nothing_, 0};
         return {row + (direction > 0 ? c : width_ - 1 - c), direction};
+    }
+
+    /// The first columns of the rows before, which the first lane has in sight when it sets out.
+    void prime(Front<T, mask>& front) const
+    {
+        const V empty = simd::broadcast<lanes>(nothing_);
+        const auto seen = [&](const T* row, int64_t c) {
+            const bool exists = row && c >= 0 && c < width_;
+            return simd::movedOn(empty, exists ? feed(row, c).at : &nothing_);
+        };
+        for (int i = 0; i < Front<T, mask>::columnsUp; ++i)
+            front.up[i] = seen(above_, lag<mask> - 2 - i);
+        for (int i = 0; i < 5; ++i)
+            front.upper[i] = seen(aboveThat_, 1 - i);
     }
 
     /// A block in which all lanes are within the image.
