@@ -83,8 +83,8 @@ struct RowScratch
             count = simd::min(simd::load<lanes>(scratch.below + x) + simd::broadcast<lanes>(1), count);
         simd::store(scratch.below + x, count);
         const auto number = simd::toFloat(count);
-        const auto height = simd::whereLess(number, simd::broadcast<lanes>(infinite), number * number,
-                                            simd::broadcast<lanes>(farthest));
+        const auto height = simd::select(simd::less(number, simd::broadcast<lanes>(infinite)), number * number,
+                                         simd::broadcast<lanes>(farthest));
         simd::store(scratch.heights + x, height);
         simd::store(scratch.sums + x, height + simd::load<lanes>(scratch.squares + x));
     });
