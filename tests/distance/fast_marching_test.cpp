@@ -291,6 +291,12 @@ TEST(FastMarchingSizeQuick, Formula)
     EXPECT_EQ(bytes, 37 * 35 + 40);
     EXPECT_EQ(lumiFastMarchingGetBufferSize_8u32f_C1R({640, 480}, &bytes), lumOk);
     EXPECT_EQ(bytes, 645 * 514 + 40);
+    // 46341 * 46341 exceeds 2^31; and numbers whose product has the low 32 bits of a small one
+    for (const LumiSize size : {LumiSize{46336, 46341 - 34}, {65504, 65536}, {0x7fffffff, 1}, {1, 0x7fffffff}}) {
+        bytes = -1;
+        EXPECT_EQ(lumiFastMarchingGetBufferSize_8u32f_C1R(size, &bytes), lumErrSizeTooLarge) << size.width;
+        EXPECT_EQ(bytes, -1);
+    }
 }
 
 struct SizeArgs

@@ -162,18 +162,24 @@ class Inpainting
         std::sort(order_.begin(), order_.end());
     }
 
+    /// The low 16 bits of the truncated number; 0 beyond 32 bits.
+    static int lowWord(Lum32f value)
+    {
+        return std::fabs(value) < 2147483648.0f ? static_cast<Lum16s>(static_cast<Lum32s>(value)) : 0;
+    }
+
     int normalAlong(Lum32f before, Lum32f at, Lum32f after, int i, int size) const
     {
         if (size == 1) {
             return 0;
         }
         if (i == 0) {
-            return static_cast<int>((after - at) * 4096);
+            return lowWord((after - at) * 4096);
         }
         if (i == size - 1) {
-            return static_cast<int>((at - before) * 4096);
+            return lowWord((at - before) * 4096);
         }
-        return static_cast<int>((after - before) * 4096 * 0.5f);
+        return lowWord((after - before) * 4096 * 0.5f);
     }
 
     void formNormals()

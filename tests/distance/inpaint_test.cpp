@@ -191,14 +191,23 @@ TEST(InpaintQuick, DistanceZeroIsNotFilled)
         repair.method = method;
         const Image<Lum8u> mask = repair.mask();
         const Image<Lum32f> distance = repair.distanceImage(mask);
+        const auto repairedOver = [&](Lum8u level) {
+            return repaired(repair, [&](Lum8u& element, int x, int y, int) {
+                element = mask.at(x, y) != 0 ? level : static_cast<Lum8u>(x + y);
+            });
+        };
+        const Image<Lum8u> white = repairedOver(255);
+        const Image<Lum8u> black = repairedOver(0);
         int kept = 0;
-        const Image<Lum8u> result = repaired(
-            repair, [&](Lum8u& element, int x, int y, int) { element = mask.at(x, y) != 0 ? Lum8u{255} : Lum8u{40}; });
         for (int y = 0; y < 25; ++y) {
             for (int x = 0; x < 31; ++x) {
-                const bool isKept = mask.at(x, y) != 0 && distance.at(x, y) == 0;
-                EXPECT_EQ(int{result.at(x, y)}, isKept ? 255 : 40) << "x " << x << ", y " << y;
-                kept += isKept ? 1 : 0;
+                if (mask.at(x, y) != 0 && distance.at(x, y) == 0) {
+                    ++kept;
+                    EXPECT_EQ(int{white.at(x, y)}, 255) << "x " << x << ", y " << y;
+                    EXPECT_EQ(int{black.at(x, y)}, 0) << "x " << x << ", y " << y;
+                } else {
+                    EXPECT_EQ(int{white.at(x, y)}, int{black.at(x, y)}) << "x " << x << ", y " << y;
+                }
             }
         }
         EXPECT_GT(kept, 3);

@@ -275,6 +275,11 @@ TEST(TrueDistanceSizeQuick, Formula)
     EXPECT_EQ(bytes, 33364);
     EXPECT_EQ(lumiTrueDistanceTransformGetBufferSize_8u32f_C1R({1, 5}, &bytes), lumOk);
     EXPECT_EQ(bytes, 500);
+    for (const LumiSize size : {LumiSize{41297761, 1}, {1, 41297761}, {1 << 30, 5}, {3, 0x7fffffff}}) {
+        bytes = -1;
+        EXPECT_EQ(lumiTrueDistanceTransformGetBufferSize_8u32f_C1R(size, &bytes), lumErrSizeTooLarge) << size.width;
+        EXPECT_EQ(bytes, -1);
+    }
 }
 
 struct SizeArgs
