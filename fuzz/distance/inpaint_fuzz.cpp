@@ -173,8 +173,9 @@ Run repair(Init init, Apply apply, int channels)
                                            {lumErrStep},
                                            [=](Arguments& a) { a.steps[image] = step; }});
         for (const int more : {-1, 1, 1000})
-            call.violations.push_back(
-                {"width and " + std::to_string(more), {lumErrSize}, [=](Arguments& a) { a.width += more; }});
+            call.violations.push_back({"width and " + std::to_string(more), {lumErrSize}, [=](Arguments& a) {
+                                           a.width = damage->size.width + more;
+                                       }});
         call.call = [=](const Arguments& a) {
             return apply(a.image<Lum8u>(0), a.step(0), a.image<Lum8u>(1), a.step(1), a.size(),
                          a.block<LumiInpaintState>(0), a.block<Lum8u>(1));
