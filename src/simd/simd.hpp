@@ -17,5 +17,6 @@
 #include "simd/prefix.hpp"
 #include "simd/row.hpp"
 #include "simd/sums.hpp"
+#include "simd/transpose.hpp"
 #include "simd/vec.hpp"
 #include "simd/word_sums.hpp"
