@@ -361,8 +361,9 @@ LUMCV_API LumStatus lumiTrueDistanceTransform_8u32f_C1R(const Lum8u* pSrc, Lum32
  * 2. Downwards over the other rows: from left to right pixels take their new value whatever was there before, outside
  *    pixels that get none 0; from right to left they are visited.
  * 3. Upwards over all rows but the last: all pixels of a *dirty* row are visited. All rows are dirty at first. A pixel
- *    that changes marks its two neighbours in the row and the pixel below. A row is dirty afterwards if a pixel of it
- *    has changed, and then makes both neighbouring rows dirty.
+ *    that changes marks its two neighbours in the row and the pixel below; one that becomes -1e-10 because `a` or `b`
+ * is above 0 does so too, even if it had that value. A row is dirty afterwards if a pixel of it has changed, and then
+ *    makes both neighbouring rows dirty.
  * 4. Downwards over all rows but the first and upwards over all but the last, by turns: pixels of dirty rows are
  * visited if they are marked for this direction and this scan, or if the pixel before them in the scan has changed; the
  * mark is cleared. A pixel that changes marks its neighbours: those in the row for the scans of the opposite direction,

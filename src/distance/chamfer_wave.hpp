@@ -170,7 +170,7 @@ class Band
             const int row = i < count_ ? i : count_ - 1;
             in_[i] = rows.in(firstRow + row);
             out_[i] = rows.out(firstRow + row);
-            behind_[i] = lag<mask> * row;
+            firstColumn_[i] = direction > 0 ? -lag<mask> * row : width_ - lanes + lag<mask> * row;
         }
         above_ = firstRow > 0 ? rows.out(firstRow - 1) : nullptr;
         aboveThat_ = firstRow > 1 ? rows.out(firstRow - 2) : nullptr;
@@ -186,9 +186,9 @@ class Band
     {
         Front<T, mask> front(simd::broadcast<lanes>(outside<T>));
         prime(front);
-        const int64_t steps = width_ + behind_[count_ - 1];
+        const int64_t lastEntry = lag<mask> * (count_ - 1), steps = width_ + lastEntry;
         for (int64_t s = 0; s < steps; s += lanes) {
-            if (s >= behind_[count_ - 1] && s + lanes + lag<mask> - 2 < width_)
+            if (s >= lastEntry && s + lanes + lag<mask> - 2 < width_)
                 inner(front, s);
             else
                 outer(front, s);
@@ -206,8 +206,7 @@ class Band
     /// Where a lane's block lies in its row, counted from the left of the image.
     int64_t columnOf(int lane, int64_t s) const
     {
-        const int64_t first = s - behind_[lane];
-        return direction > 0 ? first : width_ - lanes - first;
+        return firstColumn_[lane] + direction * s;
     }
 
     /// The place in a block of what the front meets after `step` steps.
@@ -271,6 +270,21 @@ class Band
     {
         int64_t column;
         int begin, end;
+
+        bool isWhole() const
+        {
+            return begin == 0 && end == lanes;
+        }
+
+        bool isEmpty() const
+        {
+            return begin >= end;
+        }
+
+        int64_t length() const
+        {
+            return end - begin;
+        }
     };
 
     Part partOf(int lane, int64_t s) const
@@ -287,41 +301,59 @@ class Band
             values[j] = row && c + j >= 0 && c + j < width_ ? *feed(row, c + j).at : nothing_;
     }
 
+    /// For each lane 0, or what stands outside where it has not yet come to the image or has left it.
+    V away(int64_t s) const
+    {
+        static constexpr auto table = [] {
+            std::array<T, 3 * lanes> values{};
+            for (int i = 0; i < lanes; ++i)
+                values[i] = values[2 * lanes + i] = outside<T>;
+            return values;
+        }();
+        const auto lanesThat = [](int64_t steps) {
+            const int64_t count = steps < 0 ? 0 : steps / lag<mask> + 1;
+            return count < lanes ? count : int64_t{lanes};
+        };
+        return simd::max(simd::load<lanes>(table.data() + 2 * lanes - lanesThat(s)),
+                         simd::load<lanes>(table.data() + lanes - lanesThat(s - width_)));
+    }
+
     /// A block in which some lanes have not yet come to the image, or have left it.
-    [[gnu::noinline]] void outer(Front<T, mask>& front, int64_t s)
+    [[gnu::noinline, gnu::flatten]] void outer(Front<T, mask>& front, int64_t s)
     {
         Block block;
         for (int i = 0; i < lanes; ++i) {
-            std::remove_const_t<In> clipped[16] = {};  // as long as the longest copy of a few bytes
             const Part part = partOf(i, s);
-            if (part.begin < part.end)
-                simd::copyFew(clipped + part.begin, in_[i] + part.column + part.begin,
-                              (part.end - part.begin) * int64_t{sizeof(In)});
-            block[i] = Rows::load(clipped);
+            const In* const from = in_[i] + part.column;
+            if (part.isWhole())
+                block[i] = Rows::load(from);
+            else {
+                std::remove_const_t<In> clipped[16] = {};  // as long as the longest copy of a few bytes
+                if (!part.isEmpty())
+                    simd::copyFew(clipped + part.begin, from + part.begin, part.length() * int64_t{sizeof(In)});
+                block[i] = Rows::load(clipped);
+            }
         }
         simd::transpose(block);
         T above[lanes], aboveThat[lanes];
         clippedFeed(above_, s + lag<mask> - 1, above);
         clippedFeed(aboveThat_, s + 2, aboveThat);
         for (int j = 0; j < lanes; ++j) {
-            // the lanes of [entered, left) are within the image
-            T away[lanes];
-            for (int i = 0; i < lanes; ++i) {
-                const int64_t c = s + j - behind_[i];
-                away[i] = c >= 0 && c < width_ ? T{0} : outside<T>;
-            }
             V& v = block[placeOf(j)];
-            v = simd::max(front.next(v, above + j, aboveThat + j, step_), simd::load<lanes>(away));
+            v = simd::max(front.next(v, above + j, aboveThat + j, step_), away(s + j));
             front.before = v;
         }
         simd::transpose(block);
         for (int i = count_ - 1; i >= 0; --i) {
-            T clipped[lanes];
-            simd::store(clipped, block[i]);
             const Part part = partOf(i, s);
-            if (part.begin < part.end)
-                simd::copyFew(out_[i] + part.column + part.begin, clipped + part.begin,
-                              (part.end - part.begin) * int64_t{sizeof(T)});
+            T* const to = out_[i] + part.column;
+            if (part.isWhole())
+                simd::store(to, block[i]);
+            else if (!part.isEmpty()) {
+                T clipped[16];
+                simd::store(clipped, block[i]);
+                simd::copyFew(to + part.begin, clipped + part.begin, part.length() * int64_t{sizeof(T)});
+            }
         }
     }
 
@@ -329,7 +361,7 @@ class Band
     int count_;
     const In* in_[lanes];
     T* out_[lanes];
-    int64_t behind_[lanes];
+    int64_t firstColumn_[lanes];
     const T* above_;
     const T* aboveThat_;
     StepWaves<T> step_;

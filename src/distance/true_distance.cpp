@@ -45,8 +45,9 @@ struct RowScratch
     Lum32f* sums;         ///< a height and the square of its column
     Lum32s* owners;       ///< the column of the parabola of each interval
     Lum32f* starts;       ///< the left end of each interval
+    Lum32s* takers;       ///< for each pixel the parabola that takes over there, or 0
     Lum32f* vertices;     ///< for each pixel the column of its parabola
-    Lum32f* bases;        ///< and the height
+    Lum32f* bases;        ///< and the height; before that where neighbouring parabolas meet
 
     RowScratch(Lum8u* pBuffer, int64_t width)
     {
@@ -63,6 +64,7 @@ struct RowScratch
         sums = take(width);
         owners = reinterpret_cast<Lum32s*>(take(width));
         starts = take(width + 1);
+        takers = reinterpret_cast<Lum32s*>(take(width));
         vertices = take(width);
         bases = take(width);
         for (int64_t k = 0; k < width; ++k) {
@@ -83,46 +85,63 @@ struct RowScratch
             count = simd::min(simd::load<lanes>(scratch.below + x) + simd::broadcast<lanes>(1), count);
         simd::store(scratch.below + x, count);
         const auto number = simd::toFloat(count);
-        const auto height = simd::whereLess(number, simd::broadcast<lanes>(infinite), number * number,
-                                            simd::broadcast<lanes>(farthest));
+        const auto height = simd::select(simd::less(number, simd::broadcast<lanes>(infinite)), number * number,
+                                         simd::broadcast<lanes>(farthest));
         simd::store(scratch.heights + x, height);
         simd::store(scratch.sums + x, height + simd::load<lanes>(scratch.squares + x));
     });
 }
 
-/// Finds the intervals of the lower envelope.
-void buildEnvelope(const RowScratch& scratch, int64_t width)
+/// Finds the intervals of the lower envelope. Each parabola is the last one when it has come, so that the next one
+/// meets the one right before it first: these meetings are known before.
+[[gnu::flatten]] int64_t buildEnvelope(const RowScratch& scratch, int64_t width)
 {
     const Lum32f* const sums = scratch.sums;
+    Lum32f* const meetings = scratch.bases;
+    simd::eachOnce<countLanes>(1, width, [=](int64_t q, auto lanes) {
+        const auto half = simd::broadcast<lanes>(0.5f);
+        simd::store(meetings + q, (simd::load<lanes>(sums + q) - simd::load<lanes>(sums + q - 1)) * half);
+    });
     Lum32s* const owners = scratch.owners;
     Lum32f* const starts = scratch.starts;
+    const Lum32f* const reciprocals = scratch.reciprocals;
     int64_t top = 0;
+    Lum32f last = -farthest;
     owners[0] = 0;
-    starts[0] = -farthest;
+    starts[0] = last;
     for (int64_t q = 1; q < width; ++q) {
-        // the first interval begins before every intersection, so it is never dropped
-        for (;; --top) {
-            const int64_t p = owners[top];
-            const Lum32f start = (sums[q] - sums[p]) * scratch.reciprocals[q - p];
-            if (start > starts[top]) {
-                ++top;
-                owners[top] = static_cast<Lum32s>(q);
-                starts[top] = start;
-                break;
-            }
-        }
+        Lum32f start = meetings[q];
+        if (!(start > last))
+            do {  // the first interval begins before every meeting, so it is never dropped
+                --top;
+                const int64_t p = owners[top];
+                start = (sums[q] - sums[p]) * reciprocals[q - p];
+            } while (!(start > starts[top]));
+        ++top;
+        owners[top] = static_cast<Lum32s>(q);
+        starts[top] = start;
+        last = start;
     }
-    starts[top + 1] = farthest;
+    return top + 1;
 }
 
-/// Finds each pixel's interval and calculates its distance.
-[[gnu::flatten]] void fillRow(const RowScratch& scratch, Lum32f* row, int64_t width)
+/// Finds the parabola of each pixel and calculates its distance.
+[[gnu::flatten]] void fillRow(const RowScratch& scratch, int64_t intervals, Lum32f* row, int64_t width)
 {
-    int64_t interval = 0;
+    // where a parabola takes over: the first pixel behind the start of its interval. The last one of a pixel wins.
+    Lum32s* const takers = scratch.takers;
+    simd::eachOnce<countLanes>(0, width,
+                               [=](int64_t x, auto lanes) { simd::store(takers + x, simd::broadcast<lanes>(0)); });
+    const auto end = static_cast<Lum32f>(width - 1);
+    for (int64_t i = 1; i < intervals; ++i) {
+        const Lum32f start = scratch.starts[i];
+        if (start >= end)
+            break;  // this one begins behind the row, as do all after it
+        takers[start < 0 ? 0 : static_cast<int64_t>(start) + 1] = scratch.owners[i];
+    }
+    Lum32s owner = 0;
     for (int64_t q = 0; q < width; ++q) {
-        while (static_cast<Lum32f>(q) > scratch.starts[interval + 1])
-            ++interval;
-        const Lum32s owner = scratch.owners[interval];
+        owner = takers[q] > owner ? takers[q] : owner;
         scratch.vertices[q] = static_cast<Lum32f>(q - owner);
         scratch.bases[q] = scratch.heights[owner];
     }
@@ -147,8 +166,7 @@ LumStatus trueDistance(Plane<const Lum8u> src, Plane<Lum32f> dst, LumiSize size,
     for (int64_t y = size.height - 1; y >= 0; --y) {
         Lum32f* const row = dst.row(y);
         squareCounts(reinterpret_cast<const Lum32s*>(row), y == size.height - 1, scratch, size.width);
-        buildEnvelope(scratch, size.width);
-        fillRow(scratch, row, size.width);
+        fillRow(scratch, buildEnvelope(scratch, size.width), row, size.width);
     }
     return lumOk;
 }
