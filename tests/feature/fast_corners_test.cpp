@@ -16,11 +16,12 @@ Content contentOf(int number)
     return static_cast<Content>(number % static_cast<int>(Content::Count));
 }
 
-// Widths around every number of lanes with the radius and the arc that have code of their own.
+// Widths around every number of lanes, and a few wide ones, with the radius and the arc that have code of their own.
 TEST(FastCorners, WidthsWithNinePoints)
 {
     Random random(1);
-    std::vector<int> widths = {79, 80, 95, 96, 97, 127, 128, 129, 134, 135, 255, 256, 257, 258, 259, 260, 262, 1100};
+    std::vector<int> widths = {79,  80,  95,  96,  97,  127, 128,  129,  134,  135,  255,
+                               256, 257, 258, 259, 260, 262, 1031, 1045, 1100, 2060, 4110};
     for (int width = 1; width <= 72; ++width) {
         widths.push_back(width);
     }
