@@ -135,18 +135,20 @@ Picture fastCorners(const Source& source, Shot& shot)
     const LumiPoint offset = {0, 0};
     shot.time(GALLERY_CALL(lumiFastN_8u_C1R(gray.pixels(), gray.step(), map.pixels(), map.step(), scores.pixels(),
                                             scores.step(), &count, offset, map.size(), spec, buffer.data())));
-    std::vector<LumCornerFastN> list(static_cast<std::size_t>(count) + 1);
-    shot.prepare(GALLERY_CALL(lumiFastN2DToVec_8u(map.pixels(), map.step(), scores.pixels(), scores.step(), list.data(),
-                                                  map.size(), count, &count, spec)));
-    list.resize(static_cast<std::size_t>(count));
     Picture result = mapped<Lum8u>(source.colour, [](Lum8u value) { return static_cast<Lum8u>(value / 2); });
-    for (const LumCornerFastN& corner : list) {
-        const Colour& colour = corner.cornerType == 0 ? ofBrightArc : ofDarkArc;
-        const auto x = static_cast<float>(corner.x), y = static_cast<float>(corner.y);
-        // the ring begins below the corner and goes on to the left; the angle is that of what is bright on it
-        const float angle = corner.angle * 0.0174532925f;
-        drawRing(result, x, y, 2.0f, 3.0f, colour);
-        drawStroke(result, x, y, x - 8.0f * std::cos(angle), y + 8.0f * std::sin(angle), 1.2f, colour);
+    for (int row = 0; row < map.height(); ++row) {
+        for (int column = 0; column < map.width(); ++column) {
+            const int corner = map.at(column, row);
+            if (corner == 0) {
+                continue;
+            }
+            const Colour& colour = corner & 0x40 ? ofBrightArc : ofDarkArc;
+            const auto x = static_cast<float>(column), y = static_cast<float>(row);
+            // the ring begins below the corner and goes on to the left; the angle is that of what is bright on it
+            const float angle = static_cast<float>(corner & 0x3f) * (6.28318531f / bins);
+            drawRing(result, x, y, 2.0f, 3.0f, colour);
+            drawStroke(result, x, y, x - 8.0f * std::cos(angle), y + 8.0f * std::sin(angle), 1.2f, colour);
+        }
     }
     return result;
 }
