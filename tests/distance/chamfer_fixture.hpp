@@ -200,6 +200,9 @@ inline const std::vector<Weights<Lum32f>>& floatWeights()
         {5, {1, 1.45f, 2.1f}},
         {5, {0.3f, 0.3f, 0.3f}},
         {5, {5.1f, 1.2f, 0.7f}},
+        // a diagonal step of length two that is an edge and a knight's step
+        {5, {0.7f, 1.3f, 0.9f}},
+        {5, {0.1f, 0.19f, 0.13f}},
         {5, {1e38f, 1.4e38f, 2.2e38f}},
         {5, {2e38f, 2.1e38f, 3e38f}},
         {5, {1e-40f, 1.3e-40f, 2.1e-40f}},

@@ -34,7 +34,9 @@ TYPED_TEST(ChamferMemory, RowsAlone)
                                 {33, 4},
                                 {64, 5},
                                 {70, 9},
-                                {131, 4}}) {
+                                {131, 4},
+                                {20, 67},
+                                {150, 40}}) {
         for (const Guard guard : {Guard::After, Guard::Before}) {
             for (int i = 0; i < 16; ++i) {
                 const Layout layout = layoutOf(size.width, size.height, 0, guard);

@@ -64,6 +64,23 @@ TYPED_TEST(Chamfer, HigherImages)
     }
 }
 
+// Heights around every number of rows that may be worked on at once, and widths below and above what that takes.
+TYPED_TEST(Chamfer, BandsOfRows)
+{
+    Geometry geometry;
+    for (const int height : {8, 15, 16, 17, 18, 31, 32, 33, 34, 63, 64, 65, 66, 67, 130}) {
+        for (const int width : {1, 2, 4, 6, 19, 40, 65, 97, 130, 200}) {
+            geometry.width = width;
+            geometry.height = height;
+            geometry.placement = geometry.number % 3;
+            SCOPED_TRACE(geometry);
+            expectGeometry<TypeParam>(geometry, 3);
+            ASSERT_FALSE(testing::Test::HasFailure());
+            ++geometry.number;
+        }
+    }
+}
+
 // All contents with all weights.
 TYPED_TEST(Chamfer, EveryContentWithEveryWeight)
 {

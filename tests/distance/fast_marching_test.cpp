@@ -162,7 +162,7 @@ TEST(FastMarchingQuick, SingleRow)
 }
 
 // The pixels that touch the region are no unit away, those behind them are; a pixel at the distance of the radius
-// itself belongs to the band.
+// itself, or farther by less than 1e-5, belongs to the band.
 TEST(FastMarchingQuick, Band)
 {
     Image<Lum8u> source(layoutOf(12, 9));
@@ -170,9 +170,11 @@ TEST(FastMarchingQuick, Band)
     EXPECT_EQ(std::bit_cast<std::uint32_t>(-1e-10f), 0xAEDBE6FFu);
     const Lum32f expected[12] = {0, 0, 0, -2, -1, -1e-10f, 1, 2, 3, 4, 5, 6};
     const Image<Lum32f> result = march(source, 2, layoutOf(12, 9));
-    const Image<Lum32f> narrower = march(source, 1.9999f, layoutOf(12, 9));
+    const Image<Lum32f> within = march(source, 1.999995f, layoutOf(12, 9));
+    const Image<Lum32f> narrower = march(source, 1.99998f, layoutOf(12, 9));
     for (int y = 0; y < 9; ++y) {
         EXPECT_TRUE(sameElements(expected, result.row(y), 12)) << "row " << y;
+        EXPECT_TRUE(sameElements(expected, within.row(y), 12)) << "row " << y;
         EXPECT_EQ(narrower.at(4, y), -1.0f);
         EXPECT_EQ(narrower.at(3, y), 0.0f);
     }

@@ -26,7 +26,7 @@ enum class Damage
     Frame,
     Half,
     Everything,
-    AllButOne,
+    AllButTwo,
     Nothing,
     Count
 };
@@ -74,8 +74,8 @@ inline bool isDamaged(Damage damage, int x, int y, LumiSize size, Random& random
             return x >= w / 2;
         case Damage::Everything:
             return true;
-        case Damage::AllButOne:
-            return x != w / 3 || y != h / 2;
+        case Damage::AllButTwo:
+            return (x != w / 3 && x != w / 3 + 1) || y != h / 2;
         default:
             return false;
     }

@@ -71,7 +71,7 @@ TEST(Inpaint, EverySetting)
                     repair.distances = static_cast<Distances>(distances);
                     repair.method = method;
                     repair.channels = channels;
-                    repair.radius = kRadii[number % 5];
+                    repair.radius = kRadii[number % kRadiusCount];
                     ++number;
                     Prepared prepared(repair);
                     for (int picture = 0; picture < static_cast<int>(Picture::Count); ++picture) {
