@@ -41,6 +41,12 @@ class Job
         return size_;
     }
 
+    // For an operation that is measured on less than the table's size.
+    void workOn(LumiSize size)
+    {
+        size_ = size;
+    }
+
     // Images of random values, none of them zero: a running average towards zero would end in denormal numbers, which
     // are no measure of the operation.
     template <typename T>

@@ -38,18 +38,19 @@ extern "C" {
  * `m0`, or `m1` if the *heavy edge* rule holds.
  *
  * - If `m1 >= 2 * m0`, diagonal neighbours are not looked at. The product does not wrap around; of floats it is
- * rounded.
+ *   rounded.
  * - Heavy edge: if `m0 > m1` and neither the width nor the height is 1, then in the last row both passes have one
- *   candidate more: the pixel two columns back, (-2, 0) in the forward and (+2, 0) in the backward pass, at `2 * m1`.
+ *   candidate more: the pixel two columns back, (-2, 0) in the forward and (+2, 0) in the backward pass, at `2 *
+ *   m1`.
  *
  * **5x5.** With `n1 = min(m1, 2 * m0)`:
  *
  * - If `m2 >= n1 + m0`, the result is that of the 3x3 function with the same weights, `m1` as it was given.
- * - The mask is *regular* if `n1 > m0`, `m2 > 2 * m0` and `2 * m2 > 3 * n1`: it has the steps of the table above, at
- *   `m0`, `n1` and `m2`, and `t = m0`.
+ * - The mask is *regular* if `n1 > m0`, `m2 > 2 * m0` and `2 * m2 > 3 * n1`: it has the steps of the table above,
+ *   at `m0`, `n1` and `m2`, and `t = m0`.
  * - Otherwise it is *extended* by steps of length two. With `M0 = min(m0, 3 * m2)` and `M1 = min(n1, 2 * m2)` its
- *   weights are `M0` for edge, `M1` for diagonal and `m2` for knight's steps, `min(2 * M0, 2 * M1, 2 * m2)` for (2, 0)
- *   and (0, 2), `min(2 * M1, M0 + m2)` for (2, 2), and `t = min(m0, M1, m2)`.
+ *   weights are `M0` for edge, `M1` for diagonal and `m2` for knight's steps, `min(2 * M0, 2 * M1, 2 * m2)` for
+ *   (2, 0) and (0, 2), `min(2 * M1, M0 + m2)` for (2, 2), and `t = min(m0, M1, m2)`.
  *
  * Float weights are compared in double precision and with a tolerance: for `a >= b` read `a - b > -1e-7 * |b|`. The
  * comparisons are `m2 >= n1 + m0` for the first rule, and for an extended mask `m0 >= n1`, `2 * m0 >= m2` or
@@ -72,7 +73,8 @@ extern "C" {
  *
  * 1. #lumErrNullPointer: a pointer is null.
  * 2. #lumErrSize: the width or the height is below 1.
- * 3. #lumErrStep: `srcStep` is smaller than the width, or `dstStep` smaller than a row of the destination in bytes.
+ * 3. #lumErrStep: `srcStep` is smaller than the width, or `dstStep` smaller than a row of the destination in
+ *    bytes.
  * 4. #lumErrStepAlignment: `dstStep` is not a multiple of the size of an element.
  * 5. #lumErrMetric: a weight is not above 0. Two weights are read by the 3x3 functions, three by the 5x5 ones.
  *
@@ -265,10 +267,11 @@ LUMCV_API LumStatus lumiGetDistanceTransformMask(Lum32s maskType, Lum32f* pMetri
  * (x - p)` of the first parabola whose interval does not end before `x`. The distance is the root of this, correctly
  * rounded.
  *
- * All of it is single precision, each operation rounded by itself. So distances are those of the nearest zero pixel,
- * correctly rounded, as long as the sums above stay below 2 to the 24, in images of up to 2896 pixels in either
- * direction for certain; beyond that they may be off by the rounding of those sums. A column without a zero pixel
- * counts as 3.40282347e38, and an image without any becomes the root of that, 1.84467435e19, everywhere.
+ * All of it is single precision, each operation rounded by itself. In images of up to 1024 pixels in either direction
+ * distances are those of the nearest zero pixel, correctly rounded: the rounding of `s` is too small there to let
+ * another one win. In larger images it may let a zero pixel win that is slightly farther away, and squares of distances
+ * above 4096 are rounded themselves. A column without a zero pixel counts as 3.40282347e38, and an image without any
+ * becomes the root of that, 1.84467435e19, everywhere.
  *
  * **Checks** of lumiTrueDistanceTransform_8u32f_C1R(), in this order; the first that fails decides the status, and
  * nothing has been written:
@@ -346,28 +349,31 @@ LUMCV_API LumStatus lumiTrueDistanceTransform_8u32f_C1R(const Lum8u* pSrc, Lum32
  * 1e-5)`.
  *
  * - Inside: the new value is `inner(a, b)`, or `a + 1` without a `b`; with a positive `radius` negative neighbours
- * count as 0. It is taken if it is less than `c`.
- * - Outside, with a positive `radius`: if `a` or `b` is above 0, the pixel becomes -1e-10. Otherwise, if `a` or `b` is
- *   below 0, the new value is `outer(a, b)`, or `a - 1` without a `b`, and is taken if it is not below `L` and `c` is 0
- *   or less than it.
+ *   count as 0. It is taken if it is less than `c`.
+ * - Outside, with a positive `radius`: if `a` or `b` is above 0, the pixel becomes -1e-10. Otherwise, if `a` or
+ *   `b` is below 0, the new value is `outer(a, b)`, or `a - 1` without a `b`, and is taken if it is not below `L`
+ *   and `c` is 0 or less than it.
  *
  * **The sweeps.** Each goes through rows downwards or upwards, and through a row from left to right over all pixels and
  * then from right to left over all but the last.
  *
  * 1. Row 0: the first pixel is 999999 if it is inside, otherwise 0. From left to right, a pixel inside becomes the
- * value before it plus 1, negative ones counting as 0; a pixel outside becomes 0, or with a positive `radius` -1e-10
- * after a value above 0, and after a negative one that value minus 1 if that is not below `L`. From right to left,
- * pixels are visited with the right neighbour alone.
- * 2. Downwards over the other rows: from left to right pixels take their new value whatever was there before, outside
- *    pixels that get none 0; from right to left they are visited.
- * 3. Upwards over all rows but the last: all pixels of a *dirty* row are visited. All rows are dirty at first. A pixel
- *    that changes marks its two neighbours in the row and the pixel below. A row is dirty afterwards if a pixel of it
- *    has changed, and then makes both neighbouring rows dirty.
+ *    value before it plus 1, negative ones counting as 0; a pixel outside becomes 0, or with a positive `radius`
+ *    -1e-10 after a value above 0, and after a negative one that value minus 1 if that is not below `L`. From
+ *    right to left, pixels are visited with the right neighbour alone.
+ * 2. Downwards over the other rows: from left to right pixels take their new value whatever was there before,
+ *    outside pixels that get none 0; from right to left they are visited.
+ * 3. Upwards over all rows but the last: all pixels of a *dirty* row are visited. All rows are dirty at first. A
+ *    pixel that changes marks its neighbours for downward sweeps: the left one for the scan from right to left,
+ *    the right one for the other, and the pixel below for both; one that becomes -1e-10 because `a` or `b` is
+ *    above 0 does so too, even if it had that value. A row is dirty afterwards if a pixel of it has changed, and
+ *    then makes both neighbouring rows dirty.
  * 4. Downwards over all rows but the first and upwards over all but the last, by turns: pixels of dirty rows are
- * visited if they are marked for this direction and this scan, or if the pixel before them in the scan has changed; the
- * mark is cleared. A pixel that changes marks its neighbours: those in the row for the scans of the opposite direction,
- *    the one above for upward and the one below for downward sweeps. From this step on, a pixel that becomes -1e-10
- *    because `a` or `b` is above 0 does not count as changed, and marks nothing.
+ *    visited if they are marked for this direction and this scan, or if the pixel before them in the scan has
+ *    changed; the mark is cleared. A pixel that changes marks its neighbours in the row as in step 3, but for
+ *    sweeps of the opposite direction, the pixel above for both scans of upward and the one below for both of
+ *    downward sweeps. From this step on, a pixel that becomes -1e-10 because `a` or `b` is above 0 does not count
+ *    as changed, and marks nothing.
  *
  * The call ends after the first sweep of the steps 3 and 4 that changes nothing. What the destination held before does
  * not matter.
@@ -448,8 +454,8 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  * masked are filled anew if their distance is above 0.
  *
  * **Gradient.** Each pixel and channel has a gradient of 16-bit integers, 0 at first. It is formed on the ring around
- * the mask: the pixels within a square of `k` by `k` around a masked pixel, `k = 2 * radius + 1` truncated and made odd
- * upwards, the mask itself left out. Along each axis:
+ * the mask: pixels that are not masked but have a masked one in the `k` by `k` square around them, `k = 2 * radius + 1`
+ * truncated, from `-((k - 1) / 2)` to `k / 2` columns and rows away. Along each axis:
  *
  * | Neighbours | #lumInpaintByFront | #lumInpaintByIsophote |
  * |---|---|---|
@@ -459,8 +465,8 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  *
  * Neighbours outside are unknown. After a pixel p has been filled, its gradient is formed by the same table from the
  * destination, but a component that has no known neighbour stays as it was. Then the y components of the pixels above
- * and below p and the x components of those left and right of it are formed anew: centrally if the pixel beyond is
- * known, otherwise from p alone; whether these pixels themselves are known does not matter.
+ * and below p and the x components of those left and right of it are formed anew: by the first line of the table if the
+ * pixel beyond is known, otherwise by the second one, from p, if the pixel itself is known; else they stay.
  *
  * **Neighbours.** A pixel p is filled from the known pixels q of the square of side `2 * r + 1` around it, row by row,
  * p itself left out. If the square lies inside, q counts if its squared distance `d2` from p is not above `radius *
@@ -469,15 +475,16 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  *
  * **By front.** The normal (nx, ny) of a masked pixel is the gradient of the distance D in units of 1/4096: `(D(+1) -
  * D(-1)) * 4096 * 0.5` for each axis, or `(D(+1) - D(0)) * 4096` and `(D(0) - D(-1)) * 4096` in the first and last
- * column or row of the work rectangle, truncated to 16 bits; other pixels have (0, 0). With `Wt` starting at 1e-30:
+ * column or row of the work rectangle, truncated, of which integer the low 16 bits are kept; a work rectangle of one
+ * column or row has 0 along this axis, and pixels that are not masked have (0, 0). With `Wt` starting at 1e-30:
  *
  *     t = b * ny + a * nx, an integer made a float; 2.5e-25 if |t| < 2.5e-25
  *     w = |((1 / 4096) / (|D(q) - D(p)| + 1)) * (1 / (d2 * d)) * t|
  *     S += w * I(q),  Gx -= w * (G(q).x * a),  Gy -= w * (G(q).y * b),  Wt += w
  *
- * The new value is `S / Wt + 0.5 + (Gx + Gy) / (1e-20 + sqrt(Gx * Gx + Gy * Gy))`, the root in single precision and the
- * last quotient and its sum in double; it is limited to 0..255 and truncated. Of three channels all take `Gx + Gy` of
- * the first one, over a root of their own.
+ * The new value is `(S / Wt + 0.5) + (Gx + Gy) / (1e-20 + sqrt(Gx * Gx + Gy * Gy))`: what is in parentheses and the
+ * root in single precision, the sum with 1e-20, the last quotient and the sum with it in double; it is limited to
+ * 0..255 and truncated. Of three channels all take `Gx + Gy` of the first one, over a root of their own.
  *
  * **By isophote.** With (gx, gy) the gradient of q and `Wt` starting at 1e-30, for each channel by itself:
  *

@@ -67,11 +67,11 @@ struct EigenvaluesAndVectors
             const auto n2 = inverseLength(e2);
 
             // 1 where the pixel carries vectors
-            const auto carries =
-                simd::whereLess(a * c - b * b, t, zero, simd::whereLess(simd::min(a, c), t, zero, one));
-            const auto carried = [=](auto value) { return simd::whereLess(zero, carries, value, zero); };
+            const auto carries = simd::select(simd::less(a * c - b * b, t), zero,
+                                              simd::select(simd::less(simd::min(a, c), t), zero, one));
+            const auto carried = [=](auto value) { return simd::select(simd::less(zero, carries), value, zero); };
             const auto vector = [=](auto ifFixed, auto value) {
-                return carried(simd::whereLess(simd::magnitude(b), t, ifFixed, value));
+                return carried(simd::select(simd::less(simd::magnitude(b), t), ifFixed, value));
             };
             simd::storeSixes(to + 6 * x, carried(lambda1), carried(lambda2), vector(zero, p * n1), vector(one, e1 * n1),
                              vector(one, p * n2), vector(zero, e2 * n2));

@@ -12,30 +12,30 @@ inline constexpr int peakLanes = simd::restLanes;
 // What pixels are asked, as bits of an integer, one for each lane.
 
 template <int N>
-[[gnu::always_inline]] inline Lum32u exceeds(simd::Vec<Lum32f, N> v, Lum32f threshold)
+[[gnu::always_inline]] inline uint64_t exceeds(simd::Vec<Lum32f, N> v, Lum32f threshold)
 {
-    return simd::lessBits(simd::broadcast<N>(threshold), simd::magnitude(v));
+    return simd::laneBits(simd::less(simd::broadcast<N>(threshold), simd::magnitude(v)));
 }
 
 template <int N>
-[[gnu::always_inline]] inline Lum32u exceeds(simd::Vec<Lum32s, N> v, Lum32s threshold)
+[[gnu::always_inline]] inline uint64_t exceeds(simd::Vec<Lum32s, N> v, Lum32s threshold)
 {
     if (threshold < 0)
-        return ~Lum32u{0};
-    return simd::lessBits(simd::broadcast<N>(threshold), v) | simd::lessBits(v, simd::broadcast<N>(-threshold));
+        return ~uint64_t{0};
+    return simd::laneBits(simd::less(simd::broadcast<N>(threshold), v) | simd::less(v, simd::broadcast<N>(-threshold)));
 }
 
 template <int N>
-[[gnu::always_inline]] inline Lum32u equals(simd::Vec<Lum32f, N> v, simd::Vec<Lum32f, N> extreme)
+[[gnu::always_inline]] inline uint64_t equals(simd::Vec<Lum32f, N> v, simd::Vec<Lum32f, N> extreme)
 {
     constexpr Lum32f aboveSmallestNormal = 0x1.000002p-126f;
-    return simd::lessBits(simd::magnitude(v - extreme), simd::broadcast<N>(aboveSmallestNormal));
+    return simd::laneBits(simd::less(simd::magnitude(v - extreme), simd::broadcast<N>(aboveSmallestNormal)));
 }
 
 template <int N>
-[[gnu::always_inline]] inline Lum32u equals(simd::Vec<Lum32s, N> v, simd::Vec<Lum32s, N> extreme)
+[[gnu::always_inline]] inline uint64_t equals(simd::Vec<Lum32s, N> v, simd::Vec<Lum32s, N> extreme)
 {
-    return ~(simd::lessBits(v, extreme) | simd::lessBits(extreme, v));
+    return simd::laneBits(simd::equal(v, extreme));
 }
 
 /// Calls use(neighbour) for each neighbour of the pixels at p.
@@ -56,10 +56,10 @@ template <bool isFull, int N, class T, class Use>
 
 /// Which of the N pixels are peaks.
 template <bool isFull, int N, class T>
-[[gnu::always_inline]] inline Lum32u peaksAt(const T* above, const T* p, const T* below, T threshold)
+[[gnu::always_inline]] inline uint64_t peaksAt(const T* above, const T* p, const T* below, T threshold)
 {
     const auto v = simd::load<N>(p);
-    const Lum32u candidates = exceeds(v, threshold) & static_cast<Lum32u>((Lum64s{1} << N) - 1);
+    const uint64_t candidates = exceeds(v, threshold) & ((uint64_t{1} << N) - 1);
     if (!candidates)
         return 0;
     // a neighbour that is not a number stands first, so that it gives way
@@ -68,7 +68,7 @@ template <bool isFull, int N, class T>
         greatest = simd::max(neighbour, greatest);
         smallest = simd::min(neighbour, smallest);
     });
-    const Lum32u positive = simd::lessBits(simd::broadcast<N>(T{0}), v);
+    const uint64_t positive = simd::laneBits(simd::less(simd::broadcast<N>(T{0}), v));
     return candidates & ((positive & equals(v, greatest)) | (~positive & equals(v, smallest)));
 }
 
@@ -98,9 +98,9 @@ template <bool isFull, class T>
         const T* const below = call.src.row(y + 1);
         bool isFilled = false;
         simd::eachOnce<peakLanes>(call.border, endColumn, [&](int64_t x, auto lanes) {
-            Lum32u peaks = peaksAt<isFull, lanes>(above + x, row + x, below + x, threshold);
+            uint64_t peaks = peaksAt<isFull, lanes>(above + x, row + x, below + x, threshold);
             for (; peaks && !isFilled; peaks &= peaks - 1) {
-                call.peaks[count] = {static_cast<Lum32s>(x) + __builtin_ctz(peaks), static_cast<Lum32s>(y)};
+                call.peaks[count] = {static_cast<Lum32s>(x) + __builtin_ctzll(peaks), static_cast<Lum32s>(y)};
                 isFilled = ++count == call.maxCount;
             }
         });

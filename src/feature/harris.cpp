@@ -41,7 +41,7 @@ struct Suppression
             const auto trace = a + c;
             const auto bound = (a * c - b * b) * simd::broadcast<N>(threshold);
             const auto kept =
-                simd::whereLess(bound, trace * trace, simd::broadcast<N>(0.0f), simd::broadcast<N>(255.0f));
+                simd::select(simd::less(bound, trace * trace), simd::broadcast<N>(0.0f), simd::broadcast<N>(255.0f));
             simd::store(to + x, simd::min(simd::load<N>(from + x), simd::roundTo<Lum8u>(kept)));
         };
     }
@@ -106,7 +106,7 @@ struct RegionSizes
         const Region r = region(width, height);
         const Bytes row = roundedUp(4 * r.width, 32);
         return row * r.height * 3 + Bytes{roundedUp(productBytes() * r.width, 32)} * r.height * 2 + 64 +
-               larger(r.derivatives, r.means + row * r.height);
+               std::max(r.derivatives, r.means + row * r.height);
     }
 
     /// One of the tiles of an interior.
@@ -114,7 +114,7 @@ struct RegionSizes
     {
         const Region r = region(width, height);
         return (Bytes{roundedUp(4 * r.width, 32)} * 3 + (2 * productBytes() * r.width + 62) / 64 * 64) * r.height +
-               larger(r.derivatives, r.means) + 64;
+               std::max(r.derivatives, r.means) + 64;
     }
 
   private:
@@ -123,11 +123,6 @@ struct RegionSizes
         int64_t width, height;  ///< extended to where the window reaches
         Bytes derivatives, means;
     };
-
-    static Bytes larger(Bytes a, Bytes b)
-    {
-        return a > b ? a : b;
-    }
 
     int64_t productBytes() const
     {
@@ -150,20 +145,18 @@ Bytes meansScratch(LumiSize roiSize, LumiMaskSize mask, int64_t window, LumDataT
     const Margins margins(mask, window);
     if (margins.near + margins.far >= width || margins.near + margins.far >= height)
         return sizes.core(width, height);
-    const auto larger = [](auto a, auto b) { return a > b ? a : b; };
-    const auto smaller = [](auto a, auto b) { return a < b ? a : b; };
     // pixels of a tile with what its windows reach, and the root of it
     const int64_t budget = dataType == lumType8u ? 8827 : 7111;
     const int64_t side = dataType == lumType8u ? 93 : 84;
     const int64_t t = window - 1;
-    const int64_t tileWidth = roundedUp(larger(side - t, int64_t{0}), 16);
+    const int64_t tileWidth = roundedUp(std::max(side - t, int64_t{0}), 16);
     const int64_t tileHeight = budget / (t + tileWidth) - t;
-    Bytes bytes =
-        sizes.tile(smaller(larger(tileWidth, 8 * window), width), smaller(larger(tileHeight, 8 * window), height));
-    bytes = larger(bytes, sizes.core(width, margins.near));
-    bytes = larger(bytes, sizes.core(width, margins.far));
-    bytes = larger(bytes, sizes.core(margins.near, height));
-    return larger(bytes, sizes.core(margins.far, height));
+    Bytes bytes = sizes.tile(std::min(std::max(tileWidth, 8 * window), width),
+                             std::min(std::max(tileHeight, 8 * window), height));
+    bytes = std::max(bytes, sizes.core(width, margins.near));
+    bytes = std::max(bytes, sizes.core(width, margins.far));
+    bytes = std::max(bytes, sizes.core(margins.near, height));
+    return std::max(bytes, sizes.core(margins.far, height));
 }
 
 LumStatus meansSize(LumiSize roiSize, LumiMaskSize mask, Lum32s avgWindow, LumDataType dataType, Lum32s numChannels,

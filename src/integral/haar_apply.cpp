@@ -103,8 +103,8 @@ template <int N, class Order, class Tables>
         auto feature = weighted();
         for (Lum32s k = 1; k < classifier.rectangles; ++k)
             feature = feature + weighted();
-        sum = sum + simd::whereLess(feature, simd::broadcast<N>(classifier.threshold) * norm,
-                                    simd::broadcast<N>(classifier.ifBelow), simd::broadcast<N>(classifier.otherwise));
+        sum = sum + simd::select(simd::less(feature, simd::broadcast<N>(classifier.threshold) * norm),
+                                 simd::broadcast<N>(classifier.ifBelow), simd::broadcast<N>(classifier.otherwise));
     }
     return sum;
 }
@@ -117,16 +117,16 @@ struct GroupRule
     [[gnu::always_inline]] static simd::Vec<Lum8u, 16> apply(simd::Vec<Lum8u, 16> mask, simd::Vec<Lum32f, 16> sums,
                                                              Lum32f threshold)
     {
-        const auto above = simd::roundTo<Lum8u>(simd::whereLess(
-            simd::broadcast<16>(threshold), sums, simd::broadcast<16>(255.0f), simd::broadcast<16>(0.0f)));
+        const auto above = simd::roundTo<Lum8u>(simd::select(simd::less(simd::broadcast<16>(threshold), sums),
+                                                             simd::broadcast<16>(255.0f), simd::broadcast<16>(0.0f)));
         const auto none = simd::broadcast<16>(Lum8u{254});
         const auto candidates = simd::addSaturated(mask, none) - none;  // 1 or 0
         return simd::broadcast<16>(Lum8u{0}) - simd::min(above, candidates);
     }
 
-    [[gnu::always_inline]] static unsigned clearedBits(simd::Vec<Lum32f, 4> sums, Lum32f threshold)
+    [[gnu::always_inline]] static uint64_t clearedBits(simd::Vec<Lum32f, 4> sums, Lum32f threshold)
     {
-        return ~simd::lessBits(simd::broadcast<4>(threshold), sums);
+        return ~simd::laneBits(simd::less(simd::broadcast<4>(threshold), sums));
     }
 
     static Lum8u kept(Lum8u)
@@ -141,14 +141,14 @@ struct TailRule
     [[gnu::always_inline]] static simd::Vec<Lum8u, 16> apply(simd::Vec<Lum8u, 16> mask, simd::Vec<Lum32f, 16> sums,
                                                              Lum32f threshold)
     {
-        const auto below = simd::roundTo<Lum8u>(simd::whereLess(
-            sums, simd::broadcast<16>(threshold), simd::broadcast<16>(255.0f), simd::broadcast<16>(0.0f)));
+        const auto below = simd::roundTo<Lum8u>(simd::select(simd::less(sums, simd::broadcast<16>(threshold)),
+                                                             simd::broadcast<16>(255.0f), simd::broadcast<16>(0.0f)));
         return simd::subtractSaturated(mask, below);
     }
 
-    [[gnu::always_inline]] static unsigned clearedBits(simd::Vec<Lum32f, 4> sums, Lum32f threshold)
+    [[gnu::always_inline]] static uint64_t clearedBits(simd::Vec<Lum32f, 4> sums, Lum32f threshold)
     {
-        return simd::lessBits(sums, simd::broadcast<4>(threshold));
+        return simd::laneBits(simd::less(sums, simd::broadcast<4>(threshold)));
     }
 
     static Lum8u kept(Lum8u mask)
@@ -181,7 +181,7 @@ template <class Rule, class Order, class Tables>
 [[gnu::always_inline]] inline Lum32s applyToFour(const HaarStage<Lum32f>& stage, const Tables& tables,
                                                  const Lum32f* norms, Lum8u* mask, int64_t x, Lum32f threshold)
 {
-    const unsigned cleared = Rule::clearedBits(votes<4, Order>(stage, tables, norms, x), threshold);
+    const uint64_t cleared = Rule::clearedBits(votes<4, Order>(stage, tables, norms, x), threshold);
     Lum32s kept = 0;
     for (int k = 0; k < 4; ++k) {
         const bool isKept = mask[x + k] && !(cleared >> k & 1);

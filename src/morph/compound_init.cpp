@@ -186,9 +186,9 @@ LumStatus lumiMorphGetBufferSize_L(LumiSizeL roiSize, LumiSizeL maskSize, LumDat
         return checks.status();
     const PixelType pixel = pixelType(dataType, numChannels);
     const LumiSizeL grown = grownTwice(roiSize, maskSize);
-    const Bytes B = larger(dilateErodeScratchBytes(roiSize, maskSize, pixel),
-                           larger(dilateErodeScratchBytes(grownOnce(roiSize, maskSize), maskSize, pixel),
-                                  dilateErodeScratchBytes(grown, maskSize, pixel)));
+    const Bytes B = std::max({dilateErodeScratchBytes(roiSize, maskSize, pixel),
+                              dilateErodeScratchBytes(grownOnce(roiSize, maskSize), maskSize, pixel),
+                              dilateErodeScratchBytes(grown, maskSize, pixel)});
     return storeSize(compoundScratchBytes(grown.width, grown.height, pixel, B), pBufferSize);
 }
 

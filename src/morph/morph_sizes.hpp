@@ -2,6 +2,7 @@
 // interface; sizes up to 31 bits cannot make them overflow.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "frame/byte_counts.hpp"
@@ -22,11 +23,6 @@ struct PixelType
     }
 };
 
-constexpr Bytes larger(Bytes a, Bytes b)
-{
-    return a > b ? a : b;
-}
-
 /// A ring of rows, as many as the normalised element is high.
 constexpr Bytes ringBytes(Bytes roiWidth, LumiSizeL mask, PixelType pixel)
 {
@@ -43,8 +39,8 @@ constexpr Bytes stripPixels(LumiSizeL roi, LumiSizeL mask)
     const Bytes right = (mask.width | 1) - 1 - (mask.width >> 1), bottom = (mask.height | 1) - 1 - (mask.height >> 1);
     if ((mask.width | 1) >= roi.width || (mask.height | 1) >= roi.height)
         return (bothY + roi.height) * (bothX + roi.width);
-    return larger(bottom < 1 ? 0 : (bothY + bottom) * (bothX + roi.width),
-                  right < 1 ? 0 : (bothX + right) * (bothY + roi.height));
+    return std::max<Bytes>(bottom < 1 ? 0 : (bothY + bottom) * (bothX + roi.width),
+                           right < 1 ? 0 : (bothX + right) * (bothY + roi.height));
 }
 
 constexpr Bytes scratchBytes(LumiSizeL roi, LumiSizeL mask, PixelType pixel)
@@ -68,8 +64,9 @@ constexpr Bytes bitScratchBytes(LumiSizeL roi, LumiSizeL mask)
     const Bytes W = roi.width, w = mask.width, h = mask.height;
     const Bytes rows = roundedUp(h * (w - 1 + W), 32) + roundedUp(W, 32) * h + roundedUp(w, 32) + 32;
     const Bytes walks = 8 + 40 * h + (h * h + 1) * (W + 32) + 32;
-    return larger(roundedUp((W + w) * 4, 16) * h * 2 + 16,
-                  roundedUp(h * 16 + 64, 16) + roundedUp(h * 24, 16) + roundedUp(w * h, 16) + larger(rows, walks));
+    return std::max<Bytes>(
+        roundedUp((W + w) * 4, 16) * h * 2 + 16,
+        roundedUp(h * 16 + 64, 16) + roundedUp(h * 24, 16) + roundedUp(w * h, 16) + std::max<Bytes>(rows, walks));
 }
 
 /// The 64-bit functions' record, which serves 1-bit images too.
@@ -80,7 +77,7 @@ constexpr Bytes dilateErodeSpecBytes(LumiSizeL roi, LumiSizeL mask)
 
 constexpr Bytes dilateErodeScratchBytes(LumiSizeL roi, LumiSizeL mask, PixelType pixel)
 {
-    return larger(scratchBytes(roi, mask, pixel), bitScratchBytes(roi, mask));
+    return std::max<Bytes>(scratchBytes(roi, mask, pixel), bitScratchBytes(roi, mask));
 }
 
 /// The record of a compound operation, with S for each of its elements' records.

@@ -150,6 +150,48 @@ requires std::is_unsigned_v<T>
 #endif
 }
 
+/// The smaller one, of signed 32-bit lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32s, N> min(Vec<Lum32s, N> a, Vec<Lum32s, N> b)
+{
+    using V = Vec<Lum32s, N>;
+    if constexpr (kindOf<Lum32s, N> == Kind::pair)
+        return {min(a.lo, b.lo), min(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw < b.raw ? a.raw : b.raw};
+    else if constexpr (N == 4)
+        return {(typename V::Raw)_mm_min_epi32(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (N == 8)
+        return {(typename V::Raw)_mm256_min_epi32(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_min_epi32(bits(a.raw), bits(b.raw))};
+#endif
+}
+
+/// The greater one, of signed 32-bit lanes.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32s, N> max(Vec<Lum32s, N> a, Vec<Lum32s, N> b)
+{
+    using V = Vec<Lum32s, N>;
+    if constexpr (kindOf<Lum32s, N> == Kind::pair)
+        return {max(a.lo, b.lo), max(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw > b.raw ? a.raw : b.raw};
+    else if constexpr (N == 4)
+        return {(typename V::Raw)_mm_max_epi32(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (N == 8)
+        return {(typename V::Raw)_mm256_max_epi32(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_max_epi32(bits(a.raw), bits(b.raw))};
+#endif
+}
+
 /// Clears the sign bit, of a not-a-number too.
 template <int N>
 [[gnu::always_inline]] inline Vec<Lum32f, N> magnitude(Vec<Lum32f, N> a)

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "simd/arithmetic.hpp"
+#include "simd/halves.hpp"
 
 namespace lumcv::simd {
 
@@ -99,21 +100,15 @@ template <int N>
 [[gnu::always_inline]] inline Vec<Lum32f, N> toFloat(Vec<Lum16s, N> v)
 {
     using V = Vec<Lum32f, N>;
-    if constexpr (kindOf<Lum16s, N> == Kind::pair)
-        return {toFloat(v.lo), toFloat(v.hi)};
-    else if constexpr (N == 1)
+    if constexpr (N == 1)
         return {static_cast<Lum32f>(v.raw)};
+    else if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {toFloat(lowerHalf(v)), toFloat(upperHalf(v))};
 #if defined(__AVX512BW__)
-    else if constexpr (N == 32)
-        return {toFloat(Vec<Lum16s, 16>{(typename Vec<Lum16s, 16>::Raw)_mm512_castsi512_si256(bits(v.raw))}),
-                toFloat(Vec<Lum16s, 16>{(typename Vec<Lum16s, 16>::Raw)_mm512_extracti64x4_epi64(bits(v.raw), 1)})};
     else if constexpr (N == 16)
         return V{_mm512_cvtepi32_ps(_mm512_cvtepi16_epi32(bits(v.raw)))};
 #endif
 #if defined(__AVX2__)
-    else if constexpr (N == 16)
-        return {toFloat(Vec<Lum16s, 8>{(typename Vec<Lum16s, 8>::Raw)_mm256_castsi256_si128(bits(v.raw))}),
-                toFloat(Vec<Lum16s, 8>{(typename Vec<Lum16s, 8>::Raw)_mm256_extracti128_si256(bits(v.raw), 1)})};
     else
         return V{_mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(bits(v.raw)))};
 #else
@@ -312,34 +307,6 @@ template <class T, int N>
         return v;
     else
         return roundTo<T>(min(v, broadcast<N>(static_cast<Lum32f>(std::numeric_limits<T>::max()))));
-}
-
-/// The lower half of the lanes.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum32f, N / 2> lowerHalf(Vec<Lum32f, N> v)
-{
-    if constexpr (kindOf<Lum32f, N> == Kind::pair)
-        return v.lo;
-    else if constexpr (N == 8)
-        return {_mm256_castps256_ps128(v.raw)};
-#if defined(__AVX512BW__)
-    else
-        return {_mm512_castps512_ps256(v.raw)};
-#endif
-}
-
-/// The upper half of the lanes.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum32f, N / 2> upperHalf(Vec<Lum32f, N> v)
-{
-    if constexpr (kindOf<Lum32f, N> == Kind::pair)
-        return v.hi;
-    else if constexpr (N == 8)
-        return {_mm256_extractf128_ps(v.raw, 1)};
-#if defined(__AVX512BW__)
-    else
-        return {_mm512_extractf32x8_ps(v.raw, 1)};
-#endif
 }
 
 /// The same numbers in double precision.

@@ -62,6 +62,13 @@ template <class T, int N>
         return M{(typename M::Raw)(a.raw > b.raw)};
 }
 
+/// a < b. A not-a-number is not less.
+template <class T, int N>
+[[gnu::always_inline]] inline Mask<T, N> less(Vec<T, N> a, Vec<T, N> b)
+{
+    return greater(b, a);
+}
+
 /// a == b, of integers.
 template <class T, int N>
 [[gnu::always_inline]] inline Mask<T, N> equal(Vec<T, N> a, Vec<T, N> b)
@@ -158,8 +165,8 @@ template <class T, int N>
     else if constexpr (std::is_integral_v<T>)
         return {(typename V::Raw)_mm256_blendv_epi8(bits(y.raw), bits(x.raw), bits(mask.raw))};
 #endif
-    else
-        return {(typename V::Raw)_mm256_blendv_ps((__m256)y.raw, (__m256)x.raw, (__m256)mask.raw)};
+    else  // not by the blend intrinsic: without AVX2, g++ makes branches of it
+        return {_mm256_or_ps(_mm256_and_ps(mask.raw, x.raw), _mm256_andnot_ps(mask.raw, y.raw))};
 }
 
 /// A bit for each lane, the first one lowest.

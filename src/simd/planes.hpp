@@ -1,34 +1,9 @@
 // Several floats for each pixel, gathered from and spread to vectors of one of them each.
 #pragma once
 
-#include "simd/arithmetic.hpp"
+#include "simd/halves.hpp"
 
 namespace lumcv::simd {
-
-#if defined(__AVX512BW__)
-/// Eight of sixteen lanes.
-template <int half>
-[[gnu::always_inline]] inline Vec<Lum32f, 8> halfOf(Vec<Lum32f, 16> v)
-{
-    return {(typename Vec<Lum32f, 8>::Raw)_mm512_extractf32x8_ps(v.raw, half)};
-}
-
-[[gnu::always_inline]] inline Vec<Lum32f, 16> joined(Vec<Lum32f, 8> lo, Vec<Lum32f, 8> hi)
-{
-    return {(typename Vec<Lum32f, 16>::Raw)_mm512_insertf32x8(_mm512_castps256_ps512(lo.raw), hi.raw, 1)};
-}
-#else
-template <int half>
-[[gnu::always_inline]] inline Vec<Lum32f, 8> halfOf(Vec<Lum32f, 16> v)
-{
-    return half == 0 ? v.lo : v.hi;
-}
-
-[[gnu::always_inline]] inline Vec<Lum32f, 16> joined(Vec<Lum32f, 8> lo, Vec<Lum32f, 8> hi)
-{
-    return {lo, hi};
-}
-#endif
 
 /// The two 16-byte halves of eight lanes, each to its own place.
 [[gnu::always_inline]] inline void storeHalves(Lum32f* low, Lum32f* high, __m256 v)
@@ -51,8 +26,8 @@ template <int N>
         store(p + 4, e);
         store(p + 5, f);
     } else if constexpr (N == 16) {
-        storeSixes(p, halfOf<0>(a), halfOf<0>(b), halfOf<0>(c), halfOf<0>(d), halfOf<0>(e), halfOf<0>(f));
-        storeSixes(p + 48, halfOf<1>(a), halfOf<1>(b), halfOf<1>(c), halfOf<1>(d), halfOf<1>(e), halfOf<1>(f));
+        storeSixes(p, lowerHalf(a), lowerHalf(b), lowerHalf(c), lowerHalf(d), lowerHalf(e), lowerHalf(f));
+        storeSixes(p + 48, upperHalf(a), upperHalf(b), upperHalf(c), upperHalf(d), upperHalf(e), upperHalf(f));
     } else {
         // pairs of floats, two pixels in each group of 16 bytes; three such groups make the twelve floats of two pixels
         const auto twoPixels = [](Lum32f* low, Lum32f* high, __m256 ab, __m256 cd, __m256 ef) {
@@ -79,8 +54,8 @@ template <int N>
         store(p + 2, c);
         p[3] = 0;
     } else if constexpr (N == 16) {
-        storeQuads(p, halfOf<0>(a), halfOf<0>(b), halfOf<0>(c));
-        storeQuads(p + 32, halfOf<1>(a), halfOf<1>(b), halfOf<1>(c));
+        storeQuads(p, lowerHalf(a), lowerHalf(b), lowerHalf(c));
+        storeQuads(p + 32, upperHalf(a), upperHalf(b), upperHalf(c));
     } else {
         const auto ab01 = (__m256d)_mm256_unpacklo_ps(a.raw, b.raw), ab23 = (__m256d)_mm256_unpackhi_ps(a.raw, b.raw);
         const auto c01 = (__m256d)_mm256_unpacklo_ps(c.raw, _mm256_setzero_ps());

@@ -247,8 +247,8 @@ TEST(SimdChoice, TheLesserLanesChoose)
                 bits |= Lum32u(a[i] < b[i]) << i;
             }
             const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data());
-            expectFloats<N>(simd::whereLess(va, vb, simd::load<N>(x.data()), simd::load<N>(y.data())), chosen);
-            EXPECT_EQ(simd::lessBits(va, vb), bits) << N << " lanes";
+            expectFloats<N>(simd::select(simd::less(va, vb), simd::load<N>(x.data()), simd::load<N>(y.data())), chosen);
+            EXPECT_EQ(simd::laneBits(simd::less(va, vb)), bits) << N << " lanes";
         }
     });
 }
@@ -267,7 +267,7 @@ TEST(SimdChoice, IntegersAreComparedWithTheirSign)
             for (std::size_t i = 0; i < N; ++i)
                 bits |= Lum32u(a[i] < b[i]) << i;
             const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data());
-            EXPECT_EQ(simd::lessBits(va, vb), bits) << N << " lanes";
+            EXPECT_EQ(simd::laneBits(simd::less(va, vb)), bits) << N << " lanes";
             expectEach<Lum32s, N>(simd::min(va, vb),
                                   [&](int i) { return std::min(a[std::size_t(i)], b[std::size_t(i)]); });
             expectEach<Lum32s, N>(simd::max(va, vb),
