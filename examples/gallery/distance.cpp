@@ -182,8 +182,8 @@ const Section repairs{
     "A front that begins at the edge of a region and moves at unit speed; and pixels that are filled in the order in "
     "which such a front arrives.",
     {{"marching-front", "A marching front and its band",
-      "The bright part of the picture in bands of its distance to the edge, orange; around it the band of 16 pixels in "
-      "which the distance is negative, blue; between them the front, white.",
+      "The bright part of the picture in bands of its distance to the edge, from orange to red; around it the band of "
+      "16 pixels in which the distance is negative, blue; between them the front, white.",
       marchingFront},
      {"scratched", "Scratches", "What is white is lost. The time is that of the distances, which give the order.",
       scratched},

@@ -7,14 +7,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <exception>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "find_lines.hpp"
 #include "png_file.hpp"
+#include "program.hpp"
 #include "scene.hpp"
 #include "shapes.hpp"
 
@@ -108,18 +107,5 @@ void run(const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const auto arguments = parse(argc, argv);
-    if (!arguments) {
-        std::fputs(usage, stderr);
-        return 2;
-    }
-    try {
-        run(*arguments);
-        return 0;
-    } catch (const std::bad_alloc&) {
-        std::fputs("lines: not enough memory for this picture\n", stderr);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "lines: %s\n", failure.what());
-    }
-    return 1;
+    return gallery::runProgram("lines", usage, argc, argv, parse, run);
 }

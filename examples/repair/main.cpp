@@ -8,14 +8,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "png_file.hpp"
+#include "program.hpp"
 #include "repair.hpp"
 #include "scene.hpp"
 
@@ -135,18 +134,5 @@ void run(const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const auto arguments = parse(argc, argv);
-    if (!arguments) {
-        std::fputs(usage, stderr);
-        return 2;
-    }
-    try {
-        run(*arguments);
-        return 0;
-    } catch (const std::bad_alloc&) {
-        std::fputs("repair: not enough memory for this picture\n", stderr);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "repair: %s\n", failure.what());
-    }
-    return 1;
+    return gallery::runProgram("repair", usage, argc, argv, parse, run);
 }

@@ -6,16 +6,15 @@
 // or a call fails, and 2 for a wrong command line.
 #include <charconv>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <functional>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "film.hpp"
 #include "png_file.hpp"
+#include "program.hpp"
 #include "scene.hpp"
 #include "shapes.hpp"
 #include "tracker.hpp"
@@ -173,18 +172,5 @@ void run(const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const auto arguments = parse(argc, argv);
-    if (!arguments) {
-        std::fputs(usage, stderr);
-        return 2;
-    }
-    try {
-        run(*arguments);
-        return 0;
-    } catch (const std::bad_alloc&) {
-        std::fputs("track: not enough memory for these frames\n", stderr);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "track: %s\n", failure.what());
-    }
-    return 1;
+    return gallery::runProgram("track", usage, argc, argv, parse, run);
 }
