@@ -31,7 +31,7 @@ TEST(FastCorners, WidthsWithNinePoints)
         for (const int mode : kModes) {
             const Setting setting = {.bins = 1 + number % 64, .mode = mode, .threshold = kThresholds[number % 6]};
             Call call = Call::whole({width, 7 + number % 4}, setting, contentOf(number / 3), number);
-            call.place = drawPlace(random);
+            call.place = drawPlacement(random);
             corners += expectCorners(call);
             ASSERT_FALSE(HasFailure());
             ++number;
@@ -57,7 +57,7 @@ TEST(FastCorners, RadiiAndArcs)
                     const int height = 2 * radius + 1 + (i == 0 ? 25 : number % 7);
                     Call call =
                         Call::whole({width, height}, setting, i == 0 ? Content::Spots : contentOf(number), number);
-                    call.place = drawPlace(random);
+                    call.place = drawPlacement(random);
                     corners[arc == full] += expectCorners(call);
                     ASSERT_FALSE(HasFailure());
                     ++number;
@@ -103,7 +103,7 @@ TEST(FastCorners, Placements)
         call.offset = {static_cast<int>(random.between(-12, call.image.width - 1)),
                        static_cast<int>(random.between(-8, call.image.height - 1))};
         call.roi = {static_cast<int>(random.between(1, 60)), static_cast<int>(random.between(1, 26))};
-        call.place = drawPlace(random);
+        call.place = drawPlacement(random);
         corners += expectCorners(call);
         cut += call.offset.x < 0 || call.offset.y < 0;
         ASSERT_FALSE(HasFailure());
@@ -115,7 +115,7 @@ TEST(FastCorners, Placements)
 // Every offset of a small ROI over a small image, from wholly outside on one side to the other.
 TEST(FastCorners, EveryOffset)
 {
-    Image<Lum8u> image(Place{}.layout({15, 11}));
+    Image<Lum8u> image(Placement{}.layout({15, 11}));
     Random random(4);
     draw(image, Content::Noise, 3, random);
     for (int y = -6; y <= 12; ++y) {
@@ -184,9 +184,9 @@ TEST(FastCornersQuick, ArcsAtEveryStart)
             const Setting setting = {radius, arc, 1, kScores, 10};
             const Spec spec({width, width}, setting);
             const PlacedBlock scratch(scratchBytes(width));
-            Image<Lum8u> image(Place{}.layout({width, width}));
-            Image<Lum8u> corner(Place{}.layout({width, width}));
-            Image<Lum8u> score(Place{}.layout({width, width}));
+            Image<Lum8u> image(Placement{}.layout({width, width}));
+            Image<Lum8u> corner(Placement{}.layout({width, width}));
+            Image<Lum8u> score(Placement{}.layout({width, width}));
             for (int start = 0; start < size; ++start) {
                 for (int variant = 0; variant < 8; ++variant) {
                     const bool isDark = variant % 2 == 1;
@@ -307,7 +307,7 @@ TEST(FastCornersQuick, SuppressionKeepsTies)
 TEST(FastCornersQuick, SuppressionEndsAtTheRoi)
 {
     for (const int arc : {9, 10}) {
-        Image<Lum8u> image(Place{}.layout({24, 24}));
+        Image<Lum8u> image(Placement{}.layout({24, 24}));
         image.forEach(Area::Roi, [&](Lum8u& element, int, int, int) { element = 100; });
         image.at(12, 12) = 180;
         const LumiPoint neighbours[] = {{11, 11}, {12, 11}, {13, 11}, {11, 12}, {13, 12}, {11, 13}, {12, 13}, {13, 13}};
@@ -375,7 +375,7 @@ TEST(FastCornersQuick, OutsideTheImage)
 TEST(FastCornersQuick, FarLowerEdge)
 {
     constexpr int kMax = std::numeric_limits<int>::max();
-    Image<Lum8u> image(Place{}.layout({30, 20}));
+    Image<Lum8u> image(Placement{}.layout({30, 20}));
     Random random(6);
     draw(image, Content::Patches, 3, random);
     for (const int arc : {9, 12}) {
@@ -384,8 +384,8 @@ TEST(FastCornersQuick, FarLowerEdge)
         const PlacedBlock scratch(scratchBytes(22));
         for (const int top : {0, 5, 19}) {
             const LumiSize cut = {22, 20 - top};
-            Image<Lum8u> corner(Place{}.layout(cut));
-            Image<Lum8u> score(Place{}.layout(cut));
+            Image<Lum8u> corner(Placement{}.layout(cut));
+            Image<Lum8u> score(Placement{}.layout(cut));
             Lum32s count = -1;
             EXPECT_EQ(lumiFastN_8u_C1R(image.pixels(), image.step(), corner.pixels(), corner.step(), score.pixels(),
                                        score.step(), &count, {4, top}, {22, kMax}, spec.get(), scratch.data()),
@@ -405,13 +405,13 @@ TEST(FastCornersQuick, OneRecordAndManyStrides)
     const Spec spec({37, 20}, setting);
     const PlacedBlock scratch(scratchBytes(37));
     for (const int gap : {0, 1, 27, 64, 1000}) {
-        Layout layout = Place{}.layout({37, 20});
+        Layout layout = Placement{}.layout({37, 20});
         layout.gap = gap;
         Image<Lum8u> image(layout);
         Random random(static_cast<std::uint64_t>(gap));
         draw(image, Content::Patches, 3, random);
-        Image<Lum8u> corner(Place{}.layout({37, 20}));
-        Image<Lum8u> score(Place{}.layout({37, 20}));
+        Image<Lum8u> corner(Placement{}.layout({37, 20}));
+        Image<Lum8u> score(Placement{}.layout({37, 20}));
         Lum32s count = 0;
         EXPECT_EQ(lumiFastN_8u_C1R(image.pixels(), image.step(), corner.pixels(), corner.step(), score.pixels(),
                                    score.step(), &count, {0, 0}, {37, 20}, spec.get(), scratch.data()),

@@ -11,6 +11,7 @@
 #include "feature/fast_reference.hpp"
 #include "support/image.hpp"
 #include "support/placed_block.hpp"
+#include "support/placement.hpp"
 #include "support/random.hpp"
 
 namespace lumcv::test::fast {
@@ -22,42 +23,6 @@ constexpr int kMaxima = kScores | lumFastNNonMaxSuppression;
 constexpr int kModes[] = {
     kCorners, kScores, kMaxima, kCorners | kOrientation, kScores | kOrientation, kMaxima | kOrientation};
 
-// Where the operands of a call stand.
-struct Place
-{
-    Guard guard = Guard::After;
-    std::size_t distance = 0;  // of the blocks from the unreadable page
-    int offset = 0;            // of the images from the page's edge
-    int gap = 0;               // between rows
-
-    Layout layout(LumiSize size, int moreGap = 0) const
-    {
-        Layout layout;
-        layout.width = size.width;
-        layout.height = size.height;
-        layout.gap = gap == 0 ? 0 : gap + moreGap;
-        layout.guard = guard;
-        layout.offset = offset;
-        return layout;
-    }
-};
-
-inline Place drawPlace(Random& random)
-{
-    Place place;
-    place.guard = random.oneIn(2) ? Guard::After : Guard::Before;
-    place.distance = random.oneIn(2) ? 0 : static_cast<std::size_t>(random.between(0, 63));
-    place.offset = random.oneIn(2) ? 0 : static_cast<int>(random.between(0, 63));
-    place.gap = random.oneIn(2) ? 0 : static_cast<int>(random.between(0, 40));
-    return place;
-}
-
-inline std::ostream& operator<<(std::ostream& stream, const Place& place)
-{
-    return stream << "page " << (place.guard == Guard::After ? "after" : "before") << ", distance " << place.distance
-                  << ", offset " << place.offset << ", gap " << place.gap;
-}
-
 inline std::ostream& operator<<(std::ostream& stream, const Setting& setting)
 {
     return stream << "radius " << setting.radius << ", arc " << setting.arc << ", bins " << setting.bins << ", mode "
@@ -68,7 +33,7 @@ inline std::ostream& operator<<(std::ostream& stream, const Setting& setting)
 class Spec
 {
   public:
-    Spec(LumiSize imageSize, const Setting& setting, const Place& place = {})
+    Spec(LumiSize imageSize, const Setting& setting, const Placement& place = {})
         : block_(specBytes(setting.radius), place.guard, place.distance)
     {
         EXPECT_EQ(lumiFastNInit(imageSize, setting.radius, setting.arc, setting.bins, setting.mode, setting.threshold,
@@ -176,7 +141,7 @@ struct Call
     Setting setting = {};
     Content content = Content::Patches;
     int seed = 0;
-    Place place = {};
+    Placement place = {};
 
     static Call whole(LumiSize size, const Setting& setting, Content content, int seed)
     {
@@ -204,8 +169,8 @@ inline int expectCorners(const Call& call, const Image<Lum8u>& image)
     const Result expected = detect(image, call.image, call.offset, call.roi, setting);
     const Spec spec(call.image, setting, call.place);
     const PlacedBlock scratch(scratchBytes(call.roi.width), call.place.guard, call.place.distance);
-    Image<Lum8u> corner(call.place.layout(call.roi, 3));
-    Image<Lum8u> score(call.place.layout(call.roi, 5));
+    Image<Lum8u> corner(call.place.withMoreGap(3).layout(call.roi));
+    Image<Lum8u> score(call.place.withMoreGap(5).layout(call.roi));
     const Image<Lum8u> cornerBefore = corner;
     const Image<Lum8u> scoreBefore = score;
     const GuardedBlock count(sizeof(Lum32s), Guard::After);

@@ -119,7 +119,7 @@ TEST(FastMemory, BlocksAtAnyAddress)
 TEST(FastMemory, SameBytesWithAnyScratch)
 {
     const LumiSize size = {85, 40};
-    Image<Lum8u> image(Place{}.layout(size));
+    Image<Lum8u> image(Placement{}.layout(size));
     Random random(2);
     draw(image, Content::Patches, 3, random);
     for (const int mode : kModes) {
@@ -128,8 +128,8 @@ TEST(FastMemory, SameBytesWithAnyScratch)
             const Result expected = detect(image, size, {0, 0}, size, setting);
             const Spec spec(size, setting);
             const PlacedBlock scratch(scratchBytes(size.width));
-            Image<Lum8u> corner(Place{}.layout(size));
-            Image<Lum8u> score(Place{}.layout(size));
+            Image<Lum8u> corner(Placement{}.layout(size));
+            Image<Lum8u> score(Placement{}.layout(size));
             for (const int content : {-1, 0, 255, 127, -1}) {
                 if (content >= 0) {
                     std::memset(scratch.data(), content, scratch.size());
@@ -173,14 +173,14 @@ TEST(FastMemory, SmallRoisOfALargeImage)
 TEST(FastMemoryThreads, ShareARecord)
 {
     const LumiSize size = {93, 31};
-    Image<Lum8u> image(Place{}.layout(size));
+    Image<Lum8u> image(Placement{}.layout(size));
     Random random(3);
     draw(image, Content::Patches, 3, random);
     for (const int arc : {9, 10}) {
         const Setting setting = {3, arc, 16, kMaxima | kOrientation, 10};
         const Spec spec(size, setting);
         const Result expected = detect(image, size, {0, 0}, size, setting);
-        std::vector<Image<Lum8u>> maps(8, Image<Lum8u>(Place{}.layout(size)));
+        std::vector<Image<Lum8u>> maps(8, Image<Lum8u>(Placement{}.layout(size)));
         std::vector<Lum32s> counts(8, -1);
         std::vector<std::thread> threads;
         for (std::size_t thread = 0; thread < 2; ++thread) {

@@ -27,7 +27,7 @@ TEST(FastOrientation, EveryNumberOfBins)
 // Corners come in any number to a row: what is gathered at its end is not lost.
 TEST(FastOrientation, FewCornersInARow)
 {
-    Image<Lum8u> image(Place{}.layout({90, 7}));
+    Image<Lum8u> image(Placement{}.layout({90, 7}));
     for (int corners = 0; corners <= 11; ++corners) {
         for (int shift = 0; shift < 8; ++shift) {
             for (const int mode : {kModes[3], kModes[4], kModes[5]}) {
@@ -61,7 +61,7 @@ TEST(FastOrientationQuick, FourDirections)
         for (const Side& side : {Side{-1, 0, 0}, Side{0, 1, 1}, Side{1, 0, 2}, Side{0, -1, 3}}) {
             for (const bool isDark : {false, true}) {
                 const int width = 2 * radius + 1;
-                Image<Lum8u> image(Place{}.layout({width, width}));
+                Image<Lum8u> image(Placement{}.layout({width, width}));
                 // the far side is a little brighter or darker than the rest of the ring, all of which is an arc
                 image.forEach(Area::Roi, [&](Lum8u& element, int x, int y, int) {
                     const int along = (x - radius) * side.dx + (y - radius) * side.dy;
@@ -94,14 +94,14 @@ TEST(FastOrientationQuick, NinePointsWithoutADirection)
     for (const int centre : {0, 255}) {
         for (const int bins : {1, 8, 63, 64}) {
             for (const int mode : {kModes[3], kModes[4], kModes[5]}) {
-                Image<Lum8u> image(Place{}.layout({19, 19}));
+                Image<Lum8u> image(Placement{}.layout({19, 19}));
                 image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 128; });
                 image.at(9, 9) = static_cast<Lum8u>(centre);
                 const Setting setting = {3, 9, bins, mode, 20};
                 const Spec spec({19, 19}, setting);
                 const PlacedBlock scratch(scratchBytes(19));
-                Image<Lum8u> corner(Place{}.layout({19, 19}));
-                Image<Lum8u> score(Place{}.layout({19, 19}));
+                Image<Lum8u> corner(Placement{}.layout({19, 19}));
+                Image<Lum8u> score(Placement{}.layout({19, 19}));
                 Lum32s count = 0;
                 EXPECT_EQ(lumiFastN_8u_C1R(image.pixels(), image.step(), corner.pixels(), corner.step(), score.pixels(),
                                            score.step(), &count, {0, 0}, {19, 19}, spec.get(), scratch.data()),
@@ -129,7 +129,7 @@ TEST(FastOrientationQuick, AllDifferencesCount)
         const Ring& ring = ringOf(radius);
         for (int start = 0; start < ringSize(radius); ++start) {
             for (const int other : {90, 99, 110, 119, 0}) {
-                Image<Lum8u> image(Place{}.layout({width, width}));
+                Image<Lum8u> image(Placement{}.layout({width, width}));
                 image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 100; });
                 for (int i = 0; i < ringSize(radius); ++i) {
                     const RingPoint& point = ring[static_cast<std::size_t>((start + i) % ringSize(radius))];
@@ -152,11 +152,11 @@ TEST(FastOrientationQuick, LowBitsWithoutDirection)
             const Setting setting = {3, arc, mode & kOrientation ? 1 : 64, mode, 12};
             const Spec spec({50, 30}, setting);
             const PlacedBlock scratch(scratchBytes(50));
-            Image<Lum8u> image(Place{}.layout({50, 30}));
+            Image<Lum8u> image(Placement{}.layout({50, 30}));
             Random random(4);
             draw(image, Content::Patches, 3, random);
-            Image<Lum8u> corner(Place{}.layout({50, 30}));
-            Image<Lum8u> score(Place{}.layout({50, 30}));
+            Image<Lum8u> corner(Placement{}.layout({50, 30}));
+            Image<Lum8u> score(Placement{}.layout({50, 30}));
             Lum32s count = 0;
             EXPECT_EQ(lumiFastN_8u_C1R(image.pixels(), image.step(), corner.pixels(), corner.step(), score.pixels(),
                                        score.step(), &count, {0, 0}, {50, 30}, spec.get(), scratch.data()),

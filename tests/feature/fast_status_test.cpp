@@ -318,13 +318,13 @@ struct CallOperands
 
     Record record;
     Image<Lum8u> image = [] {
-        Image<Lum8u> drawn(Place{}.layout({12, 9}));
+        Image<Lum8u> drawn(Placement{}.layout({12, 9}));
         Random random(1);
         draw(drawn, Content::Noise, 3, random);
         return drawn;
     }();
-    Image<Lum8u> corner = Image<Lum8u>(Place{}.layout({10, 7}));
-    Image<Lum8u> score = Image<Lum8u>(Place{}.layout({10, 7}));
+    Image<Lum8u> corner = Image<Lum8u>(Placement{}.layout({10, 7}));
+    Image<Lum8u> score = Image<Lum8u>(Placement{}.layout({10, 7}));
     PlacedBlock scratch = PlacedBlock(scratchBytes(10));
     Lum32s count = -1;
 };
@@ -450,8 +450,8 @@ TEST(FastStatusQuick, List)
 {
     using Args = ListArgs;
     const Record record;
-    Image<Lum8u> corner(Place{}.layout({10, 7}));
-    Image<Lum8u> score(Place{}.layout({10, 7}));
+    Image<Lum8u> corner(Placement{}.layout({10, 7}));
+    Image<Lum8u> score(Placement{}.layout({10, 7}));
     const GuardedBlock list(70 * sizeof(LumCornerFastN), Guard::After);
     Lum32s count = -1;
     std::vector<Violation<Args>> table = {{"corner null", lumErrNullPointer, [](Args& a) { a.corner = nullptr; }},

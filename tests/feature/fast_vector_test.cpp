@@ -53,7 +53,7 @@ testing::AssertionResult sameRecord(const LumCornerFastN& expected, const LumCor
 // Lists the corners into exactly `maxLen` records.
 template <class Map>
 void expectRecords(const Map& corner, const Map& score, LumiSize size, const Setting& setting, int maxLen,
-                   const Place& place = {})
+                   const Placement& place = {})
 {
     const std::vector<LumCornerFastN> expected = recordsOf(corner, score, size, setting);
     const Spec spec({100, 100}, setting, place);
@@ -99,10 +99,10 @@ TEST(FastRecords, Widths)
     int number = 0;
     for (const int width : widths) {
         for (const int oneIn : {1, 3, 40, 100000}) {
-            const Place place = drawPlace(random);
+            const Placement place = drawPlacement(random);
             const LumiSize size = {width, 1 + number % 4};
             Image<Lum8u> corner(place.layout(size));
-            Image<Lum8u> score(place.layout(size, 7));
+            Image<Lum8u> score(place.withMoreGap(7).layout(size));
             drawMap(corner, random, oneIn);
             fill(score, random);
             const int bins[] = {1, 7, 36, 64, 31};
@@ -120,8 +120,8 @@ TEST(FastRecordsQuick, EveryColumn)
 {
     for (const int width : {1, 15, 16, 17, 20, 35, 64, 77}) {
         for (int x = 0; x < width; ++x) {
-            Image<Lum8u> corner(Place{}.layout({width, 2}));
-            Image<Lum8u> score(Place{}.layout({width, 2}));
+            Image<Lum8u> corner(Placement{}.layout({width, 2}));
+            Image<Lum8u> score(Placement{}.layout({width, 2}));
             corner.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 0; });
             score.forEach(Area::Roi, [](Lum8u& element, int i, int y, int) { element = static_cast<Lum8u>(i + y); });
             corner.at(x, 1) = static_cast<Lum8u>(1 + x);
@@ -134,8 +134,8 @@ TEST(FastRecordsQuick, EveryColumn)
 // nothing is left but the type 0.
 TEST(FastRecordsQuick, EveryByte)
 {
-    Image<Lum8u> corner(Place{}.layout({64, 4}));
-    Image<Lum8u> score(Place{}.layout({64, 4}));
+    Image<Lum8u> corner(Placement{}.layout({64, 4}));
+    Image<Lum8u> score(Placement{}.layout({64, 4}));
     corner.forEach(Area::Roi, [](Lum8u& element, int x, int y, int) { element = static_cast<Lum8u>(64 * y + x); });
     score.forEach(Area::Roi, [](Lum8u& element, int x, int y, int) { element = static_cast<Lum8u>(255 - 64 * y - x); });
     for (const int mode : kModes) {
@@ -148,8 +148,8 @@ TEST(FastRecordsQuick, EveryByte)
 // The count goes on behind the last record that there is room for.
 TEST(FastRecordsQuick, NoRoom)
 {
-    Image<Lum8u> corner(Place{}.layout({50, 3}));
-    Image<Lum8u> score(Place{}.layout({50, 3}));
+    Image<Lum8u> corner(Placement{}.layout({50, 3}));
+    Image<Lum8u> score(Placement{}.layout({50, 3}));
     Random random(2);
     drawMap(corner, random, 2);
     fill(score, random);
@@ -190,7 +190,7 @@ TEST(FastRecords, IsolatedRowsOfMaps)
 // From the image to the list: the records are where the maps have their corners.
 TEST(FastRecordsQuick, OfDetectedCorners)
 {
-    Image<Lum8u> image(Place{}.layout({80, 50}));
+    Image<Lum8u> image(Placement{}.layout({80, 50}));
     Random random(5);
     draw(image, Content::Patches, 3, random);
     const PlacedBlock scratch(scratchBytes(80));
@@ -198,8 +198,8 @@ TEST(FastRecordsQuick, OfDetectedCorners)
         for (const int arc : {9, 10}) {
             const Setting setting = {.arc = arc, .bins = 12, .mode = mode};
             const Spec spec({80, 50}, setting);
-            Image<Lum8u> corner(Place{}.layout({80, 50}));
-            Image<Lum8u> score(Place{}.layout({80, 50}));
+            Image<Lum8u> corner(Placement{}.layout({80, 50}));
+            Image<Lum8u> score(Placement{}.layout({80, 50}));
             Lum32s count = 0;
             EXPECT_EQ(lumiFastN_8u_C1R(image.pixels(), image.step(), corner.pixels(), corner.step(), score.pixels(),
                                        score.step(), &count, {0, 0}, {80, 50}, spec.get(), scratch.data()),

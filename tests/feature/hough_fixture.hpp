@@ -12,41 +12,12 @@
 #include "support/compare.hpp"
 #include "support/image.hpp"
 #include "support/placed_block.hpp"
+#include "support/placement.hpp"
 #include "support/random.hpp"
 
 namespace lumcv::test::hough {
 
 constexpr Lum32f kDegree = 0.0174532925f;
-
-// Where the operands of a call stand.
-struct Place
-{
-    Guard guard = Guard::After;
-    std::size_t distance = 0;  // of the blocks from the unreadable page
-    int offset = 0;            // of the image from the page's edge
-    int gap = 0;               // between rows
-
-    Layout layout(LumiSize size) const
-    {
-        Layout layout;
-        layout.width = size.width;
-        layout.height = size.height;
-        layout.gap = gap;
-        layout.guard = guard;
-        layout.offset = offset;
-        return layout;
-    }
-};
-
-inline Place drawPlace(Random& random)
-{
-    Place place;
-    place.guard = random.oneIn(2) ? Guard::After : Guard::Before;
-    place.distance = random.oneIn(2) ? 0 : static_cast<std::size_t>(random.between(0, 63));
-    place.offset = random.oneIn(2) ? 0 : static_cast<int>(random.between(0, 63));
-    place.gap = random.oneIn(2) ? 0 : static_cast<int>(random.between(0, 40));
-    return place;
-}
 
 // What an image holds.
 enum class Content
@@ -100,7 +71,7 @@ inline void draw(Image<Lum8u>& image, Content content, Random& random)
     }
 }
 
-inline Image<Lum8u> drawn(LumiSize size, Content content, int seed, const Place& place = {})
+inline Image<Lum8u> drawn(LumiSize size, Content content, int seed, const Placement& place = {})
 {
     Image<Lum8u> image(place.layout(size));
     Random random(static_cast<std::uint64_t>(seed) * 7919 + 17);
@@ -154,7 +125,7 @@ inline std::ostream& operator<<(std::ostream& stream, const PolarCall& call)
 }
 
 // Finds lines with a list and scratch of exactly the right size, and gives their number.
-inline int expectLines(const Image<Lum8u>& image, const PolarCall& call, const Place& place = {})
+inline int expectLines(const Image<Lum8u>& image, const PolarCall& call, const Placement& place = {})
 {
     const LumiSize size = {image.width(), image.height()};
     const PlacedBlock scratch(standardBytes(size, call.delta, call.maxLineCount), place.guard, place.distance);
@@ -197,7 +168,7 @@ inline int expectLines(const Image<Lum8u>& image, const PolarCall& call, const P
 class ProgressiveSpec
 {
   public:
-    ProgressiveSpec(LumiSize size, LumiPointPolar delta, const Place& place = {}, int hint = 0)
+    ProgressiveSpec(LumiSize size, LumiPointPolar delta, const Placement& place = {}, int hint = 0)
         : block_(progressiveSpecBytes(delta), place.guard, place.distance)
     {
         EXPECT_EQ(lumiHoughProbLineInit_8u32f_C1R(size, delta, hint, get()), lumOk);
@@ -246,7 +217,7 @@ inline testing::AssertionResult sameSegments(const std::vector<Segment>& expecte
 
 // Finds segments with a list and scratch of exactly the right size, and gives their number.
 inline int expectSegments(const Image<Lum8u>& image, LumiPointPolar delta, const Search& search,
-                          const Place& place = {})
+                          const Placement& place = {})
 {
     const LumiSize size = {image.width(), image.height()};
     const Segments expected = progressiveLines(image, size, delta, search);

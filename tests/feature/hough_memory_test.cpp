@@ -99,7 +99,7 @@ TEST(HoughMemory, BlocksAtAnyAddress)
 {
     for (int distance = 0; distance < 64; ++distance) {
         for (const Guard guard : {Guard::After, Guard::Before}) {
-            const Place place = {guard, static_cast<std::size_t>(distance), distance % 7, distance % 5};
+            const Placement place = {guard, static_cast<std::size_t>(distance), distance % 7, distance % 5};
             const Image<Lum8u> image = drawn({9 + distance % 29, 2 + distance % 13}, Content::Lines, distance, place);
             expectLines(image, {{1, 0.1f}, 2, 1 + distance}, place);
             expectLines(image, {{0.7f, 0.2f}, 2, 1 + distance, kRegion}, place);

@@ -36,7 +36,7 @@ TEST(HoughPolar, Widths)
             }
             call.threshold = 1 + number % 7;
             call.maxLineCount = number % 4 == 0 ? 1 + number % 9 : 300;
-            const Place place = drawPlace(random);
+            const Placement place = drawPlacement(random);
             lines += expectLines(drawn(size, contentOf(number), number, place), call, place);
             ASSERT_FALSE(HasFailure());
             ++number;
@@ -55,7 +55,7 @@ TEST(HoughPolar, Images)
         call.delta = kDeltas[number % 11];
         call.threshold = static_cast<int>(random.between(1, 40));
         call.maxLineCount = static_cast<int>(random.between(1, 60));
-        const Place place = drawPlace(random);
+        const Placement place = drawPlacement(random);
         lines += expectLines(drawn(size, contentOf(number), number, place), call, place);
         ASSERT_FALSE(HasFailure());
     }
@@ -65,7 +65,7 @@ TEST(HoughPolar, Images)
 // Two points of a column at every place: votes of all places.
 TEST(HoughPolar, PointsAtEveryPlace)
 {
-    Image<Lum8u> image(Place{}.layout({73, 41}));
+    Image<Lum8u> image(Placement{}.layout({73, 41}));
     image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 0; });
     for (int x = 0; x < 73; ++x) {
         const int y = x * 17 % 31;
@@ -86,7 +86,7 @@ TEST(HoughPolar, CoarseRho)
         for (const Lum32f part : {1.0f, 0.99f, 0.9f, 0.8f, 0.7f, 0.6f, 0.5f, 0.4f, 0.3f, 0.2f, 0.1f}) {
             for (const Lum32f theta : {0.05f, 0.3f, 1.5707964f, 3.0f}) {
                 for (const Content content : {Content::Dense, Content::Lines}) {
-                    const Place place = drawPlace(random);
+                    const Placement place = drawPlacement(random);
                     expectLines(drawn(size, content, static_cast<int>(part * 100), place), {{sum * part, theta}, 1, 9},
                                 place);
                 }
@@ -99,7 +99,7 @@ TEST(HoughPolar, CoarseRho)
 // A cell may have more votes than 16 bits hold.
 TEST(HoughPolar, LargeCounts)
 {
-    Image<Lum8u> image(Place{}.layout({300, 260}));
+    Image<Lum8u> image(Placement{}.layout({300, 260}));
     image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 7; });
     constexpr LumiPointPolar kWholePlane[2] = {{-1000, 0}, {1000, 4}};
     for (const int threshold : {1, 32767, 65535, 65536, 77999, 78000}) {
@@ -114,7 +114,7 @@ TEST(HoughPolar, LongRowsAndColumns)
 {
     constexpr LumiPointPolar kWholePlane[2] = {{-200000, 0}, {200000, 4}};
     for (const LumiSize size : {LumiSize{70000, 2}, {2, 70000}}) {
-        Image<Lum8u> image(Place{}.layout(size));
+        Image<Lum8u> image(Placement{}.layout(size));
         Random random(5);
         image.forEach(Area::Roi,
                       [&](Lum8u& element, int x, int y, int) { element = x + y > 69900 || random.oneIn(500) ? 1 : 0; });
@@ -130,7 +130,7 @@ TEST(HoughPolar, FineRho)
     Random random(4);
     for (const Lum32f rho : {0.25f, 0.1f, 0.03f, 0.01f}) {
         for (const Content content : {Content::Lines, Content::Grid}) {
-            const Place place = drawPlace(random);
+            const Placement place = drawPlacement(random);
             EXPECT_GT(expectLines(drawn({37, 21}, content, 3, place), {{rho, 0.02f}, 1, 400}, place), 0);
         }
     }
@@ -148,7 +148,7 @@ TEST(HoughPolarQuick, TwoAngles)
 
 TEST(HoughPolarQuick, BlankImage)
 {
-    Image<Lum8u> image(Place{}.layout({50, 30}));
+    Image<Lum8u> image(Placement{}.layout({50, 30}));
     image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 0; });
     EXPECT_EQ(expectLines(image, {{1, kDegree}, 1, 10}), 0);
 }
@@ -156,7 +156,7 @@ TEST(HoughPolarQuick, BlankImage)
 TEST(HoughPolarQuick, FullImage)
 {
     for (const LumiSize size : {LumiSize{1, 1}, {16, 16}, {33, 5}, {64, 40}}) {
-        Image<Lum8u> image(Place{}.layout(size));
+        Image<Lum8u> image(Placement{}.layout(size));
         image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 255; });
         expectLines(image, {{1, kDegree}, 1, 40});
         expectLines(image, {{0.7f, 0.1f}, 3, 1000});
@@ -166,7 +166,7 @@ TEST(HoughPolarQuick, FullImage)
 // A count has to be above the threshold.
 TEST(HoughPolarQuick, ThresholdOfOne)
 {
-    Image<Lum8u> image(Place{}.layout({50, 30}));
+    Image<Lum8u> image(Placement{}.layout({50, 30}));
     image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 0; });
     image.at(20, 10) = 1;
     EXPECT_EQ(expectLines(image, {{1, kDegree}, 1, 10}), 0);
@@ -179,7 +179,7 @@ TEST(HoughPolarQuick, ThresholdOfOne)
 TEST(HoughPolarQuick, CountEqualToTheThreshold)
 {
     for (const int n : {2, 5, 19, 40}) {
-        Image<Lum8u> image(Place{}.layout({20, n}));
+        Image<Lum8u> image(Placement{}.layout({20, n}));
         image.forEach(Area::Roi, [](Lum8u& element, int x, int, int) { element = x == 7 ? 9 : 0; });
         EXPECT_EQ(expectLines(image, {{1, 1.6f}, n, 10}), 0);
         EXPECT_EQ(expectLines(image, {{1, 1.6f}, n - 1, 10}), 1);
@@ -189,7 +189,7 @@ TEST(HoughPolarQuick, CountEqualToTheThreshold)
 // Votes that are equal side by side, along rho or along theta, are one line: the first.
 TEST(HoughPolarQuick, PlateausGiveTheirFirstCell)
 {
-    Image<Lum8u> image(Place{}.layout({20, 12}));
+    Image<Lum8u> image(Placement{}.layout({20, 12}));
     // columns side by side: cells of equal counts in a row
     image.forEach(Area::Roi, [](Lum8u& element, int x, int, int) { element = x >= 7 && x <= 10 ? 9 : 0; });
     EXPECT_EQ(standardLines(image, {20, 12}, {1, 1.6f}, 11, 10).size(), 1u);
@@ -205,7 +205,7 @@ TEST(HoughPolarQuick, PlateausGiveTheirFirstCell)
 // better one.
 TEST(HoughPolarQuick, ListOfEqualLines)
 {
-    Image<Lum8u> image(Place{}.layout({40, 10}));
+    Image<Lum8u> image(Placement{}.layout({40, 10}));
     image.forEach(Area::Roi, [](Lum8u& element, int x, int, int) { element = x % 5 == 2 ? 9 : 0; });
     for (int maxLineCount = 1; maxLineCount <= 10; ++maxLineCount) {
         EXPECT_EQ(expectLines(image, {{1, 1.6f}, 9, maxLineCount}), std::min(maxLineCount, 8));
@@ -237,7 +237,7 @@ TEST(HoughPolarQuick, PeaksAtTheEnds)
 {
     for (const LumiSize size : {LumiSize{8, 8}, {12, 4}}) {
         for (int x = 0; x < size.width; ++x) {
-            Image<Lum8u> image(Place{}.layout(size));
+            Image<Lum8u> image(Placement{}.layout(size));
             image.forEach(Area::Roi, [&](Lum8u& element, int at, int, int) { element = at == x ? 9 : 0; });
             for (const Lum32f theta : {3.14159f, 1.5707f, 0.7853f, 0.1f}) {
                 for (const Lum32f rho : {1.0f, 2.0f, 3.0f, 5.0f, 8.0f, 12.0f}) {
@@ -254,7 +254,7 @@ TEST(HoughPolarQuick, RowsMayOverlap)
     const Image<Lum8u> row = drawn({200, 1}, Content::Dense, 3);
     for (const int step : {1, 3, 17}) {
         const LumiSize size = {50, 8};
-        Image<Lum8u> copy(Place{}.layout(size));
+        Image<Lum8u> copy(Placement{}.layout(size));
         copy.forEach(Area::Roi, [&](Lum8u& element, int x, int y, int) { element = row.at(x + y * step, 0); });
         const std::vector<LumiPointPolar> expected = standardLines(copy, size, {1, 0.1f}, 2, 30);
         EXPECT_EQ(expected.size(), 30u);

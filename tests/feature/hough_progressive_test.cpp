@@ -43,7 +43,7 @@ TEST(HoughProgressive, Widths)
             search.lineLength = static_cast<int>(random.between(0, 12));
             search.lineGap = static_cast<int>(random.between(0, 5));
             search.maxLineCount = number % 5 == 0 ? static_cast<int>(random.between(0, 6)) : 500;
-            const Place place = drawPlace(random);
+            const Placement place = drawPlacement(random);
             segments +=
                 expectSegments(drawn(size, contentOf(number), number, place), kDeltas[number % 14], search, place);
             ASSERT_FALSE(HasFailure());
@@ -63,7 +63,7 @@ TEST(HoughProgressive, Images)
         search.threshold = static_cast<int>(random.between(1, 30));
         search.lineLength = static_cast<int>(random.between(0, 30));
         search.lineGap = static_cast<int>(random.between(0, 9));
-        const Place place = drawPlace(random);
+        const Placement place = drawPlacement(random);
         segments += expectSegments(drawn(size, contentOf(number), number, place), kDeltas[number % 14], search, place);
         ASSERT_FALSE(HasFailure());
     }
@@ -83,7 +83,7 @@ TEST(HoughProgressive, CoarseRho)
                     Search search;
                     search.threshold = static_cast<int>(random.between(1, 6));
                     search.lineGap = static_cast<int>(random.between(0, 2));
-                    const Place place = drawPlace(random);
+                    const Placement place = drawPlacement(random);
                     expectSegments(drawn(size, content, static_cast<int>(part * 100), place), {sum * part, theta},
                                    search, place);
                 }
@@ -106,7 +106,7 @@ TEST(HoughProgressive, ManyPoints)
 {
     constexpr LumiPointPolar kHalfTurns = {1, 1.5707964f};
     for (const int points : {32765, 32766, 32767, 32768, 40000}) {
-        Image<Lum8u> image(Place{}.layout({40000, 2}));
+        Image<Lum8u> image(Placement{}.layout({40000, 2}));
         clear(image);
         for (int x = 0; x < points; ++x) {
             image.at(x, 0) = 1;
@@ -123,7 +123,7 @@ TEST(HoughProgressive, NegativeCounts)
 {
     Random random(4);
     for (int number = 0; number < 60; ++number) {
-        Image<Lum8u> image(Place{}.layout({90, 5}));
+        Image<Lum8u> image(Placement{}.layout({90, 5}));
         image.forEach(Area::Roi, [&](Lum8u& element, int x, int y, int) {
             // two lines in a row with a hole between them, and dust
             element = (y == 2 && (x < 40 || x > 46)) || random.oneIn(30) ? 1 : 0;
@@ -137,7 +137,7 @@ TEST(HoughProgressive, NegativeCounts)
 TEST(HoughProgressive, LargestCoordinates)
 {
     for (const LumiSize size : {LumiSize{65536, 1}, {1, 65536}}) {
-        Image<Lum8u> image(Place{}.layout(size));
+        Image<Lum8u> image(Placement{}.layout(size));
         clear(image);
         for (const int i : {0, 1, 2, 3, 32766, 32767, 32768, 32769, 65532, 65533, 65534, 65535}) {
             image.at(size.width > 1 ? i : 0, size.height > 1 ? i : 0) = 1;
@@ -154,7 +154,7 @@ TEST(HoughProgressive, LargestCoordinates)
 
 TEST(HoughProgressiveQuick, BlankImage)
 {
-    Image<Lum8u> image(Place{}.layout({50, 30}));
+    Image<Lum8u> image(Placement{}.layout({50, 30}));
     clear(image);
     EXPECT_EQ(expectSegments(image, {1, kDegree}, {1, 0, 0, 10}), 0);
 }
@@ -162,7 +162,7 @@ TEST(HoughProgressiveQuick, BlankImage)
 TEST(HoughProgressiveQuick, FullImage)
 {
     for (const LumiSize size : {LumiSize{1, 1}, {7, 3}, {8, 8}, {9, 4}, {16, 16}, {33, 25}}) {
-        Image<Lum8u> image(Place{}.layout(size));
+        Image<Lum8u> image(Placement{}.layout(size));
         image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 128; });
         for (const int threshold : {1, 2, 5, 9}) {
             expectSegments(image, {1, 0.05f}, {threshold, 3, 0, 400});
@@ -175,7 +175,7 @@ TEST(HoughProgressiveQuick, FullImage)
 TEST(HoughProgressiveQuick, SinglePoint)
 {
     for (const LumiPoint at : {LumiPoint{0, 0}, {19, 9}, {5, 3}, {0, 9}, {19, 0}}) {
-        Image<Lum8u> image(Place{}.layout({20, 10}));
+        Image<Lum8u> image(Placement{}.layout({20, 10}));
         clear(image);
         image.at(at.x, at.y) = 1;
         EXPECT_EQ(expectSegments(image, {1, 0.1f}, {1, 0, 2, 4}), 1);
@@ -187,7 +187,7 @@ TEST(HoughProgressiveQuick, SinglePoint)
 // A row with gaps of 1, 2, 3, ... clear pixels: a gap is crossed if it is not longer than `lineGap`.
 TEST(HoughProgressiveQuick, Gaps)
 {
-    Image<Lum8u> image(Place{}.layout({80, 3}));
+    Image<Lum8u> image(Placement{}.layout({80, 3}));
     clear(image);
     int x = 0;
     for (int gap = 0; x < 80; ++gap) {
@@ -219,7 +219,7 @@ TEST(HoughProgressiveQuick, Lengths)
 {
     for (const bool isColumn : {false, true}) {
         for (const int length : {1, 2, 9}) {
-            Image<Lum8u> image(Place{}.layout({16, 16}));
+            Image<Lum8u> image(Placement{}.layout({16, 16}));
             clear(image);
             for (int i = 0; i <= length; ++i) {
                 image.at(isColumn ? 4 : 3 + i, isColumn ? 3 + i : 4) = 1;
@@ -235,7 +235,7 @@ TEST(HoughProgressiveQuick, Directions)
 {
     for (int direction = 0; direction < 64; ++direction) {
         const double angle = direction * 3.141592653589793 / 64;
-        Image<Lum8u> image(Place{}.layout({41, 39}));
+        Image<Lum8u> image(Placement{}.layout({41, 39}));
         clear(image);
         for (int step = -60; step <= 60; ++step) {
             const int x = static_cast<int>(std::lround(20 + std::cos(angle) * step));
@@ -271,7 +271,7 @@ TEST(HoughProgressiveQuick, Record)
     for (const LumiPointPolar delta : kDeltas) {
         for (const std::size_t distance : {0, 1, 2, 3, 5}) {
             const int hint = distance == 0 ? 0x12345678 : -1;
-            const Place place = {distance % 2 == 0 ? Guard::After : Guard::Before, distance, 0, 0};
+            const Placement place = {distance % 2 == 0 ? Guard::After : Guard::Before, distance, 0, 0};
             const ProgressiveSpec spec({30, 20}, delta, place, hint);
             const auto* const bytes = reinterpret_cast<const unsigned char*>(spec.get());
             const auto number = [&](std::size_t index) {
@@ -315,7 +315,7 @@ void inEachRoundingMode(F f)
 TEST(HoughProgressiveQuick, RoundingModes)
 {
     const Image<Lum8u> image = drawn({50, 40}, Content::Lines, 5);
-    Image<Lum8u> blank(Place{}.layout({50, 40}));
+    Image<Lum8u> blank(Placement{}.layout({50, 40}));
     clear(blank);
     const LumiPointPolar delta = {1, kDegree};
     const ProgressiveSpec spec({50, 40}, delta);
@@ -386,7 +386,7 @@ TEST(HoughProgressiveQuick, OneRecordAndManyImages)
     const ProgressiveSpec spec({5, 5}, delta);
     for (const LumiSize size : {LumiSize{5, 5}, {60, 33}, {3, 70}, {129, 2}}) {
         for (const bool bottomUp : {false, true}) {
-            Layout layout = Place{}.layout(size);
+            Layout layout = Placement{}.layout(size);
             layout.gap = 9;
             layout.bottomUp = bottomUp;
             Image<Lum8u> image(layout);
@@ -404,7 +404,7 @@ TEST(HoughProgressiveQuick, OneRecordAndManyImages)
         }
     }
     const Image<Lum8u> row = drawn({60, 1}, Content::Dense, 4);
-    Image<Lum8u> repeated(Place{}.layout({60, 9}));
+    Image<Lum8u> repeated(Placement{}.layout({60, 9}));
     repeated.forEach(Area::Roi, [&](Lum8u& element, int x, int, int) { element = row.at(x, 0); });
     const Segments expected = progressiveLines(repeated, {60, 9}, delta, {3, 2, 1, 300});
     const PlacedBlock scratch(progressiveBytes({60, 9}, delta));

@@ -43,7 +43,7 @@ TEST(HoughRegion, Sweep)
         call.threshold = 1 + number % 6;
         call.maxLineCount = number % 3 == 0 ? 1 + number % 7 : 500;
         call.region = region;
-        const Place place = drawPlace(random);
+        const Placement place = drawPlacement(random);
         lines += expectLines(drawn(size, contentOf(number), number, place), call, place);
         ASSERT_FALSE(HasFailure());
     }
@@ -72,7 +72,7 @@ TEST(HoughRegion, IntegersAreNotRounded)
 {
     const LumiPointPolar delta = {0.1f, 0.4f};
     constexpr int kRoom = 4000;
-    Image<Lum8u> image(Place{}.layout({3000, 4}));
+    Image<Lum8u> image(Placement{}.layout({3000, 4}));
     image.forEach(Area::Roi,
                   [](Lum8u& element, int x, int y, int) { element = x > 1000 && (x * 7 + y * 3) % 5 != 0 ? 1 : 0; });
     const std::vector<LumiPointPolar> standard = standardLines(image, {3000, 4}, delta, 2, kRoom);
@@ -109,7 +109,7 @@ TEST(HoughRegionQuick, ClampsTheta)
 // not count: its slope comes out as a line at the region's edge.
 TEST(HoughRegionQuick, AnglesAreInclusive)
 {
-    Image<Lum8u> image(Place{}.layout({40, 30}));
+    Image<Lum8u> image(Placement{}.layout({40, 30}));
     image.forEach(Area::Roi, [](Lum8u& element, int x, int y, int) { element = x == y ? 1 : 0; });
     constexpr Lum32f kStep = 0.05f;
     for (int first = 0; first < 62; ++first) {
@@ -134,7 +134,7 @@ TEST(HoughRegionQuick, AnglesAreInclusive)
 // The cells of both rho bounds belong to the region; neighbours beyond them count.
 TEST(HoughRegionQuick, CellsAreInclusive)
 {
-    Image<Lum8u> image(Place{}.layout({30, 12}));
+    Image<Lum8u> image(Placement{}.layout({30, 12}));
     image.forEach(Area::Roi, [](Lum8u& element, int x, int y, int) {
         element = x == 10 || x == 11 || x == 12 || (x == 20 && y < 9) || (x == 21 && y < 10) ? 1 : 0;
     });
@@ -176,7 +176,7 @@ TEST(HoughRegionQuick, FarRhoBounds)
 
 TEST(HoughRegionQuick, BlankImage)
 {
-    Image<Lum8u> image(Place{}.layout({50, 30}));
+    Image<Lum8u> image(Placement{}.layout({50, 30}));
     image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 0; });
     EXPECT_EQ(expectLines(image, {{1, kDegree}, 1, 10, kAll}), 0);
 }
