@@ -1027,8 +1027,8 @@ LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lu
  * **The mode** is #lumFastNCorners with any of the others; #lumFastNNonMaxSuppression demands #lumFastNScore.
  *
  * **The record** is, in bytes, `8 * points + 68` long. The first byte of its block is the distance to where it begins,
- * the next address that is a multiple of 8: the identity (64 bits, 0x14B617390), then 32 bits each the element type, the
- * number of channels, the width and the height of the image, the radius, `N`, the number of bins, the mode, the
+ * the next address that is a multiple of 8: the identity (64 bits, 0x14B617390), then 32 bits each the element type,
+ * the number of channels, the width and the height of the image, the radius, `N`, the number of bins, the mode, the
  * threshold as a float and as an integer; a pointer to the ring; the sines and the cosines, which are only filled for
  * #lumFastNOrientation; the bins per radian. It must not be moved.
  *
