@@ -1,8 +1,8 @@
 // The next smaller level of bytes at rate 2 under the kernel 1, 4, 6, 4, 1, whose sums of 25 pixels fit 16 bits.
 //
 // Every source row is summed along its length at even places, once, and never stored: it adds to the two destination
-// rows that it reaches. Between two steps stand, for each destination column, the sums of the coming row's upper three
-// source rows and the last source row's own.
+// rows that it reaches. Between two steps, which yield two destination rows each, stand for each destination column the
+// sums of the coming row's upper three source rows and the last source row's own.
 #pragma once
 
 #include <algorithm>
@@ -20,21 +20,30 @@ class BinomialDown
     BinomialDown(Plane<const Lum8u> src, LumiSizeL srcRoi, Plane<Lum8u> dst, LumiSizeL dstRoi, Room room)
         : src_(src), width_(srcRoi.width), lastRow_(srcRoi.height - 1), dst_(dst), dstRoi_(dstRoi)
     {
-        for (Sums& sums : sums_)
-            sums = {room.take<Lum16s>(dstRoi.width), room.take<Lum16s>(dstRoi.width)};
+        // vectors begin with column 1
+        const auto take = [&] { return room.take<Lum16s>(dstRoi.width + lineWords, 64) + lineWords - 1; };
+        for (Sums& sums : sums_) {
+            sums.upper = take();
+            sums.last = take();
+        }
     }
 
     void run() const
     {
         begin(src_.row(0));
-        for (int64_t y = 0; y < dstRoi_.height; ++y)
-            advance(src_.row(std::min(2 * y + 1, lastRow_)), src_.row(std::min(2 * y + 2, lastRow_)), sums_[y % 2],
-                    sums_[(y + 1) % 2], dst_.row(y));
+        const auto row = [this](int64_t y) { return src_.row(std::min(y, lastRow_)); };
+        int64_t y = 0;
+        for (; y + 1 < dstRoi_.height; y += 2)
+            advanceTwo({row(2 * y + 1), row(2 * y + 2), row(2 * y + 3), row(2 * y + 4)}, sums_[y / 2 % 2],
+                       sums_[(y / 2 + 1) % 2], dst_.row(y), dst_.row(y + 1));
+        if (y < dstRoi_.height)
+            end(row(2 * y + 1), row(2 * y + 2), sums_[y / 2 % 2], dst_.row(y));
     }
 
   private:
     static constexpr int lanes = std::max(16, simd::registerLanes<Lum16s>);
-    static constexpr Lum16s half = 128;  // of the 256 by which a sum is divided
+    static constexpr int lineWords = 32;  // of a cache line
+    static constexpr Lum16s half = 128;   // of the 256 by which a sum is divided
 
     struct Sums
     {
@@ -95,16 +104,49 @@ class BinomialDown
         });
     }
 
-    /// Takes the two lower rows of a destination row. The sums reach 255 * 256 + 128, as unsigned words.
-    [[gnu::flatten]] void advance(const Lum8u* fourth, const Lum8u* fifth, Sums from, Sums to, Lum8u* dst) const
+    struct FourRows
+    {
+        const Lum8u *first, *second, *third, *fourth;
+    };
+
+    /// Takes the two lower rows of a destination row, and the two that follow. The sums reach 255 * 256 + 128, as
+    /// unsigned words.
+    [[gnu::flatten]] void advanceTwo(FourRows rows, Sums from, Sums to, Lum8u* upperDst, Lum8u* lowerDst) const
     {
         eachColumn([=](int64_t x, auto n, auto sums) {
-            const auto four = sums(fourth) * simd::broadcast<n>(Lum16s{4});
-            const auto one = sums(fifth);
-            simd::store(dst + x, highBytes(simd::load<n>(from.upper + x) + four + one));
-            simd::store(to.upper + x, simd::load<n>(from.last + x) + four + one * simd::broadcast<n>(Lum16s{6}));
-            simd::store(to.last + x, one + simd::broadcast<n>(half));
+            const auto first = fourTimes(sums(rows.first));
+            const auto second = sums(rows.second);
+            simd::store(upperDst + x, highBytes(simd::load<n>(from.upper + x) + first + second));
+            const auto lower = simd::load<n>(from.last + x) + first + sixTimes(second);
+            const auto third = fourTimes(sums(rows.third));
+            const auto fourth = sums(rows.fourth);
+            simd::store(lowerDst + x, highBytes(lower + third + fourth));
+            const auto rounding = simd::broadcast<n>(half);
+            simd::store(to.upper + x, second + rounding + third + sixTimes(fourth));
+            simd::store(to.last + x, fourth + rounding);
         });
+    }
+
+    /// The last destination row.
+    [[gnu::flatten]] void end(const Lum8u* fourth, const Lum8u* fifth, Sums from, Lum8u* dst) const
+    {
+        eachColumn([=](int64_t x, auto n, auto sums) {
+            simd::store(dst + x, highBytes(simd::load<n>(from.upper + x) + fourTimes(sums(fourth)) + sums(fifth)));
+        });
+    }
+
+    template <class V>
+    [[gnu::always_inline]] static V fourTimes(V v)
+    {
+        const V twice = v + v;
+        return twice + twice;
+    }
+
+    template <class V>
+    [[gnu::always_inline]] static V sixTimes(V v)
+    {
+        const V twice = v + v;
+        return twice + twice + twice;
     }
 
     template <int N>

@@ -65,7 +65,12 @@ class LayerUp
             inside[end + i] = inside[end - channels + i % channels];
         }
         int64_t d = 0;
-        if constexpr (channels == 3)
+        if constexpr (channels == 1) {
+            if (record_.mostWeights == 4)
+                for (; d + 4 <= dstRoi_.width; d += 4)
+                    simd::store(to + d, simd::sumsOfLanes(fourProducts(inside, d), fourProducts(inside, d + 1),
+                                                          fourProducts(inside, d + 2), fourProducts(inside, d + 3)));
+        } else
             // four elements at a time, of which the next pixel overwrites the last one
             for (; d + 1 < dstRoi_.width; ++d)
                 stretchPixel<4>(inside, d, to + d * channels);
@@ -74,13 +79,27 @@ class LayerUp
                 stretchPixel<1>(inside + c, d, to + d * channels + c);
     }
 
+    /// The products of a destination pixel that has four weights at most.
+    [[gnu::always_inline]] simd::Vec<Lum32f, 4> fourProducts(const Lum32f* inside, int64_t d) const
+    {
+        const int64_t count = record_.counts[d];
+        const auto products =
+            simd::load<4>(inside + firstOf(d)) * simd::load<4>(record_.weights + d * record_.mostWeights);
+        return simd::firstLanes(products, count);
+    }
+
+    /// The first source pixel. Single precision makes the widest images reach beyond the margin, where all pixels are
+    /// the same.
+    int64_t firstOf(int64_t d) const
+    {
+        return std::min(int64_t{record_.firsts[d]}, srcRoi_.width + record_.mostWeights - record_.counts[d]);
+    }
+
     template <int lanes>
     [[gnu::always_inline]] void stretchPixel(const Lum32f* inside, int64_t d, Lum32f* to) const
     {
         const int64_t count = record_.counts[d];
-        // single precision makes the widest images reach beyond the margin, where all pixels are the same
-        const int64_t first = std::min(int64_t{record_.firsts[d]}, srcRoi_.width + record_.mostWeights - count);
-        const Lum32f* const pixels = inside + first * channels;
+        const Lum32f* const pixels = inside + firstOf(d) * channels;
         const Lum32f* const weights = record_.weights + d * record_.mostWeights;
         auto sum = simd::broadcast<lanes>(weights[0]) * simd::load<lanes>(pixels);
         for (int64_t i = 1; i < count; ++i)

@@ -72,6 +72,8 @@ void layWeights(const Tap* taps, Lum32s kernelSize, Lum32f rate, int64_t d, Lum3
     } else
         for (Lum32s i = 0; i < *count; ++i)
             weights[i] /= sum;
+    for (int64_t i = *count; i < 2 * reach + 2; ++i)
+        weights[i] = 0;  // read, of no effect
 }
 
 template <class T, int channels, class Size>

@@ -33,10 +33,10 @@ int64_t sideBelow(int64_t side, Lum32f rate)
     return below;
 }
 
-int64_t levelsBelow(LumiSizeL size, Lum32f rate)
+int64_t levelsBelow(LumiSizeL size, Lum32f rate, int64_t most)
 {
     int64_t levels = 0;
-    for (; size.width > 1 || size.height > 1; ++levels)
+    for (; levels < most && (size.width > 1 || size.height > 1); ++levels)
         size = sizeBelow(size, rate);
     return levels;
 }

@@ -34,7 +34,7 @@ inline LumiSizeL sizeBelow(LumiSizeL size, Lum32f rate)
     return {sideBelow(size.width, rate), sideBelow(size.height, rate)};
 }
 
-/// The number of steps down to one pixel.
-int64_t levelsBelow(LumiSizeL size, Lum32f rate);
+/// The number of steps down to one pixel, or `most` if there are more.
+int64_t levelsBelow(LumiSizeL size, Lum32f rate, int64_t most = INT64_MAX);
 
 }  // namespace lumcv

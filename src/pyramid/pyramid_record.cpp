@@ -12,11 +12,6 @@
 namespace lumcv {
 namespace {
 
-int64_t lastLevel(LumiSizeL roiSize, Lum32f rate, Lum32s level)
-{
-    return std::min<int64_t>(levelsBelow(roiSize, rate), level);
-}
-
 template <class Size>
 Checks& geometryChecks(Checks& checks, Size roiSize, Lum32f rate, Lum32s level)
 {
@@ -32,7 +27,7 @@ LumStatus pyramidSizes(Count* pPyrSize, Count* pBufSize, Lum32s level, Size roiS
     if (geometryChecks(checks, roiSize, rate, level).failed())
         return checks.status();
     const LumiSizeL size{roiSize.width, roiSize.height};
-    return storeSizes(Bytes{52} * lastLevel(size, rate, level) + 152, pPyrSize,
+    return storeSizes(Bytes{52} * levelsBelow(size, rate, level) + 152, pPyrSize,
                       Bytes{8} * std::max(size.width, size.height), pBufSize);
 }
 
@@ -55,7 +50,7 @@ LumStatus layPyramid(LumiPyramidRecord** ppPyr, Lum32s level, Size roiSize, Lum3
     LumiSizeL size{roiSize.width, roiSize.height};
 
     LumiPyramidRecord record{};
-    record.level = static_cast<Lum32s>(lastLevel(size, rate, level));
+    record.level = static_cast<Lum32s>(levelsBelow(size, rate, level));
     const int64_t count = int64_t{record.level} + 1;
     Lum8u* place = pPyrMem + sizeof record;
     record.pLayerSizes = carved<LumiSize>(place, count);

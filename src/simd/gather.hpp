@@ -44,6 +44,24 @@ template <int N, class T>
     }
 }
 
+/// The sum of each vector's lanes, added from the first to the last.
+[[gnu::always_inline]] inline Vec<Lum32f, 4> sumsOfLanes(Vec<Lum32f, 4> a, Vec<Lum32f, 4> b, Vec<Lum32f, 4> c,
+                                                         Vec<Lum32f, 4> d)
+{
+    const __m128 lowAB = _mm_unpacklo_ps(a.raw, b.raw), highAB = _mm_unpackhi_ps(a.raw, b.raw);
+    const __m128 lowCD = _mm_unpacklo_ps(c.raw, d.raw), highCD = _mm_unpackhi_ps(c.raw, d.raw);
+    const __m128 firstTwo = _mm_add_ps(_mm_movelh_ps(lowAB, lowCD), _mm_movehl_ps(lowCD, lowAB));
+    return {_mm_add_ps(_mm_add_ps(firstTwo, _mm_movelh_ps(highAB, highCD)), _mm_movehl_ps(highCD, highAB))};
+}
+
+/// The first `count` lanes, at most four; the others become -0, which adds nothing to anything.
+[[gnu::always_inline]] inline Vec<Lum32f, 4> firstLanes(Vec<Lum32f, 4> v, int64_t count)
+{
+    static constexpr Lum32s kept[8] = {-1, -1, -1, -1, 0, 0, 0, 0};
+    const __m128 mask = _mm_loadu_ps(reinterpret_cast<const float*>(kept + 4 - count));
+    return {_mm_blendv_ps(_mm_set1_ps(-0.0f), v.raw, mask)};
+}
+
 /// Four lanes, saturated to words.
 [[gnu::always_inline]] inline void storeWords(Lum16s* p, Vec<Lum32s, 4> v)
 {
