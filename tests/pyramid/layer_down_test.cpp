@@ -117,6 +117,16 @@ TEST_P(LayerDown, EveryRate)
     }
 }
 
+TEST_P(LayerDown, RatesThatAreNearEnoughToTwo)
+{
+    int number = 15;
+    for (const Lum32f rate : ratesAroundNearTwo()) {
+        for (const int kernel : {0, 2}) {
+            expectDown({.size = {41, 14}, .rate = rate, .kernel = kKernels[kernel], .number = number++});
+        }
+    }
+}
+
 // Kernels that fit once, barely and not at all.
 TEST_P(LayerDown, EveryKernelSize)
 {

@@ -96,6 +96,16 @@ inline std::ostream& operator<<(std::ostream& stream, const LayerSetting& settin
     return stream;
 }
 
+/// The rates next to both bounds of what counts as 2.
+inline std::vector<Lum32f> ratesAroundNearTwo()
+{
+    std::vector<Lum32f> rates;
+    for (const Lum32f bound : {1.99998f, 2.00002f}) {
+        rates.insert(rates.end(), {std::nextafter(bound, 1.0f), bound, std::nextafter(bound, 3.0f)});
+    }
+    return rates;
+}
+
 /// Kernels whose normalised taps exceed 16 bits, or whose sums exceed 32 bits.
 inline const std::vector<Lum32f> kLargeKernels[] = {{-3, 7, -3},
                                                     {-16383, 32767, -16383},

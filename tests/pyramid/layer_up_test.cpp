@@ -130,6 +130,16 @@ TEST_P(LayerUp, EveryRate)
     }
 }
 
+TEST_P(LayerUp, RatesThatAreNearEnoughToTwo)
+{
+    int number = 15;
+    for (const Lum32f rate : ratesAroundNearTwo()) {
+        for (const int kernel : {0, 1}) {
+            expectUp({.size = {21, 7}, .rate = rate, .kernel = kKernels[kernel], .number = number++});
+        }
+    }
+}
+
 // From kernels that meet no source pixel at most places to those that reach beyond the image.
 TEST_P(LayerUp, EveryKernelSize)
 {
