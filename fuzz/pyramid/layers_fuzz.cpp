@@ -61,6 +61,11 @@ Call beginLayer(const std::string& name, LumiSize smaller, LumiSize more, int ch
     (isDown ? small : large).role = Role::Written;
     call.images = isDown ? std::vector{large, small} : std::vector{small, large};
     call.blocks = {{Role::Scratch, std::size_t(bytes)}};
+    // strides come before sizes: a negative width makes a negative stride a good one
+    call.ignoresSize = true;
+    for (const Lum64s wrong : {Lum64s{0}, Lum64s{-1}, Lum64s{INT32_MIN}})
+        call.violations.push_back(
+            {"height " + std::to_string(wrong), {lumErrSize}, [wrong](Arguments& a) { a.height = wrong; }});
     return call;
 }
 
