@@ -1,6 +1,7 @@
 // Windows around points: which pixels their samples lie between, and which of the samples an image has.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -74,10 +75,8 @@ struct FlowWindow
 /// The samples that both windows have.
 inline FlowArea commonArea(const FlowWindow& a, const FlowWindow& b)
 {
-    const auto greater = [](int64_t i, int64_t j) { return i > j ? i : j; };
-    const auto smaller = [](int64_t i, int64_t j) { return i < j ? i : j; };
-    const int64_t left = greater(a.x.begin, b.x.begin), top = greater(a.y.begin, b.y.begin);
-    return {left, top, smaller(a.x.end, b.x.end) - left, smaller(a.y.end, b.y.end) - top};
+    const int64_t left = std::max(a.x.begin, b.x.begin), top = std::max(a.y.begin, b.y.begin);
+    return {left, top, std::min(a.x.end, b.x.end) - left, std::min(a.y.end, b.y.end) - top};
 }
 
 /// The pixels that the samples of an area lie between. Whole groups of samples can be read in each row.

@@ -10,6 +10,7 @@
 #include "simd/halves.hpp"
 #include "simd/lanes.hpp"
 #include "simd/masks.hpp"
+#include "simd/pairs.hpp"
 #include "simd/pixels.hpp"
 #include "simd/planes.hpp"
 #include "simd/prefix.hpp"

@@ -133,6 +133,13 @@ template <int N>
     return eachSum([](auto x, auto y) { return x + y; }, a, b);
 }
 
+/// The sums modulo 2^32, each plus a value.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> operator+(WordSums<N> a, Lum32s value)
+{
+    return eachSum([value]<int M>(Vec<Lum32s, M> x) { return x + broadcast<M>(value); }, a);
+}
+
 /// The product modulo 2^32.
 template <int N>
 [[gnu::always_inline]] inline WordSums<N> operator*(WordSums<N> a, Lum32s scale)
@@ -159,6 +166,36 @@ template <int N>
         return {(typename V::Raw)_mm_packs_epi32(bits(a.low.raw), bits(a.high.raw))};
     else
         return {(typename V::Raw)grouped<Lum16s>(bits(a.low.raw), bits(a.high.raw))};
+}
+
+/// The sums in the order of their words.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32s, N> inOrder(WordSums<N> a)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {inOrder(a.lo), inOrder(a.hi)};
+    else if constexpr (N == 1)
+        return a.sum;
+    else if constexpr (sizeof a.low == 16)
+        return {a.low, a.high};
+    else {
+        using Half = Vec<Lum32s, N / 2>;
+        [[maybe_unused]] const auto half = [](auto raw) { return Half{(typename Half::Raw)raw}; };
+        [[maybe_unused]] const auto low = bits(a.low.raw);
+        [[maybe_unused]] const auto high = bits(a.high.raw);
+#if defined(__AVX2__)
+        if constexpr (sizeof a.low == 32)
+            return {half(_mm256_permute2x128_si256(low, high, 0x20)), half(_mm256_permute2x128_si256(low, high, 0x31))};
+#endif
+#if defined(__AVX512BW__)
+        if constexpr (sizeof a.low == 64) {
+            const auto first = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);
+            const auto second = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);
+            return {half(_mm512_permutex2var_epi64(low, first, high)),
+                    half(_mm512_permutex2var_epi64(low, second, high))};
+        }
+#endif
+    }
 }
 
 /// a * a + b * b for each of N pairs of words, in their order and modulo 2^32.
