@@ -498,8 +498,8 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  * **Fallback.** If `Wt` is below 0.0001, S and Wt are the sum and the number of the known pixels among the four edge
  * neighbours, and Gx and Gy are 0. If none of them is known, the new value is 0.
  *
- * **Checks** come in the order of the statuses listed with each function; the first that fails decides the status, and
- * nothing has been written.
+ * **Checks** come in the order told with each function; the first that fails decides the status, and nothing has been
+ * written.
  *
  * This repairs a picture where its mask is not zero.
  *
@@ -572,6 +572,9 @@ enum
  *
  * where `S1` and `S2` are `s1` and `s2` rounded up to a multiple of 16.
  *
+ * The checks come in this order: `pMask` is null, the stride, the size, `pSpecSize` or `pBufferSize` is null, `radius`
+ * and `method`, `channels`, the sizes.
+ *
  * @param pMask       first pixel of the mask: what is not 0 is unknown
  * @param maskStep    stride of the mask, in bytes
  * @param roiSize     size of the ROI, in pixels
@@ -581,10 +584,9 @@ enum
  * @param pSpecSize   where the size of the state goes, in bytes
  * @param pBufferSize where the size of the scratch goes, in bytes
  * @retval lumOk              the sizes have been written
- * @retval lumErrNullPointer  `pMask` is null
+ * @retval lumErrNullPointer  a pointer is null
  * @retval lumErrStep         `maskStep` is smaller than the width
  * @retval lumErrSize         the width or the height is below 1
- * @retval lumErrNullPointer  `pSpecSize` or `pBufferSize` is null
  * @retval lumErrArgument     `radius` is not 1 or more, or `method` is not among those listed
  * @retval lumErrValue        `channels` is neither 1 nor 3
  * @retval lumErrSizeTooLarge a size exceeds 2147483647, or the work rectangle has 2 to the 28 pixels or more
@@ -595,6 +597,9 @@ LUMCV_API LumStatus lumiInpaintGetSize(const Lum8u* pMask, Lum32s maskStep, Lumi
 
 /**
  * Lays the state for the repair of one-channel images.
+ *
+ * The checks come in this order: `pMask` is null, the size, `maskStep`, `pDist` or `ppState` is null, `distStep`, its
+ * alignment, `pSpec` or `pBuffer` is null, `radius` and `method`, the sizes.
  *
  * @param ppState  where the pointer to the state goes, which lies in `pSpec`
  * @param pDist    first pixel of the distances, which are above 0 where pixels are to be filled
@@ -607,13 +612,10 @@ LUMCV_API LumStatus lumiInpaintGetSize(const Lum8u* pMask, Lum32s maskStep, Lumi
  * @param pSpec    block of the queried size for the state
  * @param pBuffer  scratch of the queried size; may be null if no mask pixel is set
  * @retval lumOk               the state is ready
- * @retval lumErrNullPointer   `pMask` is null
+ * @retval lumErrNullPointer   a pointer is null; `pBuffer` only if a mask pixel is set
  * @retval lumErrSize          the width or the height is below 1
- * @retval lumErrStep          `maskStep` is smaller than the width
- * @retval lumErrNullPointer   `pDist` or `ppState` is null
- * @retval lumErrStep          `distStep` is smaller than four bytes for each pixel
+ * @retval lumErrStep          `maskStep` is smaller than the width, or `distStep` than four bytes for each pixel
  * @retval lumErrStepAlignment `distStep` is not a multiple of 4
- * @retval lumErrNullPointer   `pSpec` is null, or `pBuffer` is and a mask pixel is set
  * @retval lumErrArgument      `radius` is not 1 or more, or `method` is not among those listed
  * @retval lumErrSizeTooLarge  lumiInpaintGetSize() reports no size for this work rectangle
  */
@@ -635,6 +637,8 @@ LUMCV_API LumStatus lumiInpaintInit_8u_C3R(LumiInpaintState** ppState, const Lum
  * All pixels of the ROI are written: those that are not filled are copied. Source and destination must not overlap,
  * unless they are the same image.
  *
+ * The checks come in this order: `pSrc`, `pDst` or `pState` is null, the size, the strides, `pBuffer` is null.
+ *
  * @param pSrc    first pixel of the source
  * @param srcStep stride of the source, in bytes
  * @param pDst    first pixel of the destination
@@ -643,10 +647,9 @@ LUMCV_API LumStatus lumiInpaintInit_8u_C3R(LumiInpaintState** ppState, const Lum
  * @param pState  state of an Init for as many channels; written to
  * @param pBuffer scratch of the queried size; may be null if no mask pixel was set
  * @retval lumOk             the image has been written
- * @retval lumErrNullPointer `pSrc`, `pDst` or `pState` is null
+ * @retval lumErrNullPointer a pointer is null; `pBuffer` only if a mask pixel was set
  * @retval lumErrSize        the width or the height is below 1, or not that of Init
  * @retval lumErrStep        a stride is smaller than a row
- * @retval lumErrNullPointer `pBuffer` is null and a mask pixel was set
  */
 LUMCV_API LumStatus lumiInpaint_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDst, Lum32s dstStep, LumiSize roiSize,
                                        LumiInpaintState* pState, Lum8u* pBuffer);

@@ -49,19 +49,23 @@ class Repair
     {
         const int64_t y = index / width_, x = index % width_;
         Lum8u* const pixel = image_.row(y) + channels * x;
+        const Centre centre = centreAt(x, y);
+        const Lum8u* const isUnknown = unknown_.row(y) + x;
         Estimate estimate;
         if (x >= reach_ && x + reach_ < width_ && y >= reach_ && y + reach_ < height_)
             for (Lum32s i = 0; i < neighbourCount_; ++i) {
-                const InpaintNeighbour& neighbour = neighbours_[i];
-                if (!unknown_.row(y)[x + neighbour.maskOffset])
-                    add(estimate, x, y, neighbour.a, neighbour.b, neighbour.weight);
+                const InpaintNeighbour& q = neighbours_[i];
+                if (!isUnknown[q.maskOffset])
+                    add(estimate, centre, q.a, q.b, q.weight, centre.distance[q.distanceOffset],
+                        centre.gradient + q.gradientOffset);
             }
         else
             for (int64_t qy = y > reach_ ? y - reach_ : 0; qy <= y + reach_ && qy < height_; ++qy)
                 for (int64_t qx = x > reach_ ? x - reach_ : 0; qx <= x + reach_ && qx < width_; ++qx) {
                     const auto a = static_cast<Lum32s>(x - qx), b = static_cast<Lum32s>(y - qy);
                     if ((a != 0 || b != 0) && a * a + b * b <= reach_ * reach_ && !unknown_.row(qy)[qx])
-                        add(estimate, x, y, a, b, inpaintWeight(method, a, b));
+                        add(estimate, centre, a, b, inpaintWeight(method, a, b), distance_.row(qy)[qx],
+                            gradientAt(qx, qy));
                 }
         for (int c = 0; c < channels; ++c)
             pixel[c] = result(estimate, c, x, y);
@@ -83,17 +87,33 @@ class Repair
         }
     };
 
-    void add(Estimate& estimate, int64_t x, int64_t y, Lum32s a, Lum32s b, Lum32f byDistance) const
+    /// The pixel that is being filled.
+    struct Centre
     {
-        const int64_t qx = x - a, qy = y - b;
-        const Lum8u* const pixel = image_.row(qy) + channels * qx;
-        const Lum16s* const gradient = gradient_.row(qy) + 2 * channels * qx;
+        const Lum8u* pixel;
+        const Lum32f* distance;
+        const Lum16s* gradient;
+        Lum32s normalX, normalY;
+    };
+
+    Centre centreAt(int64_t x, int64_t y) const
+    {
+        const Lum16s* const normal = normal_.row(y) + 2 * x;
+        const bool hasNormal = method == lumInpaintByFront;
+        return {image_.row(y) + channels * x, distance_.row(y) + x, gradientAt(x, y), hasNormal ? normal[0] : 0,
+                hasNormal ? normal[1] : 0};
+    }
+
+    /// Adds what the pixel at (-a, -b) from the centre tells.
+    [[gnu::always_inline]] void add(Estimate& estimate, const Centre& centre, Lum32s a, Lum32s b, Lum32f byDistance,
+                                    Lum32f distance, const Lum16s* gradient) const
+    {
+        const Lum8u* const pixel = rowAt(centre.pixel, image_.step, -b) - channels * a;
         if constexpr (method == lumInpaintByFront) {
-            const Lum16s* const normal = normal_.row(y) + 2 * x;
-            auto t = static_cast<Lum32f>(b * normal[1] + a * normal[0]);
+            auto t = static_cast<Lum32f>(b * centre.normalY + a * centre.normalX);
             if (__builtin_fabsf(t) < 2.5e-25f)
                 t = 2.5e-25f;
-            const Lum32f level = __builtin_fabsf(distance_.row(qy)[qx] - distance_.row(y)[x]);
+            const Lum32f level = __builtin_fabsf(distance - *centre.distance);
             const Lum32f weight = __builtin_fabsf((1.0f / 4096) / (level + 1) * byDistance * t);
             for (int c = 0; c < channels; ++c) {
                 estimate.sum[c] += weight * pixel[c];
@@ -125,7 +145,7 @@ class Repair
             // of all channels the numerator is that of the first one
             const Lum64f numerator = estimate.slopeX[0] + estimate.slopeY[0];
             const Lum64f value = mean + numerator / (1e-20 + __builtin_sqrtf(gx * gx + gy * gy));
-            return static_cast<Lum8u>(value < 0 ? 0 : value > 255 ? 255 : value);
+            return static_cast<Lum8u>(value > 0 ? value < 255 ? value : 255 : 0);
         } else
             return static_cast<Lum8u>(mean);
     }

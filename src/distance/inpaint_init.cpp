@@ -86,8 +86,9 @@ LumStatus calculate(const InpaintGeometry& geometry, LumiInpaintMethod method, L
     const Bytes records =
         (roundedUp(Bytes{sizes.wideSpec}, 16) + roundedUp(Bytes{sizes.crossSpec}, 16) + 207) / 64 * 64;
     sizes.buffer = Bytes{wideBuffer} + crossBuffer + n * n;
-    sizes.spec = padded(8 * Bytes{geometry.count}) + padded(28 * n * n) + distance + 2 * h * padded(w) +
-                 (method == lumInpaintByFront ? distance : 0) + records + padded(4 * channels * w) * h + 64;
+    sizes.spec = padded(8 * Bytes{geometry.count}) + padded(inpaintNeighbourBytes * n * n) + distance +
+                 2 * h * padded(w) + (method == lumInpaintByFront ? distance : 0) + records +
+                 padded(4 * channels * w) * h + 64;
     return fits<Lum32s>(sizes.spec) && fits<Lum32s>(sizes.buffer) ? lumOk : lumErrSizeTooLarge;
 }
 
@@ -119,9 +120,12 @@ LumStatus getSize(Plane<const Lum8u> mask, LumiSize roiSize, Lum32f radius, Lumi
     return storeSizes(sizes.spec, pSpecSize, sizes.buffer, pBufferSize);
 }
 
-/// Lays the table of neighbours; words of offsets into the destination are left to each call.
+/// Lays the table of neighbours. It serves pixels around which the whole square lies in the work rectangle; where none
+/// does, it stays empty, and offsets within the rectangle's images fit their words.
 void layNeighbours(LumiInpaintState& state, Lum32f radius)
 {
+    if (2 * state.reach >= state.subWidth || 2 * state.reach >= state.subHeight)
+        return;
     Lum32s count = 0;
     for (Lum32s dy = -state.reach; dy <= state.reach; ++dy)
         for (Lum32s dx = -state.reach; dx <= state.reach; ++dx) {
@@ -132,8 +136,7 @@ void layNeighbours(LumiInpaintState& state, Lum32f radius)
                                           inpaintWeight(state.method, dx, dy),
                                           dy * state.maskStride + dx,
                                           dy * (state.distanceStride / 4) + dx,
-                                          dy * (state.gradientStride / 2) + dx * 2 * state.channels,
-                                          0};
+                                          dy * (state.gradientStride / 2) + dx * 2 * state.channels};
         }
     state.neighbourCount = count;
 }
@@ -179,7 +182,7 @@ LumStatus layState(LumiInpaintState& state, Lum8u* storage, const InpaintGeometr
     state.pSpecWide = reinterpret_cast<LumiMorphMaskRecord*>(take(roundedUp(sizes.wideSpec, 16)));
     state.pSpecCross = reinterpret_cast<LumiMorphMaskRecord*>(take(roundedUp(sizes.crossSpec, 16)));
     next = alignedUp(next, inpaintAlignment);
-    state.pNeighbours = reinterpret_cast<InpaintNeighbour*>(take(padded(28 * n * n)));
+    state.pNeighbours = reinterpret_cast<InpaintNeighbour*>(take(padded(inpaintNeighbourBytes * n * n)));
     state.pOrder = reinterpret_cast<InpaintEntry*>(take(padded(8 * Bytes{state.count})));
     state.pMaskImage = take(state.maskStride * h);
     state.pWorkImage = take(state.maskStride * h);

@@ -16,12 +16,14 @@ struct InpaintNeighbour
 {
     Lum32s a, b;
     Lum32f weight;      ///< by distance alone
-    Lum32s maskOffset;  ///< from p to q, in elements of the images
+    Lum32s maskOffset;  ///< from p to q, in elements of the state's images
     Lum32s distanceOffset;
     Lum32s gradientOffset;
-    Lum32s imageOffset;  ///< filled by each call
 };
-static_assert(sizeof(InpaintNeighbour) == 28);
+
+/// What the size query counts for a neighbour.
+inline constexpr int inpaintNeighbourBytes = 28;
+static_assert(sizeof(InpaintNeighbour) <= inpaintNeighbourBytes);
 
 /// A pixel's distance and its place in the work rectangle: the distance as a double, whose low bits hold the index.
 /// Distances are positive, so that these words are in the order of the numbers.
