@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simd/convert.hpp"
+#include "simd/halves.hpp"
 
 namespace lumcv::simd {
 
@@ -177,7 +178,7 @@ template <int N>
     else if constexpr (N == 1)
         return a.sum;
     else if constexpr (sizeof a.low == 16)
-        return {a.low, a.high};
+        return joined(a.low, a.high);
     else {
         using Half = Vec<Lum32s, N / 2>;
         [[maybe_unused]] const auto half = [](auto raw) { return Half{(typename Half::Raw)raw}; };
@@ -185,14 +186,15 @@ template <int N>
         [[maybe_unused]] const auto high = bits(a.high.raw);
 #if defined(__AVX2__)
         if constexpr (sizeof a.low == 32)
-            return {half(_mm256_permute2x128_si256(low, high, 0x20)), half(_mm256_permute2x128_si256(low, high, 0x31))};
+            return joined(half(_mm256_permute2x128_si256(low, high, 0x20)),
+                          half(_mm256_permute2x128_si256(low, high, 0x31)));
 #endif
 #if defined(__AVX512BW__)
         if constexpr (sizeof a.low == 64) {
             const auto first = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);
             const auto second = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);
-            return {half(_mm512_permutex2var_epi64(low, first, high)),
-                    half(_mm512_permutex2var_epi64(low, second, high))};
+            return joined(half(_mm512_permutex2var_epi64(low, first, high)),
+                          half(_mm512_permutex2var_epi64(low, second, high)));
         }
 #endif
     }
