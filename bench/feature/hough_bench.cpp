@@ -22,17 +22,32 @@ View<const Lum8u> drawEdges(Job& job)
     return edges;
 }
 
+// What both forms of the standard transform take.
+struct Operands
+{
+    LumiSize size;
+    View<const Lum8u> edges;
+    Lum8u* buffer;
+    LumiPointPolar* list;
+    Lum32s* count;
+
+    explicit Operands(Job& job) : size(job.size()), edges(drawEdges(job))
+    {
+        Lum32s bufferSize = 0;
+        lumiHoughLineGetSize_8u_C1R(size, delta, room, &bufferSize);
+        buffer = job.block<Lum8u>(std::size_t(bufferSize));
+        list = job.block<LumiPointPolar>(room);
+        count = job.block<Lum32s>(1);
+    }
+};
+
 auto lines()
 {
     return [](Job& job) -> Call {
-        const LumiSize size = job.size();
-        const auto s = drawEdges(job);
-        Lum32s bufferSize = 0;
-        lumiHoughLineGetSize_8u_C1R(size, delta, room, &bufferSize);
-        auto* const buffer = job.block<Lum8u>(std::size_t(bufferSize));
-        auto* const list = job.block<LumiPointPolar>(room);
-        auto* const count = job.block<Lum32s>(1);
-        return [=] { return lumiHoughLine_8u32f_C1R(s.pixels, s.step, size, delta, 50, list, room, count, buffer); };
+        return [o = Operands(job)] {
+            return lumiHoughLine_8u32f_C1R(o.edges.pixels, o.edges.step, o.size, delta, 50, o.list, room, o.count,
+                                           o.buffer);
+        };
     };
 }
 
@@ -40,16 +55,10 @@ auto lines()
 auto linesOfRegion()
 {
     return [](Job& job) -> Call {
-        const LumiSize size = job.size();
-        const auto s = drawEdges(job);
-        Lum32s bufferSize = 0;
-        lumiHoughLineGetSize_8u_C1R(size, delta, room, &bufferSize);
-        auto* const buffer = job.block<Lum8u>(std::size_t(bufferSize));
-        auto* const list = job.block<LumiPointPolar>(room);
-        auto* const count = job.block<Lum32s>(1);
-        return [=] {
+        return [o = Operands(job)] {
             LumiPointPolar region[2] = {{0, 0.4f}, {500, 1.2f}};
-            return lumiHoughLine_Region_8u32f_C1R(s.pixels, s.step, size, list, region, room, count, delta, 50, buffer);
+            return lumiHoughLine_Region_8u32f_C1R(o.edges.pixels, o.edges.step, o.size, o.list, region, room, o.count,
+                                                  delta, 50, o.buffer);
         };
     };
 }

@@ -6,27 +6,14 @@
 namespace lumcv {
 
 template <class T>
-class FloatPatches
+class FloatPatches : public FlowPatchPlanes<Lum32f>
 {
   public:
     using Pixel = T;
     using Slope = Lum32f;
     static constexpr Lum64f errorScale = 1;
 
-    /// Bytes of the patches.
-    static constexpr int64_t bytes(Lum32s winSize)
-    {
-        return 4 * patchElements(winSize) * static_cast<int64_t>(sizeof(Lum32f));
-    }
-
-    FloatPatches(Lum8u* block, Lum32s winSize)
-        : pitch_(flowPitch(winSize)),
-          first_(reinterpret_cast<Lum32f*>(block)),
-          slopeX_(first_ + patchElements(winSize)),
-          slopeY_(slopeX_ + patchElements(winSize)),
-          difference_(slopeY_ + patchElements(winSize))
-    {
-    }
+    using FlowPatchPlanes<Lum32f>::FlowPatchPlanes;
 
     /// Takes the patches of the first image. The slopes are 0 behind the area, up to the end of the last group.
     [[gnu::flatten, gnu::noinline]] FlowMatrix take(FlowWeights weights, FlowArea area, FlowPixels<T> image,
@@ -76,11 +63,6 @@ class FloatPatches
     static constexpr int lanes = flowLanes;
     using Samples = simd::Vec<Lum32f, lanes>;
     using Sum = simd::Vec<Lum64f, 4>;  ///< four, whatever the level
-
-    static constexpr int64_t patchElements(Lum32s winSize)
-    {
-        return (int64_t{winSize} + 2) * flowPitch(winSize);
-    }
 
     /// A group of samples.
     template <class P>
@@ -132,12 +114,6 @@ class FloatPatches
                 body(x, y, firstSamples(area.width - x));
         }
     }
-
-    int64_t pitch_;
-    Lum32f* first_;
-    Lum32f* slopeX_;
-    Lum32f* slopeY_;
-    Lum32f* difference_;
 };
 
 }  // namespace lumcv

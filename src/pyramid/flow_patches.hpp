@@ -31,6 +31,39 @@ struct FlowWeights
     }
 };
 
+/// The planes of a point's patches: the first image, its slopes, and its difference from the second image.
+template <class T>
+class FlowPatchPlanes
+{
+  public:
+    static constexpr int64_t bytes(Lum32s winSize)
+    {
+        return 4 * elements(winSize) * static_cast<int64_t>(sizeof(T));
+    }
+
+    FlowPatchPlanes(Lum8u* block, Lum32s winSize)
+        : pitch_(flowPitch(winSize)),
+          first_(reinterpret_cast<T*>(block)),
+          slopeX_(first_ + elements(winSize)),
+          slopeY_(slopeX_ + elements(winSize)),
+          difference_(slopeY_ + elements(winSize))
+    {
+    }
+
+  protected:
+    int64_t pitch_;
+    T* first_;
+    T* slopeX_;
+    T* slopeY_;
+    T* difference_;
+
+  private:
+    static constexpr int64_t elements(Lum32s winSize)
+    {
+        return (int64_t{winSize} + 2) * flowPitch(winSize);
+    }
+};
+
 /// Mask bytes for a group of which the first `count` samples belong to the area.
 inline const Lum8u* firstSamples(int64_t count)
 {

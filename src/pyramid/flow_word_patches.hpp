@@ -5,27 +5,14 @@
 
 namespace lumcv {
 
-class WordPatches
+class WordPatches : public FlowPatchPlanes<Lum16s>
 {
   public:
     using Pixel = Lum8u;
     using Slope = Lum16s;
     static constexpr Lum64f errorScale = 0.0078125;
 
-    /// Bytes of the patches.
-    static constexpr int64_t bytes(Lum32s winSize)
-    {
-        return 4 * patchElements(winSize) * static_cast<int64_t>(sizeof(Lum16s));
-    }
-
-    WordPatches(Lum8u* block, Lum32s winSize)
-        : pitch_(flowPitch(winSize)),
-          first_(reinterpret_cast<Lum16s*>(block)),
-          slopeX_(first_ + patchElements(winSize)),
-          slopeY_(slopeX_ + patchElements(winSize)),
-          difference_(slopeY_ + patchElements(winSize))
-    {
-    }
+    using FlowPatchPlanes<Lum16s>::FlowPatchPlanes;
 
     /// Takes the patches of the first image. The slopes are 0 behind the area, up to the end of the last group.
     [[gnu::flatten, gnu::noinline]] FlowMatrix take(FlowWeights weights, FlowArea area, FlowPixels<Lum8u> image,
@@ -168,11 +155,6 @@ class WordPatches
         simd::WordPairs<N> above_;
     };
 
-    static constexpr int64_t patchElements(Lum32s winSize)
-    {
-        return (int64_t{winSize} + 2) * flowPitch(winSize);
-    }
-
     /// Differences lie within 32643 and slopes within 16321, so two products fit 32 bits.
     template <int N>
     [[gnu::always_inline]] static Sum<N> products(Words<N> a, Words<N> b)
@@ -218,12 +200,6 @@ class WordPatches
                 body(x, begin, end, simd::Lanes<few>{}, firstSamples(area.width - x));
         }
     }
-
-    int64_t pitch_;
-    Lum16s* first_;
-    Lum16s* slopeX_;
-    Lum16s* slopeY_;
-    Lum16s* difference_;
 };
 
 }  // namespace lumcv

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "frame/image.hpp"
+#include "pyramid/layer_checks.hpp"
 #include "pyramid/layer_down_binomial.hpp"
 #include "pyramid/layer_down_record.hpp"
 #include "pyramid/layer_down_rows.hpp"
@@ -237,54 +238,19 @@ class LayerDown
     int64_t nextRow_ = 0;
 };
 
-/// Whether the record is one of an Init for this kind of image, and large enough for the ROI.
-template <class T, int channels>
-bool isRecordOf(const LumiPyramidLayerDownRecord& record)
-{
-    return isRate(record.rate) && record.isReady == 1 && record.dataType == layerDataType<T> &&
-           record.channels == channels;
-}
-
-template <class T, int channels>
-LumStatus layerDown(Checks& checks, Plane<const T> src, LumiSizeL srcRoi, Plane<T> dst, LumiSizeL dstRoi,
+template <int channels, class T, class Size>
+LumStatus layerDown(Plane<const T> src, Size srcRoi, Plane<T> dst, Size dstRoi,
                     const LumiPyramidLayerDownRecord* pState)
 {
-    checks.alignment(src).alignment(dst);
-    if (!checks.failed())
-        checks.require(isRecordOf<T, channels>(*pState), lumErrArgument)
-            .size(srcRoi)
-            .require(srcRoi.width <= pState->width && srcRoi.height <= pState->height, lumErrSize);
+    const Checks checks = layerApplyChecks<channels>(src, srcRoi, dst, dstRoi, pState);
     if (checks.failed())
         return checks.status();
-    const LumiSizeL expected = sizeBelow(srcRoi, pState->rate);
-    if (dstRoi.width != expected.width || dstRoi.height != expected.height)
+    const LumiSizeL from{srcRoi.width, srcRoi.height}, to = sizeBelow(from, pState->rate);
+    if (dstRoi.width != to.width || dstRoi.height != to.height)
         return lumErrSize;
     withTapCount(pState->kernelSize,
-                 [&](auto count) { LayerDown<T, channels, count>(*pState, src, srcRoi, dst, dstRoi).run(); });
+                 [&](auto count) { LayerDown<T, channels, count>(*pState, src, from, dst, to).run(); });
     return lumOk;
-}
-
-template <int channels, class T>
-LumStatus layerDown(Plane<const T> src, LumiSize srcRoi, Plane<T> dst, LumiSize dstRoi,
-                    const LumiPyramidLayerDownRecord* pState)
-{
-    auto checks = Checks{}
-                      .notNull(src.pixels, dst.pixels, pState)
-                      .step(src, rowElements(srcRoi.width, channels))
-                      .step(dst, rowElements(dstRoi.width, channels));
-    return layerDown<T, channels>(checks, src, widened(srcRoi), dst, widened(dstRoi), pState);
-}
-
-template <int channels, class T>
-LumStatus layerDown(Plane<const T> src, LumiSizeL srcRoi, Plane<T> dst, LumiSizeL dstRoi,
-                    const LumiPyramidLayerDownRecord* pState)
-{
-    auto checks = Checks{}
-                      .notNull(src.pixels, dst.pixels, pState)
-                      .within31Bits(srcRoi.width, srcRoi.height, dstRoi.width, dstRoi.height, src.step, dst.step)
-                      .rowFits(src, srcRoi.width, channels)
-                      .rowFits(dst, dstRoi.width, channels);
-    return layerDown<T, channels>(checks, src, srcRoi, dst, dstRoi, pState);
 }
 
 }  // namespace

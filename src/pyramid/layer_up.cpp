@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "frame/image.hpp"
+#include "pyramid/layer_checks.hpp"
 #include "pyramid/layer_kernel.hpp"
 #include "pyramid/layer_room.hpp"
 #include "pyramid/layer_up_binomial.hpp"
@@ -158,63 +159,28 @@ class LayerUp
     int64_t nextRow_ = 0;
 };
 
-/// Whether the record is one of an Init for this kind of image.
-template <class T, int channels>
-bool isRecordOf(const LumiPyramidLayerUpRecord& record)
-{
-    return isRate(record.rate) && record.isReady == 1 && record.dataType == layerDataType<T> &&
-           record.channels == channels;
-}
-
 bool isWithin(int64_t side, SideRange range)
 {
     return range.min <= side && side <= range.max;
 }
 
-template <class T, int channels>
-LumStatus layerUp(Checks& checks, Plane<const T> src, LumiSizeL srcRoi, Plane<T> dst, LumiSizeL dstRoi,
-                  const LumiPyramidLayerUpRecord* pState)
+template <int channels, class T, class Size>
+LumStatus layerUp(Plane<const T> src, Size srcRoi, Plane<T> dst, Size dstRoi, const LumiPyramidLayerUpRecord* pState)
 {
-    checks.alignment(src).alignment(dst);
-    if (!checks.failed())
-        checks.require(isRecordOf<T, channels>(*pState), lumErrArgument)
-            .size(srcRoi)
-            .require(srcRoi.width <= pState->width && srcRoi.height <= pState->height, lumErrSize);
+    const Checks checks = layerApplyChecks<channels>(src, srcRoi, dst, dstRoi, pState);
     if (checks.failed())
         return checks.status();
-    if (!isWithin(dstRoi.width, sidesAbove(srcRoi.width, pState->rate)) ||
-        !isWithin(dstRoi.height, sidesAbove(srcRoi.height, pState->rate)))
+    const LumiSizeL from{srcRoi.width, srcRoi.height}, to{dstRoi.width, dstRoi.height};
+    if (!isWithin(to.width, sidesAbove(from.width, pState->rate)) ||
+        !isWithin(to.height, sidesAbove(from.height, pState->rate)))
         return lumErrSize;
     if constexpr (std::is_integral_v<T>)
         if (pState->isBinomial) {
-            binomialUp<channels>(src, srcRoi, dst, dstRoi, Room(pState->room));
+            binomialUp<channels>(src, from, dst, to, Room(pState->room));
             return lumOk;
         }
-    LayerUp<T, channels>(*pState, src, srcRoi, dst, dstRoi).run();
+    LayerUp<T, channels>(*pState, src, from, dst, to).run();
     return lumOk;
-}
-
-template <int channels, class T>
-LumStatus layerUp(Plane<const T> src, LumiSize srcRoi, Plane<T> dst, LumiSize dstRoi,
-                  const LumiPyramidLayerUpRecord* pState)
-{
-    auto checks = Checks{}
-                      .notNull(src.pixels, dst.pixels, pState)
-                      .step(src, rowElements(srcRoi.width, channels))
-                      .step(dst, rowElements(dstRoi.width, channels));
-    return layerUp<T, channels>(checks, src, widened(srcRoi), dst, widened(dstRoi), pState);
-}
-
-template <int channels, class T>
-LumStatus layerUp(Plane<const T> src, LumiSizeL srcRoi, Plane<T> dst, LumiSizeL dstRoi,
-                  const LumiPyramidLayerUpRecord* pState)
-{
-    auto checks = Checks{}
-                      .notNull(src.pixels, dst.pixels, pState)
-                      .within31Bits(srcRoi.width, srcRoi.height, dstRoi.width, dstRoi.height, src.step, dst.step)
-                      .rowFits(src, srcRoi.width, channels)
-                      .rowFits(dst, dstRoi.width, channels);
-    return layerUp<T, channels>(checks, src, srcRoi, dst, dstRoi, pState);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "distance/contents.hpp"
 #include "distance/fast_marching_reference.hpp"
+#include "distance/size_query.hpp"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
@@ -301,35 +302,9 @@ TEST(FastMarchingSizeQuick, Formula)
     }
 }
 
-struct SizeArgs
-{
-    Lum32s* pBufferSize;
-    Lum32s* written;
-    LumiSize roiSize = {20, 10};
-
-    LumStatus call() const
-    {
-        return lumiFastMarchingGetBufferSize_8u32f_C1R(roiSize, pBufferSize);
-    }
-    std::vector<Output> outputs() const
-    {
-        return {Output(written, sizeof *written)};
-    }
-};
-
 TEST(FastMarchingSizeQuick, ChecksInOrder)
 {
-    using A = SizeArgs;
-    Lum32s bytes = -1;
-    expectStatusOrder(
-        A{&bytes, &bytes},
-        {
-            {"pBufferSize null", lumErrNullPointer, [](A& a) { a.pBufferSize = nullptr; }},
-            {"width 0", lumErrSize, [](A& a) { a.roiSize.width = 0; }},
-            {"width negative", lumErrSize, [](A& a) { a.roiSize.width = -9; }},
-            {"height 0", lumErrSize, [](A& a) { a.roiSize.height = 0; }},
-            {"height negative", lumErrSize, [](A& a) { a.roiSize.height = std::numeric_limits<Lum32s>::min(); }},
-        });
+    expectSizeQueryChecksInOrder<lumiFastMarchingGetBufferSize_8u32f_C1R>();
 }
 
 struct Args

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "distance/contents.hpp"
+#include "distance/size_query.hpp"
 #include "distance/true_distance_reference.hpp"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
@@ -282,35 +283,9 @@ TEST(TrueDistanceSizeQuick, Formula)
     }
 }
 
-struct SizeArgs
-{
-    Lum32s* pBufferSize;
-    Lum32s* written;
-    LumiSize roiSize = {20, 10};
-
-    LumStatus call() const
-    {
-        return lumiTrueDistanceTransformGetBufferSize_8u32f_C1R(roiSize, pBufferSize);
-    }
-    std::vector<Output> outputs() const
-    {
-        return {Output(written, sizeof *written)};
-    }
-};
-
 TEST(TrueDistanceSizeQuick, ChecksInOrder)
 {
-    using A = SizeArgs;
-    Lum32s bytes = -1;
-    expectStatusOrder(
-        A{&bytes, &bytes},
-        {
-            {"pBufferSize null", lumErrNullPointer, [](A& a) { a.pBufferSize = nullptr; }},
-            {"width 0", lumErrSize, [](A& a) { a.roiSize.width = 0; }},
-            {"width negative", lumErrSize, [](A& a) { a.roiSize.width = -9; }},
-            {"height 0", lumErrSize, [](A& a) { a.roiSize.height = 0; }},
-            {"height negative", lumErrSize, [](A& a) { a.roiSize.height = std::numeric_limits<Lum32s>::min(); }},
-        });
+    expectSizeQueryChecksInOrder<lumiTrueDistanceTransformGetBufferSize_8u32f_C1R>();
 }
 
 struct Args

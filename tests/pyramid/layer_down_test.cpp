@@ -11,23 +11,6 @@
 namespace lumcv::test::pyramid {
 namespace {
 
-using Kernel = std::vector<Lum32f>;
-
-const Kernel kBinomial5 = {1, 4, 6, 4, 1};
-const Kernel kKernels[] = {kBinomial5,
-                           {2, 8, 12, 8, 2},  // the same smoothing, but not the taps of the direct pass
-                           {1, 2, 1},
-                           {7, 31, 90, 31, 7},
-                           {5, 3, 5},
-                           {1, 6, 15, 20, 15, 6, 1},
-                           {3, 14, 33, 71, 85, 71, 33, 14, 3},
-                           {0, 0, 9, 0, 0},
-                           {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}};
-constexpr int kKernelCount = static_cast<int>(std::size(kKernels));
-
-const Lum32f kRates[] = {2.0f,     1.5f,  2.7182817f, 1.001f, 1.99997f, 3.3333333f,
-                         2.00003f, 10.0f, 1.99999f,   1.25f,  2.00001f};
-
 class LayerDown : public testing::TestWithParam<LayerForm>
 {
   public:
@@ -78,7 +61,7 @@ TEST_P(LayerDown, EveryWidth)
             expectDown({.size = {width, height}, .kernel = kKernels[kernel], .number = number++});
         }
         expectDown({.size = {width, height + width % 3},
-                    .rate = kRates[number % 11],
+                    .rate = kLayerRates[number % 11],
                     .kernel = kKernels[width % kKernelCount],
                     .number = number});
         ++number;
@@ -93,7 +76,7 @@ TEST_P(LayerDown, EveryHeight)
         for (const int width : {7, 20}) {
             expectDown({.size = {width, height}, .kernel = kKernels[number % 3], .number = number});
             expectDown({.size = {width, height},
-                        .rate = kRates[number % 11],
+                        .rate = kLayerRates[number % 11],
                         .kernel = kKernels[height % kKernelCount],
                         .number = number});
             ++number;
@@ -107,7 +90,7 @@ TEST_P(LayerDown, EveryHeight)
 TEST_P(LayerDown, EveryRate)
 {
     int number = 2;
-    for (const Lum32f rate : kRates) {
+    for (const Lum32f rate : kLayerRates) {
         for (const LumiSize size : {LumiSize{1, 9}, LumiSize{2, 4}, LumiSize{4, 2}, LumiSize{11, 10}, LumiSize{12, 11},
                                     LumiSize{33, 12}, LumiSize{64, 30}, LumiSize{101, 9}}) {
             expectDown({.size = size, .rate = rate, .kernel = kKernels[number % kKernelCount], .number = number});
@@ -280,7 +263,7 @@ TEST_P(LayerDown, AnyRecordServesAnyRoiWithinItsOwn)
 {
     Random random(9);
     for (int number = 0; number < 60; ++number) {
-        LayerSetting setting = {.rate = number % 2 == 0 ? 2.0f : kRates[number % 11],
+        LayerSetting setting = {.rate = number % 2 == 0 ? 2.0f : kLayerRates[number % 11],
                                 .kernel = drawKernel(3 + 2 * static_cast<int>(random.between(0, 9)), random)};
         setting.recordSize = {static_cast<int>(random.between(1, 60)), static_cast<int>(random.between(1, 40))};
         const LayerRecord record(GetParam(), Way::Down, setting);

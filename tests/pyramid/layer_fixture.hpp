@@ -106,6 +106,24 @@ inline std::vector<Lum32f> ratesAroundNearTwo()
     return rates;
 }
 
+using Kernel = std::vector<Lum32f>;
+
+inline const Kernel kBinomial5 = {1, 4, 6, 4, 1};
+inline const Kernel kKernels[] = {
+    kBinomial5,
+    {2, 8, 12, 8, 2},  // the same smoothing, but not the taps that have kernels of their own
+    {1, 2, 1},
+    {7, 31, 90, 31, 7},
+    {5, 3, 5},
+    {1, 6, 15, 20, 15, 6, 1},
+    {3, 14, 33, 71, 85, 71, 33, 14, 3},
+    {0, 0, 9, 0, 0},
+    {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}};
+inline constexpr int kKernelCount = static_cast<int>(std::size(kKernels));
+
+inline const Lum32f kLayerRates[] = {2.0f,     1.5f,  2.7182817f, 1.001f, 1.99997f, 3.3333333f,
+                                     2.00003f, 10.0f, 1.99999f,   1.25f,  2.00001f};
+
 /// Kernels whose normalised taps exceed 16 bits, or whose sums exceed 32 bits.
 inline const std::vector<Lum32f> kLargeKernels[] = {{-3, 7, -3},
                                                     {-16383, 32767, -16383},

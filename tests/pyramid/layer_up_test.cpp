@@ -10,22 +10,6 @@
 namespace lumcv::test::pyramid {
 namespace {
 
-using Kernel = std::vector<Lum32f>;
-
-const Kernel kKernels[] = {{1, 4, 6, 4, 1},
-                           {2, 8, 12, 8, 2},  // the same smoothing, but not the dedicated kernels
-                           {1, 2, 1},
-                           {7, 31, 90, 31, 7},
-                           {5, 3, 5},
-                           {1, 6, 15, 20, 15, 6, 1},
-                           {3, 14, 33, 71, 85, 71, 33, 14, 3},
-                           {0, 0, 9, 0, 0},
-                           {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}};
-constexpr int kKernelCount = static_cast<int>(std::size(kKernels));
-
-const Lum32f kRates[] = {2.0f,     1.5f,  2.7182817f, 1.001f, 1.99997f, 3.3333333f,
-                         2.00003f, 10.0f, 1.99999f,   1.25f,  2.00001f};
-
 class LayerUp : public testing::TestWithParam<LayerForm>
 {
   public:
@@ -87,7 +71,7 @@ TEST_P(LayerUp, EveryWidth)
         for (const int height : {1, 2, 4}) {
             expectUp(drawSetting({width, height}, 2, kKernels[0], number++));
         }
-        expectUp(drawSetting({width, 3}, kRates[number % 11], kKernels[width % kKernelCount], number));
+        expectUp(drawSetting({width, 3}, kLayerRates[number % 11], kKernels[width % kKernelCount], number));
         ++number;
         ASSERT_FALSE(HasFailure());
     }
@@ -99,7 +83,7 @@ TEST_P(LayerUp, EveryHeight)
     for (int height = 1; height <= 40; ++height) {
         for (const int width : {1, 2, 11}) {
             expectUp(drawSetting({width, height}, 2, kKernels[0], number++));
-            expectUp(drawSetting({width, height}, kRates[number % 11], kKernels[height % kKernelCount], number));
+            expectUp(drawSetting({width, height}, kLayerRates[number % 11], kKernels[height % kKernelCount], number));
             ++number;
             ASSERT_FALSE(HasFailure());
         }
@@ -112,7 +96,7 @@ TEST_P(LayerUp, EveryHeight)
 TEST_P(LayerUp, EveryRate)
 {
     int number = 2;
-    for (const Lum32f rate : kRates) {
+    for (const Lum32f rate : kLayerRates) {
         for (const LumiSize size :
              {LumiSize{1, 9}, LumiSize{2, 4}, LumiSize{4, 2}, LumiSize{11, 1}, LumiSize{12, 11}, LumiSize{33, 6}}) {
             for (int corner = 0; corner < 4; ++corner) {
@@ -265,7 +249,7 @@ TEST_P(LayerUp, AnyRecordServesAnyRoiWithinItsOwn)
     Random random(9);
     for (int number = 0; number < 40; ++number) {
         const Kernel& kernel = kKernels[random.between(0, kKernelCount - 1)];
-        const Lum32f rate = number % 2 == 0 ? 2.0f : kRates[number % 11];
+        const Lum32f rate = number % 2 == 0 ? 2.0f : kLayerRates[number % 11];
         LayerSetting setting = {.rate = rate, .kernel = kernel};
         setting.recordSize = {static_cast<int>(random.between(1, 30)), static_cast<int>(random.between(1, 20))};
         const LayerRecord record(GetParam(), Way::Up, setting);
