@@ -100,7 +100,7 @@ const UpFunctions<Lum32f> up32f3{lumiPyramidLayerUpGetSize_32f_C3R, lumiPyramidL
                                  lumiPyramidLayerUp_32f_C3R};
 
 const Rows rows{{
-    {"lumiPyramidLayerDown_8u_C1R", "rate 2, 5 taps", {}, down(down8u1, 1, 2, 5)},
+    {"lumiPyramidLayerDown_8u_C1R", "rate 2, 5 taps", {5.7, 2}, down(down8u1, 1, 2, 5)},
     {"lumiPyramidLayerDown_8u_C1R", "rate 2, 3 taps", {}, down(down8u1, 1, 2, 3)},
     {"lumiPyramidLayerDown_8u_C1R", "rate 2, 9 taps", {}, down(down8u1, 1, 2, 9)},
     {"lumiPyramidLayerDown_8u_C1R", "rate 1.5, 5 taps", {}, down(down8u1, 1, 1.5f, 5)},
