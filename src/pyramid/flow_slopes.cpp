@@ -37,8 +37,9 @@ struct SlopeSteps<Lum8u>
     {
         if constexpr (N == 1) {
             const int difference = p[right] - p[left];
-            return {static_cast<Lum16s>(3 * difference), static_cast<Lum16s>(10 * difference),
-                    static_cast<Lum16s>(3 * (p[left] + p[right]) + 10 * *p)};
+            return {{static_cast<Lum16s>(3 * difference)},
+                    {static_cast<Lum16s>(10 * difference)},
+                    {static_cast<Lum16s>(3 * (p[left] + p[right]) + 10 * *p)}};
         } else {
             const auto sides = simd::loadInTurn<2 * N>(p + left, p + right);
             return {simd::pairSums<-3, 3>(sides), simd::pairSums<-10, 10>(sides),

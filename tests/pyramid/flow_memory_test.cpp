@@ -129,7 +129,8 @@ TEST(FlowMemoryQuick, OperandsAreOnlyRead)
             images.push_back(second.level(l));
         }
         const LumiPyramidRecord records[] = {first.record(), second.record()};
-        const LumiPyramidRecord before[] = {first.record(), second.record()};
+        LumiPyramidRecord before[2];  // byte for byte, also between the members
+        std::memcpy(before, records, sizeof records);
         const std::vector<Point> points = somePoints({50, 40}, 9);
         Operands operands(points);
         const State<T> state({50, 40}, 7);
