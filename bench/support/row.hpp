@@ -41,21 +41,39 @@ class Job
         return size_;
     }
 
+    // For an operation that is measured on less than the table's size.
+    void workOn(LumiSize size)
+    {
+        size_ = size;
+    }
+
     // Images of random values, none of them zero: a running average towards zero would end in denormal numbers, which
     // are no measure of the operation.
     template <typename T>
     View<const T> source(int channels = 1)
     {
-        const auto image = randomImage<T>(channels);
-        bytesMoved_ += imageBytes<T>(channels);
-        return {image.pixels, image.step};
+        return source<T>(size_, channels);
     }
 
     template <typename T>
     View<T> destination(int channels = 1)
     {
-        bytesMoved_ += imageBytes<T>(channels);
-        return randomImage<T>(channels);
+        return destination<T>(size_, channels);
+    }
+
+    // Images of another size than the job's.
+    template <typename T>
+    View<const T> source(LumiSize size, int channels)
+    {
+        const auto image = destination<T>(size, channels);
+        return {image.pixels, image.step};
+    }
+
+    template <typename T>
+    View<T> destination(LumiSize size, int channels)
+    {
+        bytesMoved_ += sizeof(T) * channels * size.width * size.height;
+        return randomImage<T>(size, channels);
     }
 
     template <typename T>
@@ -102,17 +120,23 @@ class Job
     template <typename T>
     View<T> randomImage(int channels)
     {
+        return randomImage<T>(size_, channels);
+    }
+
+    template <typename T>
+    View<T> randomImage(LumiSize size, int channels)
+    {
         constexpr std::size_t lineBytes = 64;
-        const std::size_t elements = std::size_t(size_.width) * channels;
+        const std::size_t elements = std::size_t(size.width) * channels;
         const std::size_t step = (elements * sizeof(T) + lineBytes - 1) / lineBytes * lineBytes;
-        View<T> image{reinterpret_cast<T*>(allocate(step * size_.height)), Lum32s(step)};
+        View<T> image{reinterpret_cast<T*>(allocate(step * size.height)), Lum32s(step)};
         // a prime length, so that no two rows begin alike
         constexpr std::size_t patternLength = 65521;
         std::vector<T> pattern(patternLength);
         for (T& value : pattern)
             value = randomValue<T>();
         std::size_t at = 0;
-        for (int y = 0; y < size_.height; ++y)
+        for (int y = 0; y < size.height; ++y)
             for (std::size_t x = 0; x < elements; ++x) {
                 image.row(y)[x] = pattern[at];
                 at = at + 1 == patternLength ? 0 : at + 1;

@@ -7,13 +7,12 @@
 // command line.
 #include <charconv>
 #include <cstdio>
-#include <exception>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "png_file.hpp"
+#include "program.hpp"
 #include "scan.hpp"
 #include "scene.hpp"
 
@@ -91,18 +90,5 @@ void run(const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const auto arguments = parse(argc, argv);
-    if (!arguments) {
-        std::fputs(usage, stderr);
-        return 2;
-    }
-    try {
-        run(*arguments);
-        return 0;
-    } catch (const std::bad_alloc&) {
-        std::fputs("detect: not enough memory for this picture\n", stderr);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "detect: %s\n", failure.what());
-    }
-    return 1;
+    return gallery::runProgram("detect", usage, argc, argv, parse, run);
 }

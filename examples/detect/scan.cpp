@@ -8,6 +8,7 @@
 namespace detect {
 namespace {
 
+using gallery::check;
 using gallery::Image;
 using gallery::Picture;
 

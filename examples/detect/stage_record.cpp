@@ -1,10 +1,11 @@
 #include "stage_record.hpp"
 
 #include <cmath>
-#include <string>
 
 namespace detect {
 namespace {
+
+using gallery::check;
 
 // Where a coordinate of the cascade's window lies in a larger one.
 int grown(int coordinate, int from, int to)
@@ -13,13 +14,6 @@ int grown(int coordinate, int from, int to)
 }
 
 }  // namespace
-
-void check(LumStatus status, const char* function)
-{
-    if (status != lumOk) {
-        throw gallery::Failure(std::string(function) + " returned the status " + std::to_string(status));
-    }
-}
 
 StageRecord::StageRecord(const Stage& stage, const Cascade& cascade, LumiSize window, LumiSize places)
     : threshold_(stage.threshold)

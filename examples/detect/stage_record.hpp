@@ -8,9 +8,6 @@
 
 namespace detect {
 
-/// Throws gallery::Failure if a function of the library did not return lumOk.
-void check(LumStatus status, const char* function);
-
 /// The rectangles of a stage, grown to a window of any size, in a record. No picture is shrunk to look for large
 /// objects.
 class StageRecord

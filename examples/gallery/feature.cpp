@@ -116,6 +116,43 @@ Picture peaksOnPicture(const Source& source, Shot& shot)
     return result;
 }
 
+Picture fastCorners(const Source& source, Shot& shot)
+{
+    constexpr Colour ofBrightArc = {255, 190, 60};
+    constexpr Colour ofDarkArc = {90, 190, 255};
+    constexpr Lum32s radius = 3, arc = 9, bins = 36;
+    constexpr Lum32s mode = lumFastNCorners | lumFastNScore | lumFastNNonMaxSuppression | lumFastNOrientation;
+    constexpr Lum32f threshold = 30.0f;
+    const Picture& gray = source.gray;
+    Lum32s specSize = 0, bufferSize = 0, count = 0;
+    shot.prepare(GALLERY_CALL(lumiFastNGetSize(gray.size(), radius, arc, bins, mode, lumType8u, 1, &specSize)));
+    Block block(static_cast<std::size_t>(specSize));
+    auto* const spec = reinterpret_cast<LumFastNSpec*>(block.data());
+    shot.prepare(GALLERY_CALL(lumiFastNInit(gray.size(), radius, arc, bins, mode, threshold, lumType8u, 1, spec)));
+    shot.prepare(GALLERY_CALL(lumiFastNGetBufferSize(spec, gray.size(), &bufferSize)));
+    Block buffer(static_cast<std::size_t>(bufferSize));
+    Picture map(gray.width(), gray.height(), 1), scores(gray.width(), gray.height(), 1);
+    const LumiPoint offset = {0, 0};
+    shot.time(GALLERY_CALL(lumiFastN_8u_C1R(gray.pixels(), gray.step(), map.pixels(), map.step(), scores.pixels(),
+                                            scores.step(), &count, offset, map.size(), spec, buffer.data())));
+    Picture result = mapped<Lum8u>(source.colour, [](Lum8u value) { return static_cast<Lum8u>(value / 2); });
+    for (int row = 0; row < map.height(); ++row) {
+        for (int column = 0; column < map.width(); ++column) {
+            const int corner = map.at(column, row);
+            if (corner == 0) {
+                continue;
+            }
+            const Colour& colour = corner & 0x40 ? ofBrightArc : ofDarkArc;
+            const auto x = static_cast<float>(column), y = static_cast<float>(row);
+            // the ring begins below the corner and goes on to the left; the angle is that of what is bright on it
+            const float angle = static_cast<float>(corner & 0x3f) * (6.28318531f / bins);
+            drawRing(result, x, y, 2.0f, 3.0f, colour);
+            drawStroke(result, x, y, x - 8.0f * std::cos(angle), y + 8.0f * std::sin(angle), 1.2f, colour);
+        }
+    }
+    return result;
+}
+
 Exhibit cannyEdges(int low, int high, const char* note)
 {
     const std::string thresholds = std::to_string(low) + " and " + std::to_string(high);
@@ -152,7 +189,12 @@ const Section corners{
       "picture changes most, blue in that in which it changes least, the longer the more it does.",
       eigenvectors},
      {"peaks", "Peaks of the smaller eigenvalue",
-      "Pixels above the threshold that none of their eight neighbours exceeds: the corners.", peaksOnPicture}},
+      "Pixels above the threshold that none of their eight neighbours exceeds: the corners.", peaksOnPicture},
+     {"fast-corners", "FAST corners with their orientation",
+      "Of the 16 pixels of a ring nine side by side are brighter than its middle (orange), or darker (blue). The "
+      "stroke "
+      "points to where the ring is bright.",
+      fastCorners}},
 };
 
 const Section edges{

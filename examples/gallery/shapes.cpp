@@ -62,6 +62,17 @@ void drawStroke(Picture& picture, float x0, float y0, float x1, float y1, float 
     }
 }
 
+void drawLine(Picture& picture, float cosine, float sine, float distance, float thickness, const Colour& colour)
+{
+    if (std::abs(sine) >= std::abs(cosine)) {
+        const auto right = static_cast<float>(picture.width() - 1);
+        drawStroke(picture, 0.0f, distance / sine, right, (distance - right * cosine) / sine, thickness, colour);
+    } else {
+        const auto bottom = static_cast<float>(picture.height() - 1);
+        drawStroke(picture, distance / cosine, 0.0f, (distance - bottom * sine) / cosine, bottom, thickness, colour);
+    }
+}
+
 void drawTriangle(Picture& picture, int left, int right, int bottom, int height, const Colour& colour)
 {
     const float middle = static_cast<float>(left + right) * 0.5f;

@@ -21,6 +21,9 @@ void drawRing(Picture& picture, float centreX, float centreY, float inner, float
 /// A stroke with round ends: what lies within half its thickness of the segment.
 void drawStroke(Picture& picture, float x0, float y0, float x1, float y1, float thickness, const Colour& colour);
 
+/// The line of all points with `x * cosine + y * sine == distance`, from one edge of the picture to the other.
+void drawLine(Picture& picture, float cosine, float sine, float distance, float thickness, const Colour& colour);
+
 /// A triangle that stands on a level side, its tip above the middle.
 void drawTriangle(Picture& picture, int left, int right, int bottom, int height, const Colour& colour);
 

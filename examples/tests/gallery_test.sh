@@ -29,7 +29,10 @@ check_page()
         lumiFilterColumnPipeline_16s8u_C1R lumiFilterGaussian_8u_C1R lumiFilterGaussian_32f_C1R \
         lumiMinMaxIndx_8u_C1R lumiIntegral_8u32s_C1R lumiRectStdDev_32f_C1R lumiApplyHaarClassifier_32f_C1R \
         lumiHarrisCorner_8u32f_C1R lumiMinEigenVal_8u32f_C1R lumiEigenValsVecs_8u32f_C1R lumiFindPeaks3x3_32f_C1R \
-        lumiCannyBorder_8u_C1R; do
+        lumiCannyBorder_8u_C1R lumiFastN_8u_C1R lumiHoughLine_8u32f_C1R lumiHoughProbLine_8u32f_C1R \
+        lumiPyramidLayerDown_8u_C1R lumiPyramidLayerUp_8u_C1R lumiOpticalFlowPyrLK_8u_C1R \
+        lumiDistanceTransform_3x3_8u32f_C1R lumiDistanceTransform_5x5_8u32f_C1R lumiTrueDistanceTransform_8u32f_C1R \
+        lumiFastMarching_8u32f_C1R lumiInpaint_8u_C3R; do
         grep -q "<summary>[^<]*$file" "$folder/index.html" || fail "$file is not on the page"
     done
 }

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +15,7 @@
 
 #include "boosting.hpp"
 #include "png_file.hpp"
+#include "program.hpp"
 
 namespace train {
 namespace {
@@ -174,16 +174,5 @@ void run(const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
-    const auto arguments = train::parse(argc, argv);
-    if (!arguments) {
-        std::fputs(train::usage, stderr);
-        return 2;
-    }
-    try {
-        train::run(*arguments);
-        return 0;
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "train_cascade: %s\n", failure.what());
-    }
-    return 1;
+    return gallery::runProgram("train_cascade", train::usage, argc, argv, train::parse, train::run);
 }

@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief Features: corner measures, peaks, suppression of lines, Canny edges.
+ * @brief Features: corner measures, peaks, suppression of lines, Canny edges, FAST corners, Hough lines.
  */
 #ifndef LUMCV_FEATURE_H
 #define LUMCV_FEATURE_H
@@ -938,6 +938,563 @@ LUMCV_API LumStatus lumiCannyBorder_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lu
                                            LumiSize roiSize, LumiFilterType filterType, LumiMaskSize maskSize,
                                            LumiBorderType borderType, Lum8u borderValue, Lum32f lowThreshold,
                                            Lum32f highThreshold, LumiNorm norm, Lum8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup fast FAST corners
+ * @brief Corners by a ring of pixels: a contiguous arc that is all brighter, or all darker, than the middle.
+ *
+ * A pixel of value `c` is a corner if `N` consecutive points of the ring around it are all above `c + t`, or all below
+ * `c - t`; `t` is the threshold, truncated to an integer. `N` exceeds half of the ring, so that only one of both can be
+ * the case. A corner's **score** is the greatest threshold that it would pass, plus 1: the largest over all arcs of `N`
+ * points of the smallest difference within the arc, from `t + 1` to 255. Its **orientation** tells where the ring is
+ * bright.
+ *
+ * lumiFastN_8u_C1R() marks the corners of an image in a map, lumiFastN2DToVec_8u() makes a list of such a map. The
+ * first takes a record that lumiFastNInit() lays in the caller's block, and scratch:
+ *
+ * @code{.c}
+ * #include <lumcv/lumcv.h>
+ * #include <stdlib.h>
+ *
+ * // The map has the size of the image.
+ * LumStatus listCorners(const Lum8u* pSrc, Lum32s srcStep, LumiSize size, Lum8u* pMap, Lum8u* pScore, Lum32s mapStep,
+ *                       LumCornerFastN* pCorners, Lum32s maxCount, Lum32s* pCount)
+ * {
+ *     // nine of the sixteen points of the ring of radius 3 differ by more than 20; of corners side by side, the best
+ *     const Lum32s mode = lumFastNCorners | lumFastNScore | lumFastNNonMaxSuppression;
+ *     Lum32s specBytes = 0, bufferBytes = 0;
+ *     LumStatus status = lumiFastNGetSize(size, 3, 9, 0, mode, lumType8u, 1, &specBytes);
+ *     if (status != lumOk)
+ *         return status;
+ *     LumFastNSpec* spec = malloc((size_t)specBytes);
+ *     lumiFastNInit(size, 3, 9, 0, mode, 20.0f, lumType8u, 1, spec);
+ *     lumiFastNGetBufferSize(spec, size, &bufferBytes);
+ *     Lum8u* buffer = malloc((size_t)bufferBytes);
+ *     const LumiPoint offset = {0, 0};
+ *     status = lumiFastN_8u_C1R(pSrc, srcStep, pMap, mapStep, pScore, mapStep, pCount, offset, size, spec, buffer);
+ *     if (status == lumOk)
+ *         status = lumiFastN2DToVec_8u(pMap, mapStep, pScore, mapStep, pCorners, size, maxCount, pCount, spec);
+ *     free(buffer);
+ *     free(spec);
+ *     return status;
+ * }
+ * @endcode
+ *
+ * **Rings.** The radius is one of six. The points run from straight below the middle towards the left, and so on
+ * around. This is the first quarter of each ring:
+ *
+ *     radius  points  N         dx, dy
+ *     1       8       5 to 8    0,1 -1,1
+ *     2       12      7 to 12   0,2 -1,2 -2,1
+ *     3       16      9 to 16   0,3 -1,3 -2,2 -3,1
+ *     5       28      15 to 28  0,5 -1,5 -2,5 -3,4 -4,3 -5,2 -5,1
+ *     7       40      21 to 40  0,7 -1,7 -2,7 -3,6 -4,6 -5,5 -6,4 -6,3 -7,2 -7,1
+ *     9       52      27 to 52  0,9 -1,9 -2,9 -3,9 -4,8 -5,8 -6,7 -7,6 -8,5 -8,4 -9,3 -9,2 -9,1
+ *
+ * The other three quarters are the first one turned by 90 degrees each, a point (dx, dy) becoming (-dy, dx). Of radius
+ * 9, the last point of the first quarter itself, though not its turns, is (-9, -1) and not (-9, 1), so that this point
+ * comes twice.
+ *
+ * **Orientation.** With `d[i]` the difference of ring point `i` to the middle, all of them, whatever the threshold, and
+ * `T[i] = i * 2 * pi / points`, rounded to single precision, the sums `S` of `d[i] * sin(T[i])` and `C` of
+ * `d[i] * cos(T[i])` are formed from zero on in the order of the points; the sines and cosines are the double-precision
+ * ones of `T[i]`, rounded to single precision. With radius 3 and `N` 9, and `e[i] = d[i] - d[i + 8]`, they are instead,
+ * from left to right,
+ *
+ *     S = 0.70710677 * (e[2] + e[6]) + 0.38268343 * (e[1] + e[7]) + 0.9238795 * (e[3] + e[5]) + e[4] + 0.00001
+ *     C = e[0] + 0.9238795 * (e[1] - e[7]) + 0.70710677 * (e[2] - e[6]) + 0.38268343 * (e[3] - e[5])
+ *
+ * The angle is `atan2(C, S)`, rounded to single precision, plus 6.2831855 if it is negative. Multiplied by the bins per
+ * radian, which are `bins * 0.15915494309189535` rounded to single precision, and truncated, it is the orientation; a
+ * product of `bins` or more gives 0. All products and sums are of single precision; the arctangent is exact but for a
+ * millionth of that precision's unit before it is rounded, and gives the same bytes in all builds.
+ *
+ * **Thresholds** of 255 and more find nothing. A negative one, -0.5 too, and what is not a number is refused.
+ *
+ * **The ROI** lies at `srcRoiOffset` in the whole image, whose size is that of the record; the maps begin with the
+ * ROI's first pixel. What lies beyond the image is cut off: the parts of the maps there stay as they were, and the
+ * status is #lumWrnRoiClipped, with a result for the rest. If nothing is left, nothing is written, the count included.
+ * Of the rest, pixels nearer than `circleRadius` to an edge of the image are no corners.
+ *
+ * **Maps.** A byte of the corner map is 0, or 0x40 for a bright arc and 0x80 for a dark one, plus the orientation; a
+ * byte of the score map is 0 or the score. Maps must not overlap the image or each other.
+ *
+ * **Suppression** leaves a corner only if its score is not less than those of its eight neighbours; of equal ones all
+ * stay. Pixels outside the ROI and those that are no corners count as 0.
+ *
+ * **The mode** is #lumFastNCorners with any of the others; #lumFastNNonMaxSuppression demands #lumFastNScore.
+ *
+ * **The record** is, in bytes, `8 * points + 68` long. The first byte of its block is the distance to where it begins,
+ * the next address that is a multiple of 8: the identity (64 bits, 0x14B617390), then 32 bits each the element type,
+ * the number of channels, the width and the height of the image, the radius, `N`, the number of bins, the mode, the
+ * threshold as a float and as an integer; a pointer to the ring; the sines and the cosines, which are only filled for
+ * #lumFastNOrientation; the bins per radian. It must not be moved.
+ *
+ * **Scratch**, in bytes: `6 * width + 636`, with the width of the ROI.
+ *
+ * **Checks of the queries and of Init**, in this order:
+ *
+ * 1. #lumErrNullPointer: a pointer is null.
+ * 2. #lumErrSize: the width or the height is below 1.
+ * 3. #lumErrThreshold, of Init: the threshold is negative or not a number.
+ * 4. #lumErrDataType: `dataType` is not #lumType8u.
+ * 5. #lumErrChannels: `numChannels` is not 1.
+ * 6. #lumErrArgument: the mode has no #lumFastNCorners, a bit that is no mode, or #lumFastNNonMaxSuppression without
+ *    #lumFastNScore.
+ * 7. #lumErrOutOfRange: with #lumFastNOrientation, `orientationBins` is not within 1 to 64.
+ * 8. #lumErrArgument: `circleRadius` is not among those listed.
+ * 9. #lumErrOutOfRange: `N` is not among those listed.
+ *
+ * lumiFastNGetBufferSize() tests its pointers (#lumErrNullPointer), then the record's identity (#lumErrContext), then
+ * the size (#lumErrSize).
+ *
+ * **Checks of the others** stand with them. After an error nothing has been written.
+ *
+ * @see @ref corners, @ref peaks
+ *
+ * @{
+ */
+
+/** What lumiFastN_8u_C1R() writes and how. */
+enum
+{
+    lumFastNOrientation = 0x01,       /**< the low six bits of a corner's byte are its orientation */
+    lumFastNNonMaxSuppression = 0x02, /**< only corners whose neighbours have no higher score */
+    lumFastNCorners = 0x04,           /**< the corner map; always set */
+    lumFastNScore = 0x20              /**< the score map */
+};
+
+/** What lumiFastNInit() lays in the caller's block. */
+typedef struct LumFastNSpec LumFastNSpec;
+
+/** A corner of the list that lumiFastN2DToVec_8u() makes. */
+typedef struct LumCornerFastN
+{
+    Lum32s x;           /**< column in the map */
+    Lum32s y;           /**< row in the map */
+    Lum32s cornerType;  /**< 0 for a bright arc, 1 for a dark one */
+    Lum32s orientation; /**< number of the bin, or -1 without #lumFastNOrientation */
+    Lum32f angle;       /**< `orientation * (360 / bins)`, in degrees, or -1 without #lumFastNOrientation */
+    Lum32f score;       /**< the score, or -1 without #lumFastNScore */
+} LumCornerFastN;
+
+/**
+ * Size of the record.
+ *
+ * @param srcSize         size of the whole image in pixels
+ * @param circleRadius    1, 2, 3, 5, 7 or 9
+ * @param N               points of an arc
+ * @param orientationBins 1 to 64, with #lumFastNOrientation
+ * @param mode            sum of #lumFastNCorners and others
+ * @param dataType        #lumType8u
+ * @param numChannels     1
+ * @param pSpecSize       where the size in bytes goes
+ * @retval lumOk             the size has been written
+ * @retval lumErrNullPointer `pSpecSize` is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrDataType    `dataType` is not #lumType8u
+ * @retval lumErrChannels    `numChannels` is not 1
+ * @retval lumErrArgument    the mode or the radius is not allowed
+ * @retval lumErrOutOfRange  the number of bins or of an arc's points is not allowed
+ */
+LUMCV_API LumStatus lumiFastNGetSize(LumiSize srcSize, Lum32s circleRadius, Lum32s N, Lum32s orientationBins,
+                                     Lum32s mode, LumDataType dataType, Lum32s numChannels, Lum32s* pSpecSize);
+
+/**
+ * Lays the record.
+ *
+ * @param srcSize         size of the whole image in pixels
+ * @param circleRadius    1, 2, 3, 5, 7 or 9
+ * @param N               points of an arc
+ * @param orientationBins 1 to 64, with #lumFastNOrientation
+ * @param mode            sum of #lumFastNCorners and others
+ * @param threshold       what a difference exceeds; at least 0
+ * @param dataType        #lumType8u
+ * @param numChannels     1
+ * @param pSpec           block of the queried size
+ * @retval lumOk             the record has been laid
+ * @retval lumErrNullPointer `pSpec` is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrThreshold   `threshold` is negative or not a number
+ * @retval lumErrDataType    `dataType` is not #lumType8u
+ * @retval lumErrChannels    `numChannels` is not 1
+ * @retval lumErrArgument    the mode or the radius is not allowed
+ * @retval lumErrOutOfRange  the number of bins or of an arc's points is not allowed
+ */
+LUMCV_API LumStatus lumiFastNInit(LumiSize srcSize, Lum32s circleRadius, Lum32s N, Lum32s orientationBins, Lum32s mode,
+                                  Lum32f threshold, LumDataType dataType, Lum32s numChannels, LumFastNSpec* pSpec);
+
+/**
+ * Scratch size of lumiFastN_8u_C1R().
+ *
+ * @param pSpec       the record
+ * @param dstRoiSize  size of the ROI in pixels
+ * @param pBufferSize where the size in bytes goes
+ * @retval lumOk              the size has been written
+ * @retval lumErrNullPointer  a pointer is null
+ * @retval lumErrContext      the record is not one of lumiFastNInit()
+ * @retval lumErrSize         the width or the height is below 1
+ * @retval lumErrSizeTooLarge the size exceeds 0x7fffffff
+ */
+LUMCV_API LumStatus lumiFastNGetBufferSize(const LumFastNSpec* pSpec, LumiSize dstRoiSize, Lum32s* pBufferSize);
+
+/**
+ * Marks the corners of an 8u image.
+ *
+ * Checks, in this order: null pointers; the size of the ROI; of the record its identity, element type, channels and
+ * image size; the strides; of the record the mode and the bins; a null `pDstScore`; of the record the radius and `N`.
+ *
+ * @param pSrc          first pixel of the whole image
+ * @param srcStep       stride of the image, in bytes
+ * @param pDstCorner    the corner map: its pixel for the ROI's first one
+ * @param dstCornerStep stride of the corner map, in bytes
+ * @param pDstScore     the score map: its pixel for the ROI's first one; not touched without #lumFastNScore
+ * @param dstScoreStep  stride of the score map, in bytes
+ * @param pNumCorner    where the number of corners in the map goes
+ * @param srcRoiOffset  first pixel of the ROI in the image
+ * @param dstRoiSize    size of the ROI in pixels
+ * @param pSpec         the record
+ * @param pBuffer       scratch of the queried size
+ * @retval lumOk             the maps and the count have been written
+ * @retval lumWrnRoiClipped  the ROI was cut at the image, or lies outside it
+ * @retval lumErrNullPointer a pointer is null; `pDstScore` matters with #lumFastNScore only
+ * @retval lumErrSize        the width or the height of the ROI or of the record's image is below 1
+ * @retval lumErrContext     the record is not one of lumiFastNInit()
+ * @retval lumErrDataType    the record's element type is not #lumType8u
+ * @retval lumErrChannels    the record's number of channels is not 1
+ * @retval lumErrStep        the stride of the image is below its width, or that of a map below the ROI's width;
+ *                           `dstScoreStep` matters with #lumFastNScore only
+ * @retval lumErrArgument    the record's mode or radius is not allowed
+ * @retval lumErrOutOfRange  the record's number of bins or of an arc's points is not allowed
+ */
+LUMCV_API LumStatus lumiFastN_8u_C1R(const Lum8u* pSrc, Lum32s srcStep, Lum8u* pDstCorner, Lum32s dstCornerStep,
+                                     Lum8u* pDstScore, Lum32s dstScoreStep, Lum32s* pNumCorner, LumiPoint srcRoiOffset,
+                                     LumiSize dstRoiSize, const LumFastNSpec* pSpec, Lum8u* pBuffer);
+
+/**
+ * Makes a list of a corner map.
+ *
+ * The corners come in the order of rows. The count goes on where the list is full.
+ *
+ * Checks, in this order: null pointers; the size and `maxLen`; of the record its identity, element type and channels;
+ * the strides; of the record the mode and the bins; a null `pSrcScore`.
+ *
+ * @param pSrcCorner    first pixel of the corner map
+ * @param srcCornerStep stride of the corner map, in bytes
+ * @param pSrcScore     first pixel of the score map; not read without #lumFastNScore
+ * @param srcScoreStep  stride of the score map, in bytes
+ * @param pDst          the list, of `maxLen` corners
+ * @param roiSize       size of the maps in pixels
+ * @param maxLen        corners that the list has room for; may be 0
+ * @param pNumCorners   where the number of nonzero bytes in the map goes, which may exceed `maxLen`
+ * @param pSpec         the record
+ * @retval lumOk             the list and the count have been written
+ * @retval lumErrNullPointer a pointer is null; `pSrcScore` matters with #lumFastNScore only
+ * @retval lumErrSize        the width or the height is below 1, or `maxLen` is negative
+ * @retval lumErrContext     the record is not one of lumiFastNInit()
+ * @retval lumErrDataType    the record's element type is not #lumType8u
+ * @retval lumErrChannels    the record's number of channels is not 1
+ * @retval lumErrStep        the stride of a map is below its width; `srcScoreStep` matters with #lumFastNScore only
+ * @retval lumErrArgument    the record's mode is not allowed
+ * @retval lumErrOutOfRange  the record's number of bins is not allowed
+ */
+LUMCV_API LumStatus lumiFastN2DToVec_8u(const Lum8u* pSrcCorner, Lum32s srcCornerStep, const Lum8u* pSrcScore,
+                                        Lum32s srcScoreStep, LumCornerFastN* pDst, LumiSize roiSize, Lum32s maxLen,
+                                        Lum32s* pNumCorners, const LumFastNSpec* pSpec);
+
+/** @} */
+
+/**
+ * @defgroup hough Hough lines
+ * @brief Straight lines through the points of a binary image: whole lines in polar form, or segments with their ends.
+ *
+ * Any nonzero pixel of an 8u image is a point, such as those that @ref canny draws. A line is told by the angle `theta`
+ * of its normal and its distance `rho` from the first pixel: `x * cos(theta) + y * sin(theta) = rho`. The plane of both
+ * is divided into cells by `delta`, in pixels and radians, and each point votes, for each angle, for the line through
+ * it. For a ROI of `W` times `H` pixels:
+ *
+ * - The **angles** are those with the indices 0 to `A` inclusive; `A` is `3.14159f / delta.theta`, the quotient of both
+ *   in double precision, truncated. It is the number nearest to 3.14159 in single precision, not pi, that limits the
+ *   angles.
+ * - There are `R` **cells** for each angle; `R` is `(2 * (W + H) + 1) / delta.rho` in single precision, truncated. The
+ *   cell of `rho` 0 is `centre = (R - 1) / 2`, truncated. A vote that falls outside the cells, which can only happen
+ *   with a coarse `delta.rho`, is dropped.
+ *
+ * `A` and `R` are limited to 0x7fffffff.
+ *
+ * @see @ref canny
+ */
+
+/**
+ * @defgroup hough_lines Lines in polar form
+ * @ingroup hough
+ * @brief The lines with the most votes of all of the plane, or of a rectangle in it.
+ *
+ * **Votes** are counted in fixed point with 10 fractional bits. With `f = 1.0f / delta.rho` and `t` the angle,
+ * accumulated from 0 by adding `delta.theta` in single precision, `cosQ` is the double-precision product `f * 1024 *
+ * cos(t)`, truncated to an integer, and `sinQ` likewise. The point (x, y) votes for the cell
+ *
+ *     ((rint(x * cosQ + y * sinQ) + 512) >> 10) + centre
+ *
+ * where products and sum are of single precision, and the shift is arithmetic. lumiHoughLine_Region_8u32f_C1R() works
+ * in 32-bit integers throughout, which wrap, and needs no `rint`.
+ *
+ * **Peaks.** A cell with `a` votes is a line if `a` is above `threshold`, above the votes of the cell before it and of
+ * the same cell of the angle before it, and at least those of the cell behind it and of the same cell of the angle
+ * behind it. Beyond the first and the last cell and angle there are no votes.
+ *
+ * **The list** holds the `maxLineCount` lines with the most votes, those with more first; of equal ones the one of the
+ * lower angle, and of the lower cell, stands first and stays. `rho` is `delta.rho * (cell - centre)`, `theta` is
+ * `delta.theta * index`, both in single precision. It is no warning that lines found no place.
+ *
+ * **The query** gives, in bytes, with 4-byte numbers:
+ * `(4 * W + 64) * H + 16 * maxLineCount + 8 * A + 8 + 16 * (R + 4) + 224`; the low 32 bits of it. It returns
+ * #lumWrnBufferTooLarge if
+ * `((W + 12) * 4 + 16) * H + (16 * maxLineCount + 224) + 16 * (R + 4) + 4 * (2 * A + 2)` exceeds 2147483647. It tests
+ * `pBufferSize` (#lumErrNullPointer), then width and height (#lumErrSize), then that both components of `delta` are
+ * above 0 (#lumErrArgument).
+ *
+ * **Checks of the two others**, in this order; after an error nothing has been written, but for the region:
+ *
+ * 1. #lumErrNullPointer: a pointer is null.
+ * 2. #lumErrStep: `srcStep` is below 1; rows may overlap.
+ * 3. #lumErrSize: the width, the height or `maxLineCount` is below 1.
+ * 4. #lumErrArgument: `delta.rho` is not above 0, or above `W + H` in single precision; or `delta.theta` is not above
+ *    0, or above 3.14159f; or `threshold` is below 1.
+ * 5. #lumErrHoughRegion, of lumiHoughLine_Region_8u32f_C1R(): the region's high corner is not at least the low one, or
+ *    a corner is not a number. `*pLineCount` is 0 then.
+ *
+ * This finds the ten most prominent lines among edges:
+ *
+ * @code{.c}
+ * #include <lumcv/lumcv.h>
+ * #include <stdlib.h>
+ *
+ * LumStatus findLines(const Lum8u* pEdges, Lum32s step, LumiSize size, LumiPointPolar lines[10], Lum32s* pCount)
+ * {
+ *     const LumiPointPolar delta = {1.0f, 0.0174532925f};  // one pixel, one degree
+ *     Lum32s bufferBytes = 0;
+ *     LumStatus status = lumiHoughLineGetSize_8u_C1R(size, delta, 10, &bufferBytes);
+ *     if (status != lumOk)
+ *         return status;
+ *     Lum8u* buffer = malloc((size_t)bufferBytes);
+ *     status = lumiHoughLine_8u32f_C1R(pEdges, step, size, delta, 50, lines, 10, pCount, buffer);
+ *     free(buffer);
+ *     return status;
+ * }
+ * @endcode
+ *
+ * @see @ref hough_segments
+ *
+ * @{
+ */
+
+/**
+ * Scratch size of lumiHoughLine_8u32f_C1R() and lumiHoughLine_Region_8u32f_C1R().
+ *
+ * @param roiSize      size of the ROI in pixels
+ * @param delta        size of a cell in the plane of lines
+ * @param maxLineCount room in the list of lines
+ * @param pBufferSize  where the size in bytes goes; the low 32 bits of a larger one
+ * @retval lumOk                the size has been written
+ * @retval lumWrnBufferTooLarge the size exceeds 2147483647; its low 32 bits have been written
+ * @retval lumErrNullPointer    `pBufferSize` is null
+ * @retval lumErrSize           the width or the height is below 1
+ * @retval lumErrArgument       a component of `delta` is not above 0
+ */
+LUMCV_API LumStatus lumiHoughLineGetSize_8u_C1R(LumiSize roiSize, LumiPointPolar delta, Lum32s maxLineCount,
+                                                Lum32s* pBufferSize);
+
+/**
+ * Finds the lines of a binary image.
+ *
+ * @param pSrc         first pixel of the ROI
+ * @param srcStep      stride of the image, in bytes
+ * @param roiSize      size of the ROI in pixels
+ * @param delta        size of a cell in the plane of lines
+ * @param threshold    what the votes of a line exceed; at least 1
+ * @param pLine        the list, with room for `maxLineCount` lines
+ * @param maxLineCount room in the list; at least 1
+ * @param pLineCount   where the number of lines in the list goes
+ * @param pBuffer      scratch of the queried size
+ * @retval lumOk             the list and the count have been written
+ * @retval lumErrNullPointer a pointer is null
+ * @retval lumErrStep        `srcStep` is below 1
+ * @retval lumErrSize        the width, the height or `maxLineCount` is below 1
+ * @retval lumErrArgument    `delta` or `threshold` is out of its range
+ */
+LUMCV_API LumStatus lumiHoughLine_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep, LumiSize roiSize, LumiPointPolar delta,
+                                            Lum32s threshold, LumiPointPolar* pLine, Lum32s maxLineCount,
+                                            Lum32s* pLineCount, Lum8u* pBuffer);
+
+/**
+ * Finds the lines of a binary image that lie in a rectangle of the plane of lines.
+ *
+ * Angles take part whose `delta.theta * index`, in single precision, is from `dstRoi[0].theta` to `dstRoi[1].theta`;
+ * the others have no votes. Both limits are changed in the caller's array first: one below 3.14159f to the larger of
+ * itself and 0, any other to 3.14159f. Lines are those among the cells `f * dstRoi[0].rho + centre` to `f *
+ * dstRoi[1].rho + centre` inclusive, in single precision, truncated, as far as there are such cells; their neighbours
+ * may lie outside. `dstRoi[0].rho` and `dstRoi[1].rho` stay as they are.
+ *
+ * @param pSrc         first pixel of the ROI
+ * @param srcStep      stride of the image, in bytes
+ * @param roiSize      size of the ROI in pixels
+ * @param pLine        the list, with room for `maxLineCount` lines
+ * @param dstRoi       two corners of the rectangle, the low one and the high one
+ * @param maxLineCount room in the list; at least 1
+ * @param pLineCount   where the number of lines in the list goes
+ * @param delta        size of a cell in the plane of lines
+ * @param threshold    what the votes of a line exceed; at least 1
+ * @param pBuffer      scratch of the queried size
+ * @retval lumOk             the list and the count have been written
+ * @retval lumErrNullPointer a pointer is null
+ * @retval lumErrStep        `srcStep` is below 1
+ * @retval lumErrSize        the width, the height or `maxLineCount` is below 1
+ * @retval lumErrArgument    `delta` or `threshold` is out of its range
+ * @retval lumErrHoughRegion the high corner is not at least the low one; the count is 0
+ */
+LUMCV_API LumStatus lumiHoughLine_Region_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep, LumiSize roiSize,
+                                                   LumiPointPolar* pLine, LumiPointPolar dstRoi[2], Lum32s maxLineCount,
+                                                   Lum32s* pLineCount, LumiPointPolar delta, Lum32s threshold,
+                                                   Lum8u* pBuffer);
+
+/** @} */
+
+/**
+ * @defgroup hough_segments Line segments
+ * @ingroup hough
+ * @brief Segments with their ends, by a progressive transform: points vote in random order, and a line that has enough
+ * votes is followed in the image at once.
+ *
+ * **Order.** The points, row by row, make a list. Of those that remain, the one with the index `s mod remaining` is
+ * drawn and the last one moves into its place; `s` is the low half of a 64-bit state that begins with all bits set in
+ * each call and becomes `low * 0xF83F630A + high` of its halves before each draw. So a call always gives the same
+ * lines. A point that an earlier line has consumed is dropped.
+ *
+ * **Votes.** For each angle, the point votes for the cell `x * c + y * s`, truncated, plus `centre`; `c` and `s` are
+ * the angle's cosine and sine from the record, and the products and their sum are of single precision, rounded towards
+ * zero. The angle whose cell now has the most votes is the point's line, the first one of equal ones. With less than
+ * `threshold` votes it is no line; the votes stay.
+ *
+ * **Following.** If `|s| > |c|`, x goes by 1, which is positive if `s` is negative, and negative otherwise, and y by
+ * `c * 65536 / |s|` in fixed point with 16 fractional bits, truncated, from the middle of the pixel on. Otherwise y
+ * goes by 1, positive if `c` is positive, and x by `s * -65536 / |c|`. From the point on, the line is followed this
+ * way, and then the opposite way, as far as set pixels have no more than `lineGap` clear ones between them.
+ *
+ * **Segments.** A segment reaches from the last set pixel of the first way to that of the second. If both its width and
+ * its height, as differences of coordinates, are below `lineLength`, its pixels are cleared and nothing else.
+ * Otherwise its pixels take back their votes, whether they were drawn already or not, and are cleared; counts may
+ * become negative. Then the segment is stored, or the call ends with #lumWrnLineListFull if `maxLineCount` segments
+ * have been.
+ *
+ * The rounding mode of the processor is changed during the call and is the caller's own after it.
+ *
+ * **The record** is `8 * A + 20` bytes long: `delta.rho`, `delta.theta` and `hint`, 4 bytes each, and for each angle
+ * its cosine and its sine, multiplied by `1.0f / delta.rho` in double precision and rounded to single precision. The
+ * angle is accumulated from 0 by adding `delta.theta` in single precision. It may be at any address and be moved, and
+ * serves images of any size.
+ *
+ * **Scratch**, in bytes: `(W / 8 + 1) * H + 4 * (W * H + R * (A + 1))`. The query stores the low 32 bits of both sizes.
+ *
+ * **The query and Init** test their pointers (#lumErrNullPointer), then width and height (#lumErrSize), then that both
+ * components of `delta` are above 0 (#lumErrArgument).
+ *
+ * **Checks** of lumiHoughProbLine_8u32f_C1R(), in this order; after an error nothing has been written:
+ *
+ * 1. #lumErrNullPointer: a pointer is null.
+ * 2. #lumErrSize: the width or the height is below 1 or above 65536.
+ * 3. #lumErrArgument: `threshold` is below 1, or `lineLength` or `lineGap` is negative.
+ *
+ * The stride is not tested: rows may lie in any order and distance.
+ *
+ * This finds segments of at least 30 pixels among edges:
+ *
+ * @code{.c}
+ * #include <lumcv/lumcv.h>
+ * #include <stdlib.h>
+ *
+ * LumStatus findSegments(const Lum8u* pEdges, Lum32s step, LumiSize size, Lum32s (*segments)[4], Lum32s maxCount,
+ *                        Lum32s* pCount)
+ * {
+ *     const LumiPointPolar delta = {1.0f, 0.0174532925f};  // one pixel, one degree
+ *     Lum32s specBytes = 0, bufferBytes = 0;
+ *     LumStatus status = lumiHoughProbLineGetSize_8u_C1R(size, delta, &specBytes, &bufferBytes);
+ *     if (status != lumOk)
+ *         return status;
+ *     LumHoughProbSpec* spec = malloc((size_t)specBytes);
+ *     Lum8u* buffer = malloc((size_t)bufferBytes);
+ *     lumiHoughProbLineInit_8u32f_C1R(size, delta, 0, spec);
+ *     // lines of 25 votes and more, with gaps of up to 3 pixels
+ *     status = lumiHoughProbLine_8u32f_C1R(pEdges, step, size, 25, 30, 3, segments[0], maxCount, pCount, buffer, spec);
+ *     free(buffer);
+ *     free(spec);
+ *     return status;
+ * }
+ * @endcode
+ *
+ * @see @ref hough_lines
+ *
+ * @{
+ */
+
+/** What lumiHoughProbLineInit_8u32f_C1R() lays in the caller's block. */
+typedef struct LumHoughProbSpec LumHoughProbSpec;
+
+/**
+ * Sizes of the record and of scratch.
+ *
+ * @param roiSize     size of the ROI in pixels
+ * @param delta       size of a cell in the plane of lines
+ * @param pSpecSize   where the size of the record in bytes goes; the low 32 bits of a larger one
+ * @param pBufferSize where the size of scratch in bytes goes; the low 32 bits of a larger one
+ * @retval lumOk             the sizes have been written
+ * @retval lumErrNullPointer `pSpecSize` or `pBufferSize` is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrArgument    a component of `delta` is not above 0
+ */
+LUMCV_API LumStatus lumiHoughProbLineGetSize_8u_C1R(LumiSize roiSize, LumiPointPolar delta, Lum32s* pSpecSize,
+                                                    Lum32s* pBufferSize);
+
+/**
+ * Lays the record.
+ *
+ * @param roiSize size of the ROI in pixels; only tested
+ * @param delta   size of a cell in the plane of lines
+ * @param hint    kept in the record, and otherwise without effect
+ * @param pSpec   block of the queried size
+ * @retval lumOk             the record has been laid
+ * @retval lumErrNullPointer `pSpec` is null
+ * @retval lumErrSize        the width or the height is below 1
+ * @retval lumErrArgument    a component of `delta` is not above 0
+ */
+LUMCV_API LumStatus lumiHoughProbLineInit_8u32f_C1R(LumiSize roiSize, LumiPointPolar delta, Lum32s hint,
+                                                    LumHoughProbSpec* pSpec);
+
+/**
+ * Finds the line segments of a binary image.
+ *
+ * @param pSrc         first pixel of the ROI
+ * @param srcStep      stride of the image, in bytes
+ * @param roiSize      size of the ROI in pixels
+ * @param threshold    votes that a line has at least; at least 1
+ * @param lineLength   width or height that a segment has at least; at least 0
+ * @param lineGap      clear pixels that may lie between two of a segment; at least 0
+ * @param pLine        the list, of four numbers for each of `maxLineCount` segments: start x, start y, end x, end y
+ * @param maxLineCount room in the list
+ * @param pLineCount   where the number of segments in the list goes
+ * @param pBuffer      scratch of the queried size
+ * @param pSpec        the record
+ * @retval lumOk              the list and the count have been written
+ * @retval lumWrnLineListFull there was one more segment than the list has room for; it is complete
+ * @retval lumErrNullPointer  a pointer is null
+ * @retval lumErrSize         the width or the height is below 1 or above 65536
+ * @retval lumErrArgument     `threshold`, `lineLength` or `lineGap` is below its least value
+ */
+LUMCV_API LumStatus lumiHoughProbLine_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep, LumiSize roiSize, Lum32s threshold,
+                                                Lum32s lineLength, Lum32s lineGap, Lum32s* pLine, Lum32s maxLineCount,
+                                                Lum32s* pLineCount, Lum8u* pBuffer, const LumHoughProbSpec* pSpec);
 
 /** @} */
 

@@ -7,11 +7,13 @@
 #ifndef LUMCV_H
 #define LUMCV_H
 
+#include "distance.h"
 #include "feature.h"
 #include "filter.h"
 #include "frame.h"
 #include "integral.h"
 #include "morph.h"
+#include "pyramid.h"
 #include "stats.h"
 #include "types.h"
 

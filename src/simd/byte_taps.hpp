@@ -115,6 +115,30 @@ template <int even, int odd, int N>
     }
 }
 
+/// Bytes of a and of b in turn: a[0], b[0], a[1], b[1], and so on, N in all. Reads N / 2 of each.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum8u, N> loadInTurn(const Lum8u* a, const Lum8u* b)
+{
+    using V [[maybe_unused]] = Vec<Lum8u, N>;
+    [[maybe_unused]] const auto wide = [](const Lum8u* p) { return reinterpret_cast<const __m128i*>(p); };
+    if constexpr (kindOf<Lum8u, N> == Kind::pair)
+        return {loadInTurn<N / 2>(a, b), loadInTurn<N / 2>(a + N / 4, b + N / 4)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_unpacklo_epi8(_mm_loadl_epi64(wide(a)), _mm_loadl_epi64(wide(b)))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32) {
+        const __m128i first = _mm_loadu_si128(wide(a)), second = _mm_loadu_si128(wide(b));
+        return {(typename V::Raw)_mm256_set_m128i(_mm_unpackhi_epi8(first, second), _mm_unpacklo_epi8(first, second))};
+    }
+#endif
+#if defined(__AVX512BW__)
+    else {
+        const auto words = [](const Lum8u* p) { return bits(loadWords<N / 2>(p).raw); };
+        return {(typename V::Raw)_mm512_or_si512(words(a), _mm512_slli_epi16(words(b), 8))};
+    }
+#endif
+}
+
 /// The sums of `count` neighbours of each of N pixels; s is the first pixel, and the middle weight falls on the pixel
 /// itself. Reads (count - 1) / 2 pixels on both sides.
 template <const auto& weights, int N>

@@ -26,4 +26,26 @@ class DenormalsMasked
     unsigned saved_;
 };
 
+/// While it lives, sums, products and quotients of floats are rounded towards zero. Then the register is as it was.
+/// What it is meant for must stand in a function of its own that is not inlined: compilers move arithmetic past it.
+class RoundedTowardsZero
+{
+  public:
+    RoundedTowardsZero() : saved_(_mm_getcsr())
+    {
+        _mm_setcsr(saved_ | _MM_ROUND_TOWARD_ZERO);
+    }
+
+    ~RoundedTowardsZero()
+    {
+        _mm_setcsr(saved_);
+    }
+
+    RoundedTowardsZero(const RoundedTowardsZero&) = delete;
+    RoundedTowardsZero& operator=(const RoundedTowardsZero&) = delete;
+
+  private:
+    unsigned saved_;
+};
+
 }  // namespace lumcv::simd

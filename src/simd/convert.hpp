@@ -147,6 +147,33 @@ template <int N>
 #endif
 }
 
+/// The integers between the numbers and zero; what lies beyond 32 bits gives the smallest integer.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32s, N> truncated(Vec<Lum32f, N> v)
+{
+    using V = Vec<Lum32s, N>;
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {truncated(v.lo), truncated(v.hi)};
+    else if constexpr (N == 1)
+        return {_mm_cvttss_si32(_mm_set_ss(v.raw))};
+    else if constexpr (kindOf<Lum32s, N> == Kind::pair)  // floats have the wider register
+    {
+        using Half = Vec<Lum32s, N / 2>;
+        const __m256i wide = _mm256_cvttps_epi32(v.raw);
+        return V{Half{(typename Half::Raw)_mm256_castsi256_si128(wide)},
+                 Half{(typename Half::Raw)_mm256_extractf128_si256(wide, 1)}};
+    } else if constexpr (N == 4)
+        return {(typename V::Raw)_mm_cvttps_epi32(v.raw)};
+#if defined(__AVX2__)
+    else if constexpr (N == 8)
+        return {(typename V::Raw)_mm256_cvttps_epi32(v.raw)};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_cvttps_epi32(v.raw)};
+#endif
+}
+
 /// The nearest value that T can hold.
 template <class T>
 [[gnu::always_inline]] inline T clampTo(Lum32s value)

@@ -166,7 +166,8 @@ template <class T, int N>
         return {(typename V::Raw)_mm256_blendv_epi8(bits(y.raw), bits(x.raw), bits(mask.raw))};
 #endif
     else  // not by the blend intrinsic: without AVX2, g++ makes branches of it
-        return {_mm256_or_ps(_mm256_and_ps(mask.raw, x.raw), _mm256_andnot_ps(mask.raw, y.raw))};
+        return {(typename V::Raw)_mm256_or_ps(_mm256_and_ps((__m256)mask.raw, (__m256)x.raw),
+                                              _mm256_andnot_ps((__m256)mask.raw, (__m256)y.raw))};
 }
 
 /// A bit for each lane, the first one lowest.
@@ -234,6 +235,14 @@ template <class T, int N>
 #endif
     else
         return !_mm256_testz_si256(bits(v.raw), bits(v.raw));
+}
+
+/// A bit for each lane that is not zero, the first one lowest, of integers.
+template <class T, int N>
+[[gnu::always_inline]] inline uint64_t nonZeroBits(Vec<T, N> v)
+{
+    constexpr uint64_t all = ~uint64_t{0} >> (64 - N);
+    return ~laneBits(equal(v, broadcast<N>(T{0}))) & all;
 }
 
 }  // namespace lumcv::simd

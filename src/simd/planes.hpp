@@ -98,4 +98,31 @@ template <int N>
     }
 }
 
+/// Two floats for each of N pixels.
+template <int N>
+struct Couple
+{
+    Vec<Lum32f, N> a, b;
+};
+
+template <int N>
+[[gnu::always_inline]] inline Couple<N> loadCouples(const Lum32f* p)
+{
+    static_assert(N == 1 || N == 8 || N == 16);
+    using V = Vec<Lum32f, N>;
+    if constexpr (N == 1)
+        return {load<1>(p), load<1>(p + 1)};
+    else if constexpr (N == 16) {
+        const auto lo = loadCouples<8>(p);
+        const auto hi = loadCouples<8>(p + 16);
+        return {joined(lo.a, hi.a), joined(lo.b, hi.b)};
+    } else {
+        const auto pixels = [p](int i) {
+            return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(p + i)), _mm_loadu_ps(p + i + 8), 1);
+        };
+        const __m256 q0 = pixels(0), q1 = pixels(4);
+        return {V{_mm256_shuffle_ps(q0, q1, 0x88)}, V{_mm256_shuffle_ps(q0, q1, 0xDD)}};
+    }
+}
+
 }  // namespace lumcv::simd

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simd/convert.hpp"
+#include "simd/halves.hpp"
 
 namespace lumcv::simd {
 
@@ -27,14 +28,59 @@ struct WordSums<N, Kind::pair>
     WordSums<N / 2> lo, hi;
 };
 
-/// a * ka + b * kb, modulo 2^32.
+/// The lanes of two vectors side by side, in the order of the sums that they go into.
+template <int N, Kind kind = kindOf<Lum16s, N>>
+struct WordPairs;
+
+template <>
+struct WordPairs<1, Kind::scalar>
+{
+    Vec<Lum16s, 1> first, second;
+};
+
 template <int N>
-[[gnu::always_inline]] inline WordSums<N> products(Vec<Lum16s, N> a, Lum16s ka, Vec<Lum16s, N> b, Lum16s kb)
+struct WordPairs<N, Kind::native>
+{
+    Vec<Lum16s, N> low, high;
+};
+
+template <int N>
+struct WordPairs<N, Kind::pair>
+{
+    WordPairs<N / 2> lo, hi;
+};
+
+template <int N>
+[[gnu::always_inline]] inline WordPairs<N> pairs(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
+{
+    using V [[maybe_unused]] = Vec<Lum16s, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {pairs(a.lo, b.lo), pairs(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a, b};
+    else if constexpr (sizeof(V) == 16)
+        return {V{(typename V::Raw)_mm_unpacklo_epi16(bits(a.raw), bits(b.raw))},
+                V{(typename V::Raw)_mm_unpackhi_epi16(bits(a.raw), bits(b.raw))}};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {V{(typename V::Raw)_mm256_unpacklo_epi16(bits(a.raw), bits(b.raw))},
+                V{(typename V::Raw)_mm256_unpackhi_epi16(bits(a.raw), bits(b.raw))}};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {V{(typename V::Raw)_mm512_unpacklo_epi16(bits(a.raw), bits(b.raw))},
+                V{(typename V::Raw)_mm512_unpackhi_epi16(bits(a.raw), bits(b.raw))}};
+#endif
+}
+
+/// a * ka + b * kb of pairs (a, b), modulo 2^32.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> products(WordPairs<N> p, Lum16s ka, Lum16s kb)
 {
     if constexpr (kindOf<Lum16s, N> == Kind::pair)
-        return {products(a.lo, ka, b.lo, kb), products(a.hi, ka, b.hi, kb)};
+        return {products(p.lo, ka, kb), products(p.hi, ka, kb)};
     else if constexpr (N == 1)
-        return {Vec<Lum32s, 1>{a.raw} * Vec<Lum32s, 1>{ka} + Vec<Lum32s, 1>{b.raw} * Vec<Lum32s, 1>{kb}};
+        return {Vec<Lum32s, 1>{p.first.raw} * Vec<Lum32s, 1>{ka} + Vec<Lum32s, 1>{p.second.raw} * Vec<Lum32s, 1>{kb}};
     else {
         using Half = Vec<Lum32s, N / 2>;
         const auto taps = bits(broadcast<N / 2>(static_cast<Lum32s>(static_cast<Lum16u>(ka) |
@@ -42,30 +88,25 @@ template <int N>
                                    .raw);
         const auto half = [&](auto interleaved) {
             if constexpr (sizeof(Half) == 16)
-                return Half{(typename Half::Raw)_mm_madd_epi16(interleaved, taps)};
+                return Half{(typename Half::Raw)_mm_madd_epi16(bits(interleaved.raw), taps)};
 #if defined(__AVX2__)
             else if constexpr (sizeof(Half) == 32)
-                return Half{(typename Half::Raw)_mm256_madd_epi16(interleaved, taps)};
+                return Half{(typename Half::Raw)_mm256_madd_epi16(bits(interleaved.raw), taps)};
 #endif
 #if defined(__AVX512BW__)
             else
-                return Half{(typename Half::Raw)_mm512_madd_epi16(interleaved, taps)};
+                return Half{(typename Half::Raw)_mm512_madd_epi16(bits(interleaved.raw), taps)};
 #endif
         };
-        if constexpr (sizeof(Half) == 16)
-            return {half(_mm_unpacklo_epi16(bits(a.raw), bits(b.raw))),
-                    half(_mm_unpackhi_epi16(bits(a.raw), bits(b.raw)))};
-#if defined(__AVX2__)
-        else if constexpr (sizeof(Half) == 32)
-            return {half(_mm256_unpacklo_epi16(bits(a.raw), bits(b.raw))),
-                    half(_mm256_unpackhi_epi16(bits(a.raw), bits(b.raw)))};
-#endif
-#if defined(__AVX512BW__)
-        else
-            return {half(_mm512_unpacklo_epi16(bits(a.raw), bits(b.raw))),
-                    half(_mm512_unpackhi_epi16(bits(a.raw), bits(b.raw)))};
-#endif
+        return {half(p.low), half(p.high)};
     }
+}
+
+/// a * ka + b * kb, modulo 2^32.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> products(Vec<Lum16s, N> a, Lum16s ka, Vec<Lum16s, N> b, Lum16s kb)
+{
+    return products(pairs(a, b), ka, kb);
 }
 
 /// a * k.
@@ -91,6 +132,13 @@ template <int N>
 [[gnu::always_inline]] inline WordSums<N> operator+(WordSums<N> a, WordSums<N> b)
 {
     return eachSum([](auto x, auto y) { return x + y; }, a, b);
+}
+
+/// The sums modulo 2^32, each plus a value.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> operator+(WordSums<N> a, Lum32s value)
+{
+    return eachSum([value]<int M>(Vec<Lum32s, M> x) { return x + broadcast<M>(value); }, a);
 }
 
 /// The product modulo 2^32.
@@ -119,6 +167,37 @@ template <int N>
         return {(typename V::Raw)_mm_packs_epi32(bits(a.low.raw), bits(a.high.raw))};
     else
         return {(typename V::Raw)grouped<Lum16s>(bits(a.low.raw), bits(a.high.raw))};
+}
+
+/// The sums in the order of their words.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum32s, N> inOrder(WordSums<N> a)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {inOrder(a.lo), inOrder(a.hi)};
+    else if constexpr (N == 1)
+        return a.sum;
+    else if constexpr (sizeof a.low == 16)
+        return joined(a.low, a.high);
+    else {
+        using Half = Vec<Lum32s, N / 2>;
+        [[maybe_unused]] const auto half = [](auto raw) { return Half{(typename Half::Raw)raw}; };
+        [[maybe_unused]] const auto low = bits(a.low.raw);
+        [[maybe_unused]] const auto high = bits(a.high.raw);
+#if defined(__AVX2__)
+        if constexpr (sizeof a.low == 32)
+            return joined(half(_mm256_permute2x128_si256(low, high, 0x20)),
+                          half(_mm256_permute2x128_si256(low, high, 0x31)));
+#endif
+#if defined(__AVX512BW__)
+        if constexpr (sizeof a.low == 64) {
+            const auto first = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);
+            const auto second = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);
+            return joined(half(_mm512_permutex2var_epi64(low, first, high)),
+                          half(_mm512_permutex2var_epi64(low, second, high)));
+        }
+#endif
+    }
 }
 
 /// a * a + b * b for each of N pairs of words, in their order and modulo 2^32.

@@ -60,6 +60,48 @@ TEST(SimdDoubles, TruncationAndWhatLiesBeyondIntegers)
     });
 }
 
+TEST(SimdDoubles, TruncationOfSingles)
+{
+    forLaneCounts([]<int N>(simd::Lanes<N>, unsigned seed) {
+        auto singles = drawn<Lum32f, N>(seed, Values::NonFinite);
+        singles[0] = seed % 2 ? 2147483520.0f : -2147483648.0f;
+        const auto integers = lanesOf(simd::truncated(simd::load<N>(singles.data())));
+        for (int i = 0; i < N; ++i) {
+            const bool fits = singles[i] >= -2147483648.0f && singles[i] < 2147483648.0f;
+            EXPECT_EQ(integers[i], fits ? static_cast<Lum32s>(singles[i]) : INT32_MIN) << singles[i];
+        }
+    });
+}
+
+TEST(SimdDoubles, TheLesserLanesChoose)
+{
+    forLaneCounts([]<int N>(simd::Lanes<N>, unsigned seed) {
+        if constexpr (N <= 4) {
+            const auto a = drawn<Lum64f, N>(seed, Values::NonFinite), b = drawn<Lum64f, N>(seed + 1, Values::NonFinite);
+            const auto x = drawn<Lum64f, N>(seed + 2, Values::NonFinite);
+            const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data()), vx = simd::load<N>(x.data());
+            const auto chosen = lanesOf(simd::select(simd::less(va, vb), vx, va));
+            for (int i = 0; i < N; ++i)
+                EXPECT_TRUE(isSame(chosen[i], a[i] < b[i] ? x[i] : a[i])) << a[i] << " and " << b[i];
+        }
+    });
+}
+
+TEST(SimdControl, RoundsTowardsZeroForAWhile)
+{
+    const unsigned before = _mm_getcsr();
+    // what the compiler does not know, it cannot divide beforehand
+    volatile Lum32f one = 1, minusOne = -1, ten = 10, three = 3;
+    {
+        const simd::RoundedTowardsZero rounding;
+        EXPECT_EQ(one / ten, 0x1.999998p-4f);
+        EXPECT_EQ(minusOne / ten, -0x1.999998p-4f);
+        EXPECT_EQ(one / three, 0x1.555554p-2f);
+    }
+    EXPECT_EQ(_mm_getcsr(), before);
+    EXPECT_EQ(one / ten, 0x1.99999ap-4f);
+}
+
 TEST(SimdDoubles, Roots)
 {
     forLaneCounts([]<int N>(simd::Lanes<N>, unsigned seed) {

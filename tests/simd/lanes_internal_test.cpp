@@ -323,6 +323,16 @@ TEST(SimdPlanes, ThreeFloatsOfAPixelGoIntoFourAndComeBack)
     });
 }
 
+TEST(SimdPlanes, TwoFloatsOfAPixelComeApart)
+{
+    forPixelCounts([]<int N>(simd::Lanes<N>) {
+        const auto floats = drawnLanes<Lum32f, 2 * N + 1>(4);
+        const auto couples = simd::loadCouples<N>(floats.data() + 1);
+        expectEach<Lum32f, N>(couples.a, [&](int i) { return floats[std::size_t(1 + 2 * i)]; });
+        expectEach<Lum32f, N>(couples.b, [&](int i) { return floats[std::size_t(2 + 2 * i)]; });
+    });
+}
+
 TEST(SimdWords, BytesBecomeWordsAndWordsFloats)
 {
     const auto check = []<int N>(simd::Lanes<N>) {

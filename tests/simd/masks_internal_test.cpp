@@ -104,9 +104,11 @@ TEST(SimdMasks, Equal)
 const auto loneLanes = []<class T, int N>(T, simd::Lanes<N>, unsigned) {
     std::array<T, N> lanes{};
     EXPECT_FALSE(simd::anyNonZero(simd::load<N>(lanes.data())));
+    EXPECT_EQ(simd::nonZeroBits(simd::load<N>(lanes.data())), 0u);
     for (std::size_t i = 0; i < N; ++i) {
         lanes[i] = std::numeric_limits<T>::min() ? std::numeric_limits<T>::min() : T{1};
         EXPECT_TRUE(simd::anyNonZero(simd::load<N>(lanes.data()))) << "lane " << i << " of " << N;
+        EXPECT_EQ(simd::nonZeroBits(simd::load<N>(lanes.data())), std::uint64_t{1} << i) << "of " << N;
         lanes[i] = 0;
     }
 };

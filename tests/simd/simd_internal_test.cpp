@@ -432,6 +432,135 @@ TEST(Simd, SplitWordsAreWords)
     check(simd::Lanes<4 * simd::registerLanes<Lum8u>>{});
 }
 
+TEST(Simd, PairsAreSeparatedAndJoined)
+{
+    const auto check = [](auto n) {
+        constexpr int N = n;
+        for (unsigned seed = 0; seed < 20; ++seed) {
+            const auto words = drawn<Lum16u, 2 * N>(seed);
+            const auto floats = drawn<Lum32f, 2 * N>(seed);
+            const auto bytes = drawn<Lum8u, 2 * N>(seed);
+            const auto ofWords = simd::loadEvenOdd<N>(words.data());
+            const auto ofFloats = simd::loadEvenOdd<N>(floats.data());
+            const auto ofBytes = simd::loadEvenOdd<N>(bytes.data());
+            expectLanes<Lum16u, N>(ofWords.even, [&](int i) { return words[2 * i]; });
+            expectLanes<Lum16u, N>(ofWords.odd, [&](int i) { return words[2 * i + 1]; });
+            expectLanes<Lum32f, N>(ofFloats.even, [&](int i) { return floats[2 * i]; });
+            expectLanes<Lum32f, N>(ofFloats.odd, [&](int i) { return floats[2 * i + 1]; });
+            expectLanes<Lum16s, N>(ofBytes.even, [&](int i) { return static_cast<Lum16s>(bytes[2 * i]); });
+            expectLanes<Lum16s, N>(ofBytes.odd, [&](int i) { return static_cast<Lum16s>(bytes[2 * i + 1]); });
+            expectLanes<Lum16s, N>(simd::centred(ofWords.even),
+                                   [&](int i) { return static_cast<Lum16s>(words[2 * i] - 32768); });
+            if constexpr (N == simd::registerLanes<Lum16s>) {
+                Lanes<Lum16u, 2 * N> joinedWords;
+                simd::storePairs(joinedWords.data(), ofWords.even, ofWords.odd);
+                EXPECT_EQ(joinedWords, words);
+                Lanes<Lum8u, 2 * N> joinedBytes;
+                simd::storePairs(joinedBytes.data(), ofBytes.even, ofBytes.odd);
+                EXPECT_EQ(joinedBytes, bytes);
+            }
+        }
+    };
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<16>{});
+    check(simd::Lanes<32>{});
+    check(simd::Lanes<simd::registerLanes<Lum16s>>{});
+}
+
+TEST(Simd, FloatsAreTruncated)
+{
+    const auto check = [](auto n) {
+        constexpr int N = n;
+        for (unsigned seed = 0; seed < 50; ++seed) {
+            const auto lanes = drawn<Lum32f, N>(seed);
+            expectLanes<Lum32s, N>(simd::truncated(vectorOf<N>(lanes)), [&](int i) {
+                const bool fits = lanes[i] >= -2147483648.0f && lanes[i] < 2147483648.0f;
+                return fits ? static_cast<Lum32s>(lanes[i]) : std::numeric_limits<Lum32s>::min();
+            });
+        }
+    };
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<4>{});
+    check(simd::Lanes<8>{});
+    check(simd::Lanes<16>{});
+    check(simd::Lanes<32>{});
+}
+
+TEST(Simd, WordSumsKeepTheOrderOfTheirWords)
+{
+    const auto check = [](auto n) {
+        constexpr int N = n;
+        for (unsigned seed = 0; seed < 20; ++seed) {
+            const auto a = drawn<Lum16s, N>(seed), b = drawn<Lum16s, N>(seed + 100);
+            const auto sums = simd::products(vectorOf<N>(a), Lum16s{-3}, vectorOf<N>(b), Lum16s{7});
+            expectLanes<Lum32s, N>(simd::inOrder(sums + 11), [&](int i) { return -3 * a[i] + 7 * b[i] + 11; });
+        }
+    };
+    check(simd::Lanes<1>{});
+    check(simd::Lanes<16>{});
+    check(simd::Lanes<32>{});
+    check(simd::Lanes<simd::registerLanes<Lum16s>>{});
+}
+
+template <class T, int N>
+void expectNeighbours(unsigned seed)
+{
+    using Lane = std::conditional_t<std::is_same_v<T, Lum32f>, Lum32f, Lum32s>;
+    const auto elements = drawn<T, 64>(seed);
+    Lanes<Lum32s, N> places;
+    Random random(seed);
+    for (Lum32s& place : places)
+        place = static_cast<Lum32s>(random.between(0, 62));
+    const auto found = simd::gatherNeighbours<N>(elements.data(), places.data());
+    const auto at = [&](Lum32s i) { return static_cast<Lane>(elements[static_cast<std::size_t>(i)]); };
+    expectLanes<Lane, N>(found.first, [&](int i) { return at(places[i]); });
+    expectLanes<Lane, N>(found.second, [&](int i) { return at(places[i] + 1); });
+}
+
+TEST(Simd, NeighboursAreGathered)
+{
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        expectNeighbours<Lum16s, 1>(seed);
+        expectNeighbours<Lum16s, 16>(seed);
+        expectNeighbours<Lum32s, 1>(seed);
+        expectNeighbours<Lum32s, 16>(seed);
+        expectNeighbours<Lum32f, 4>(seed);
+        expectNeighbours<Lum32f, 16>(seed);
+    }
+}
+
+TEST(Simd, LanesAreSummedInTheirOrder)
+{
+    for (unsigned seed = 0; seed < 50; ++seed) {
+        const auto a = drawn<Lum32f, 4>(seed), b = drawn<Lum32f, 4>(seed + 100), c = drawn<Lum32f, 4>(seed + 200),
+                   d = drawn<Lum32f, 4>(seed + 300);
+        const Lanes<Lum32f, 4>* const all[] = {&a, &b, &c, &d};
+        expectLanes<Lum32f, 4>(simd::sumsOfLanes(vectorOf<4>(a), vectorOf<4>(b), vectorOf<4>(c), vectorOf<4>(d)),
+                               [&](int i) {
+                                   const auto& v = *all[i];
+                                   return v[0] + v[1] + v[2] + v[3];
+                               });
+        for (int count = 0; count <= 4; ++count)
+            expectLanes<Lum32f, 4>(simd::firstLanes(vectorOf<4>(a), count),
+                                   [&](int i) { return i < count ? a[i] : -0.0f; });
+    }
+}
+
+TEST(Simd, FourPixelsOfThreeBytesAreSeparated)
+{
+    const auto bytes = drawn<Lum8u, 16>(3);
+    Lanes<Lum16s, 8> even, odd;
+    simd::separateTriples(bytes.data(), even.data(), odd.data());
+    for (std::size_t i = 0; i < 6; ++i) {
+        const std::size_t from = i / 3 * 6 + i % 3;
+        EXPECT_EQ(even[i], bytes[from]) << i;
+        EXPECT_EQ(odd[i], bytes[from + 3]) << i;
+    }
+    Lanes<Lum16s, 4> words;
+    simd::storeWords(words.data(), vectorOf<4>(Lanes<Lum32s, 4>{-40000, 40000, -7, 32767}));
+    EXPECT_EQ(words, (Lanes<Lum16s, 4>{-32768, 32767, -7, 32767}));
+}
+
 TEST(Simd, RowsAreWalkedToTheirLastElement)
 {
     expectWalks<1>();
