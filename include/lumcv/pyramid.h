@@ -364,8 +364,10 @@ LUMCV_API LumStatus lumiPyramidLayerDownInit_32f_C3R(LumiPyramidLayerDownRecord*
                                                      const Lum32f* pKernel, Lum32s kernelSize, Lum32s mode,
                                                      Lum8u* pStateMem, Lum8u* pBuffer);
 
-/** Lays a layer-down record in the caller's block: 32f, one channel, in 64 bits. @copydetails
- * lumiPyramidLayerDownInit_8u_C1R */
+/**
+ * Lays a layer-down record in the caller's block: 32f, one channel, in 64 bits.
+ * @copydetails lumiPyramidLayerDownInit_8u_C1R
+ */
 LUMCV_API LumStatus lumiPyramidLayerDownInit_32f_C1R_L(LumiPyramidLayerDownRecord** ppState, LumiSizeL srcRoi,
                                                        Lum32f rate, const Lum32f* pKernel, Lum32s kernelSize,
                                                        Lum32s mode, Lum8u* pStateMem, Lum8u* pBuffer);
@@ -508,8 +510,10 @@ LUMCV_API LumStatus lumiPyramidLayerUpInit_32f_C3R(LumiPyramidLayerUpRecord** pp
                                                    const Lum32f* pKernel, Lum32s kernelSize, Lum32s mode,
                                                    Lum8u* pStateMem);
 
-/** Lays a layer-up record in the caller's block: 32f, one channel, in 64 bits. @copydetails
- * lumiPyramidLayerUpInit_8u_C1R */
+/**
+ * Lays a layer-up record in the caller's block: 32f, one channel, in 64 bits.
+ * @copydetails lumiPyramidLayerUpInit_8u_C1R
+ */
 LUMCV_API LumStatus lumiPyramidLayerUpInit_32f_C1R_L(LumiPyramidLayerUpRecord** ppState, LumiSizeL srcRoi, Lum32f rate,
                                                      const Lum32f* pKernel, Lum32s kernelSize, Lum32s mode,
                                                      Lum8u* pStateMem);
