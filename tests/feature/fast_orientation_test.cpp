@@ -57,7 +57,8 @@ struct Side
 // the right. 36 bins put the four directions onto edges of bins, 2 and 10 and 50 into their middle.
 TEST(FastOrientationQuick, FourDirections)
 {
-    for (const auto& [radius, arc] : {std::pair{3, 9}, {3, 10}, {1, 5}, {2, 8}, {5, 16}, {7, 22}, {9, 28}}) {
+    for (const auto& shape : {std::pair{3, 9}, {3, 10}, {1, 5}, {2, 8}, {5, 16}, {7, 22}, {9, 28}}) {
+        const auto radius = shape.first, arc = shape.second;  // which a lambda can capture
         for (const Side& side : {Side{-1, 0, 0}, Side{0, 1, 1}, Side{1, 0, 2}, Side{0, -1, 3}}) {
             for (const bool isDark : {false, true}) {
                 const int width = 2 * radius + 1;

@@ -163,7 +163,8 @@ TEST(FastStatusQuick, GetSizeAndInit)
 TEST(FastStatusQuick, ArcsAndBins)
 {
     const std::pair<int, int> shortest[] = {{1, 5}, {2, 7}, {3, 9}, {5, 15}, {7, 21}, {9, 27}};
-    for (const auto& [radius, arc] : shortest) {
+    for (const auto& shape : shortest) {
+        const auto radius = shape.first, arc = shape.second;  // which a lambda can capture
         Lum32s bytes = 0;
         const auto query = [&](int n, int bins, int mode) {
             return lumiFastNGetSize({5, 5}, radius, n, bins, mode, lumType8u, 1, &bytes);
