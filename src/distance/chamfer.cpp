@@ -1,7 +1,7 @@
 // Chamfer distance: the least sum of steps to a zero pixel that a pass down and a pass up find.
 #include "distance/chamfer_steps.hpp"
 #include "distance/chamfer_wave.hpp"
-#include "frame/checks.hpp"
+#include "distance/transform_checks.hpp"
 #include "lumcv/distance.h"
 
 namespace lumcv {
@@ -112,12 +112,7 @@ void distances(Plane<const Lum8u> src, Plane<T> dst, LumiSize size, const Steps<
 template <int kernelSize, class T, class Metric>
 LumStatus transform(Plane<const Lum8u> src, Plane<T> dst, LumiSize size, const Metric* metrics)
 {
-    auto checks = Checks{}
-                      .notNull(src.pixels, dst.pixels, metrics)
-                      .size(size)
-                      .step(src, size.width)
-                      .step(dst, size.width)
-                      .alignment(dst);
+    auto checks = transformChecks(src, dst, size, metrics);
     if (checks.failed())
         return checks.status();
     for (int i = 0; i < (kernelSize == 3 ? 2 : 3); ++i)

@@ -1,5 +1,6 @@
 // Fast marching: sweeps over the rows, to and fro, until nothing changes. After the first ones only pixels are visited
 // of which a neighbour has changed.
+#include "distance/transform_checks.hpp"
 #include "frame/block.hpp"
 #include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
@@ -296,14 +297,7 @@ class March
 
 LumStatus march(Plane<const Lum8u> src, Plane<Lum32f> dst, LumiSize size, Lum32f radius, Lum8u* pBuffer)
 {
-    const LumStatus status = Checks{}
-                                 .notNull(src.pixels, dst.pixels, pBuffer)
-                                 .size(size)
-                                 .step(src, size.width)
-                                 .step(dst, size.width)
-                                 .alignment(dst)
-                                 .require(!(radius < 0), lumErrArgument)
-                                 .status();
+    const LumStatus status = transformChecks(src, dst, size, pBuffer).require(!(radius < 0), lumErrArgument).status();
     if (status != lumOk)
         return status;
     if (radius == 0)

@@ -2,6 +2,7 @@
 // stand on them, and the root.
 #include <limits>
 
+#include "distance/transform_checks.hpp"
 #include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/rounding.hpp"
@@ -153,12 +154,7 @@ struct RowScratch
 
 LumStatus trueDistance(Plane<const Lum8u> src, Plane<Lum32f> dst, LumiSize size, Lum8u* pBuffer)
 {
-    const auto checks = Checks{}
-                            .notNull(src.pixels, dst.pixels, pBuffer)
-                            .size(size)
-                            .step(src, size.width)
-                            .step(dst, size.width)
-                            .alignment(dst);
+    const auto checks = transformChecks(src, dst, size, pBuffer);
     if (checks.failed())
         return checks.status();
     countDown(src, dst, size);
