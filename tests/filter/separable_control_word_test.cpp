@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "filter/separable_arguments.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::separable {
 namespace {
@@ -79,11 +80,7 @@ constexpr ControlWords kOtherArithmetic[] = {
     {(kAllMasked & ~kDenormalMask) | 0x002f, 0x037d},
 };
 
-template <class C>
-class SeparableControlWordsQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SeparableControlWordsQuick, AllCases, CaseName);
+TYPE_SUITE(SeparableControlWordsQuick, AllCases, CaseName);
 
 // Denormals wherever there are floats: pixels, border values, coefficients.
 template <class T>
@@ -109,7 +106,7 @@ Kernel denormalKernel(LumDataType kernelType, LumiSize size)
     return kernel;
 }
 
-TYPED_TEST(SeparableControlWordsQuick, DenormalsDoNotTrap)
+TYPE_TEST(SeparableControlWordsQuick, DenormalsDoNotTrap)
 {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Destination;
@@ -161,7 +158,7 @@ TYPED_TEST(SeparableControlWordsQuick, DenormalsDoNotTrap)
     }
 }
 
-TYPED_TEST(SeparableControlWordsQuick, KeptAfterEveryError)
+TYPE_TEST(SeparableControlWordsQuick, KeptAfterEveryError)
 {
     for (const Entry entry : kBothEntries) {
         for (const int channels : kChannels) {
@@ -186,7 +183,7 @@ TYPED_TEST(SeparableControlWordsQuick, KeptAfterEveryError)
 }
 
 // Init copies denormal coefficients, and refuses, without touching the words.
-TYPED_TEST(SeparableControlWordsQuick, KeptByInitAndQueries)
+TYPE_TEST(SeparableControlWordsQuick, KeptByInitAndQueries)
 {
     for (const LumDataType kernelType : TypeParam::kernelTypes) {
         const Kernel kernel = denormalKernel(kernelType, {5, 3});
