@@ -190,7 +190,8 @@ TEST(FloodPlainCasesQuick, ExtremesOf32s)
         for (const Lum32s newVal : {least, largest, -1, 0}) {
             Image<Lum32s> image({.width = 21, .height = 4});
             image.forEach(Area::Roi, [&](Lum32s& element, int x, int y, int) {
-                element = (x * 5 + y * 3) % 17 == 0 ? static_cast<Lum32s>(static_cast<Lum32u>(value) ^ 0x01000000u) : value;
+                element =
+                    (x * 5 + y * 3) % 17 == 0 ? static_cast<Lum32s>(static_cast<Lum32u>(value) ^ 0x01000000u) : value;
             });
             Order<Lum32s, 1> order;
             order.seed = {1, 0};

@@ -138,20 +138,12 @@ inline Pattern rings(int width, int height)
 /// Each of the shapes above, and those that other tests know.
 inline std::vector<Pattern> tangledShapes(int width, int height, Random& random)
 {
-    std::vector<Pattern> shapes = {serpentine(width, height),
-                                   spiral(width, height),
-                                   bouncingDiagonal(width, height),
-                                   comb(width, height),
-                                   doubleComb(width, height),
-                                   combs(width, height),
-                                   grid(width, height),
-                                   walls(width, height),
-                                   checkerboard(width, height),
-                                   triangle(width, height),
-                                   carpet(width, height),
-                                   crosses(width, height),
-                                   tree(width, height),
-                                   rings(width, height)};
+    std::vector<Pattern> shapes = {
+        serpentine(width, height), spiral(width, height),     bouncingDiagonal(width, height),
+        comb(width, height),       doubleComb(width, height), combs(width, height),
+        grid(width, height),       walls(width, height),      checkerboard(width, height),
+        triangle(width, height),   carpet(width, height),     crosses(width, height),
+        tree(width, height),       rings(width, height)};
     if (width % 2 == 1 && height % 2 == 1) {
         shapes.push_back(maze(width, height, random));
     }

@@ -139,7 +139,9 @@ TEST(FloodShapes, EveryPatternOfSmallSizes)
 {
     for (const LumiSize size : {LumiSize{13, 1}, {1, 13}, {6, 2}, {2, 6}, {4, 3}, {3, 4}, {13, 1}}) {
         const int places = size.width * size.height;
-        const auto bytes = [&](Rule rule) { return static_cast<std::size_t>(scratchBytes(rule, size.width, size.height)); };
+        const auto bytes = [&](Rule rule) {
+            return static_cast<std::size_t>(scratchBytes(rule, size.width, size.height));
+        };
         const PlacedBlock plainScratch(bytes(Rule::Plain), Guard::After, 1);
         const PlacedBlock gradScratch(bytes(Rule::Grad), Guard::After, 3);
         Image<Lum8u> actual({.width = size.width, .height = size.height});
@@ -190,7 +192,8 @@ TEST(FloodShapes, EveryPatternOfSmallSizes)
                         ASSERT_EQ(image.at(i % size.width, i / size.width), expected)
                             << pattern << ", " << order << ", " << nameOf(rule) << ": place " << i;
                     }
-                    ASSERT_EQ(region.area, __builtin_popcount(grown)) << pattern << ", " << order << ", " << nameOf(rule);
+                    ASSERT_EQ(region.area, __builtin_popcount(grown))
+                        << pattern << ", " << order << ", " << nameOf(rule);
                 }
             }
         }
