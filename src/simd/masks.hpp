@@ -69,7 +69,7 @@ template <class T, int N>
     return greater(b, a);
 }
 
-/// a <= b, of floats. A not-a-number is on no side.
+/// a <= b, of floats. A not-a-number is not.
 template <int N>
 [[gnu::always_inline]] inline Mask<Lum32f, N> atMost(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
 {
