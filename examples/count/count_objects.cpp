@@ -21,8 +21,8 @@ Colour colourOf(Lum32s label)
 {
     const int hue = static_cast<int>(static_cast<Lum32u>(label) * 949u % 1536u);
     const int rising = hue % 256, falling = 255 - rising;
-    const Colour hues[] = {{255, rising, 0}, {falling, 255, 0}, {0, 255, rising},
-                           {0, falling, 255}, {rising, 0, 255}, {255, 0, falling}};
+    const Colour hues[] = {{255, rising, 0},  {falling, 255, 0}, {0, 255, rising},
+                           {0, falling, 255}, {rising, 0, 255},  {255, 0, falling}};
     return hues[hue / 256];
 }
 
@@ -85,31 +85,28 @@ Count measured(const Picture& mask, bool diagonal)
                                      &number, buffer.data()),
           "lumiLabelMarkers_8u32s_C1R");
 
-    // labels go in the order of first pixels, so all of an object's rows come after its box has begun
     for (Lum32s label = 1; label <= number; ++label) {
-        count.objects.push_back({label, 0, {mask.width(), mask.height(), 0, 0}});
+        count.objects.push_back({label, 0, {}});
     }
+    // rows come from above, so a box begins with the row of its first pixel and ends with that of its last
     for (int y = 0; y < mask.height(); ++y) {
         for (int x = 0; x < mask.width(); ++x) {
             const Lum32s label = count.labels.at(x, y);
             if (label == 0) {
                 continue;
             }
-            auto& [name, area, box] = count.objects[static_cast<std::size_t>(label - 1)];
-            ++area;
+            Object& object = count.objects[static_cast<std::size_t>(label - 1)];
+            LumiRect& box = object.box;
+            if (object.area++ == 0) {
+                box = {x, y, 1, 1};
+            }
             const int right = std::max(box.x + box.width, x + 1);
             box.x = std::min(box.x, x);
-            box.width = (area == 1 ? x + 1 : right) - box.x;
-            box.y = std::min(box.y, y);
+            box.width = right - box.x;
             box.height = y + 1 - box.y;
         }
     }
     return count;
-}
-
-Count countObjects(const Picture& gray, const Options& options)
-{
-    return measured(objectMask(smoothed(gray, options.smoothing), options), options.diagonal);
 }
 
 Picture coloured(const Picture& gray, const Count& count)

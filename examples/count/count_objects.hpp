@@ -42,9 +42,6 @@ Picture objectMask(const Picture& smooth, const Options& options);
 /// Labels the components of a mask and measures each.
 Count measured(const Picture& mask, bool diagonal);
 
-/// All three, one after the other.
-Count countObjects(const Picture& gray, const Options& options);
-
 /// The picture with each object in a colour of its own and its box around it.
 Picture coloured(const Picture& gray, const Count& count);
 
