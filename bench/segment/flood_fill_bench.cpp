@@ -129,9 +129,9 @@ auto within(LumStatus (*fill)(T*, Lum32s, LumiSize, LumiPoint, T, T, T, LumiConn
 }
 
 template <typename T>
-auto within(
-    LumStatus (*fill)(T*, Lum32s, LumiSize, LumiPoint, const T*, const T*, const T*, LumiConnectedComp*, Lum8u*),
-    Scene scene, Query query)
+auto within(LumStatus (*fill)(T*, Lum32s, LumiSize, LumiPoint, const T*, const T*, const T*, LumiConnectedComp*,
+                              Lum8u*),
+            Scene scene, Query query)
 {
     return [=](Job& job) -> Call {
         const auto image = draw<T>(job, scene, 3, query);
