@@ -26,12 +26,28 @@ check_results()
         fail "lines of another form in $1/objects.csv"
 }
 
-# a drawn picture of COINS
-PLACE_FOR_EXPECTATION
+# the photograph shows 24 coins; each is within its box, none is smaller than 500 pixels or wider than 70
+expect 0 "" "$count" --threshold 130 --least 300 "$photo" coins
+check_results coins
+[ "$(cat stdout.txt)" = "24 objects" ] || fail "not 24 coins: $(cat stdout.txt)"
+awk -F, 'NR > 1 { if ($1 != NR - 1 || $2 < 500 || $2 > $5 * $6 || $5 > 70 || $6 > 70 || $3 + $5 > 384 || $4 + $6 > 303) bad = 1 }
+    END { exit bad }' coins/objects.csv || fail "no coins: $(cat coins/objects.csv)"
+cp stdout.txt coins.txt
+
+# without a least area there are specks besides; the dark ground is one object that takes most of the photograph
+expect 0 "" "$count" --threshold 130 --least 1 --smooth 1 "$photo" specks
+check_results specks
+[ "$(wc -l <specks/objects.csv)" -gt 60 ] || fail "where are the specks? $(cat stdout.txt)"
+expect 0 "" "$count" --threshold 130 --dark --least 300 "$photo" ground
+check_results ground
+awk -F, 'NR > 1 && $2 > 58000 && $5 == 384 && $6 == 303 { found = 1 } END { exit !found }' ground/objects.csv ||
+    fail "no ground: $(cat ground/objects.csv)"
+expect 0 "" "$count" --threshold 130 --least 1 --smooth 1 --four "$photo" four
+check_results four
+[ "$(wc -l <four/objects.csv)" -gt "$(wc -l <specks/objects.csv)" ] || fail "corners join in spite of --four"
 
 # the same again
-cp stdout.txt coins.txt
-expect 0 "" "$count" --threshold 110 "$photo" again/deeper
+expect 0 "" "$count" --threshold 130 --least 300 "$photo" again/deeper
 cmp stdout.txt coins.txt || fail "another number from run to run"
 for file in mask.png objects.png objects.csv; do
     cmp "coins/$file" "again/deeper/$file" || fail "$file differs from run to run"
