@@ -271,7 +271,7 @@ struct Bounds
 /// Pixels are painted as they are taken, so those that the new value lets pass are found again; the stack that wraps
 /// ends such a fill, or else the count of spans does.
 template <class T, int channels>
-Outcome fillRange(Image<T>& image, const Order<T, channels>& order)
+Outcome fillRange(Image<T>& image, const Order<T, channels>& order, std::optional<std::int64_t> mostPopped = {})
 {
     std::vector<Bounds<T>> bounds;
     for (int c = 0; c < channels; ++c) {
@@ -280,7 +280,7 @@ Outcome fillRange(Image<T>& image, const Order<T, channels>& order)
     }
     const LumiSize size = {image.width(), image.height()};
     const auto capacity = static_cast<std::size_t>(rangeCapacity(size.width, size.height));
-    const std::int64_t limit = rangeLimit(size.width, size.height);
+    const std::int64_t limit = mostPopped.value_or(rangeLimit(size.width, size.height));
     Outcome outcome;
     std::vector<Span> slots(capacity + 1);
     std::size_t index = 0;
