@@ -4,8 +4,10 @@
 // than all before it, H exceeds whatever steps q has.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <cstdint>
 #include <limits>
 
 #include "lumcv/types.h"
@@ -92,9 +94,11 @@ struct FloatHeightCosts
 
     static Cost afterBoth(Cost lesser, Cost greater)
     {
-        const Cost d = greater - lesser;
-        if (d >= 256)  // heights that differ are farther apart
+        // heights that differ are farther apart, by as much as 64 bits hold without a sign
+        const uint64_t apart = static_cast<uint64_t>(greater) - static_cast<uint64_t>(lesser);
+        if (apart >= 256)
             return afterPixel(lesser);
+        const auto d = static_cast<Cost>(apart);
         const Cost sum = 2 * stepsOf(lesser) + d;
         const auto steps = static_cast<Cost>(
             0.5 + 0.5 * (static_cast<double>(sum) + __builtin_sqrt(static_cast<double>(131072 - d * d))));
