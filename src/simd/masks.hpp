@@ -69,11 +69,28 @@ template <class T, int N>
     return greater(b, a);
 }
 
-/// a == b, of integers.
+/// a >= b, of floats. A not-a-number is not.
+template <int N>
+[[gnu::always_inline]] inline Mask<Lum32f, N> notLess(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    using M = Mask<Lum32f, N>;
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {notLess(a.lo, b.lo), notLess(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw >= b.raw};
+#if defined(__AVX512BW__)
+    else if constexpr (hasMaskRegister<Lum32f, N>)
+        return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_GE_OQ)};
+#endif
+    else
+        return M{(typename M::Raw)(a.raw >= b.raw)};
+}
+
+/// a == b, of integers or single-precision floats. A not-a-number equals nothing; zeros of both signs are equal.
 template <class T, int N>
 [[gnu::always_inline]] inline Mask<T, N> equal(Vec<T, N> a, Vec<T, N> b)
 {
-    static_assert(std::is_integral_v<T>);
+    static_assert(std::is_integral_v<T> || std::is_same_v<T, Lum32f>);
     using M = Mask<T, N>;
     if constexpr (kindOf<T, N> == Kind::pair)
         return {equal(a.lo, b.lo), equal(a.hi, b.hi)};
@@ -81,7 +98,9 @@ template <class T, int N>
         return {a.raw == b.raw};
 #if defined(__AVX512BW__)
     else if constexpr (hasMaskRegister<T, N>) {
-        if constexpr (sizeof(T) == 1)
+        if constexpr (std::is_same_v<T, Lum32f>)
+            return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_EQ_OQ)};
+        else if constexpr (sizeof(T) == 1)
             return M{_mm512_cmpeq_epi8_mask(bits(a.raw), bits(b.raw))};
         else if constexpr (sizeof(T) == 2)
             return M{_mm512_cmpeq_epi16_mask(bits(a.raw), bits(b.raw))};
@@ -138,6 +157,16 @@ template <class T, int N>
         return {a.lo | b.lo, a.hi | b.hi};
     else
         return {(decltype(a.raw))(maskLanes(a) | maskLanes(b))};
+}
+
+/// a, but not b.
+template <class T, int N>
+[[gnu::always_inline]] inline Mask<T, N> without(Mask<T, N> a, Mask<T, N> b)
+{
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {without(a.lo, b.lo), without(a.hi, b.hi)};
+    else
+        return {(decltype(a.raw))(maskLanes(a) & ~maskLanes(b))};
 }
 
 /// x where the mask holds, otherwise y.
