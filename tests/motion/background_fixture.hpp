@@ -3,7 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
+#include <sstream>
+#include <string>
 
 #include "motion/background_reference.hpp"
 #include "support/compare.hpp"
@@ -229,12 +230,14 @@ inline LumFGMMModel drawModel(Random& random, int capacity)
     return model;
 }
 
-inline std::ostream& operator<<(std::ostream& stream, const LumFGMMModel& model)
+inline std::string textOf(const LumFGMMModel& model)
 {
-    return stream << "{" << model.numFrames << ", " << model.maxNGauss << ", " << model.varInit << ", " << model.varMin
-                  << ", " << model.varMax << ", " << model.varWBRatio << ", " << model.bckgRatio << ", "
-                  << model.varWGen << ", " << model.CT << ", " << int{model.shadowValue} << ", "
-                  << int{model.shadowFlag} << ", " << model.shadowRatio << "}";
+    std::ostringstream text;
+    text << "{" << model.numFrames << ", " << model.maxNGauss << ", " << model.varInit << ", " << model.varMin << ", "
+         << model.varMax << ", " << model.varWBRatio << ", " << model.bckgRatio << ", " << model.varWGen << ", "
+         << model.CT << ", " << int{model.shadowValue} << ", " << int{model.shadowFlag} << ", " << model.shadowRatio
+         << "}";
+    return text.str();
 }
 
 }  // namespace lumcv::test::motion

@@ -46,9 +46,9 @@ Events watch(LumiSize size, int capacity, int frames, std::uint64_t seed, const 
         const LumFGMMModel model = saneModel();
         const bool changes = random.oneIn(7);
         EXPECT_TRUE(watched.frame(source, changes ? &model : nullptr, drawRate(random)))
-            << "frame " << i << ", model " << watched.mixture().model();
+            << "frame " << i << ", model " << textOf(watched.mixture().model());
         if (i % 3 == 0 || i == frames - 1) {
-            EXPECT_TRUE(watched.background()) << "after frame " << i << ", model " << watched.mixture().model();
+            EXPECT_TRUE(watched.background()) << "after frame " << i << ", model " << textOf(watched.mixture().model());
         }
     }
     return watched.mixture().events();

@@ -216,8 +216,8 @@ TEST(BackgroundEdges, EveryComparison)
             uniform.rendered();
             ASSERT_FALSE(testing::Test::HasFailure())
                 << "seed " << seed << ", frame " << i << ", edge " << static_cast<int>(edge) << ", model "
-                << probe.model << ", rate " << probe.rate << ", colour " << probe.colour[0] << " " << probe.colour[1]
-                << " " << probe.colour[2];
+                << textOf(probe.model) << ", rate " << probe.rate << ", colour " << probe.colour[0] << " "
+                << probe.colour[1] << " " << probe.colour[2];
             (result == 0 ? zero : other)[static_cast<int>(edge)] += 1;
         }
     }
