@@ -10,6 +10,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "lumcv/lumcv.h"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
