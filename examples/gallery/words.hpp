@@ -7,8 +7,9 @@
 
 namespace gallery {
 
-/// A whole number within bounds.
-inline bool take(std::string_view word, int least, int most, int& value)
+/// A number within bounds.
+template <typename Number>
+bool take(std::string_view word, Number least, Number most, Number& value)
 {
     const char* last = word.data() + word.size();
     const auto [end, error] = std::from_chars(word.data(), last, value);
