@@ -30,9 +30,12 @@ template <class T>
         simd::eachOnce<lanesPerStep>(0, roiSize.width, [=](int64_t x, auto lanes) {
             const auto zero = simd::broadcast<lanes>(0.0f);
             const auto before = simd::load<lanes>(stamps + x);
-            const auto still = simd::equal(simd::loadFloat<lanes>(moves + x), zero);
             const auto kept = simd::select(simd::less(before, simd::broadcast<lanes>(limit)), zero, before);
-            simd::store(stamps + x, simd::select(still, kept, simd::broadcast<lanes>(timestamp)));
+            const auto moving = simd::broadcast<lanes>(timestamp);
+            const auto after = simd::select(simd::equal(simd::loadFloat<lanes>(moves + x), zero), kept, moving);
+            // where nothing moves, the history stays as it is and need not go back to memory
+            if (simd::anyBitDiffers(before, after))
+                simd::store(stamps + x, after);
         });
     }
     return lumOk;

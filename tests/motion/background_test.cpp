@@ -200,12 +200,23 @@ TEST(BackgroundCasesQuick, OneModeIsAlwaysReplaced)
 {
     LumFGMMModel parameters = kUsualModel;
     parameters.maxNGauss = 1;
+    parameters.shadowFlag = 0;
     Uniform model(parameters, 1);
     for (const int value : {10, 200, 90, 250}) {
         EXPECT_EQ(model.show({value, 255 - value, value}), 255);
         EXPECT_EQ(model.rendered(),
                   (Colour{static_cast<Lum32f>(value), static_cast<Lum32f>(255 - value), static_cast<Lum32f>(value)}));
     }
+}
+
+// The mode that a frame makes takes part in its shadow test: its own colour, neither darker nor another, is a shadow.
+TEST(BackgroundCasesQuick, ANewModeIsItsOwnShadow)
+{
+    LumFGMMModel parameters = kUsualModel;
+    Uniform model(parameters, 1);
+    EXPECT_EQ(model.show({10, 245, 10}), 255);
+    EXPECT_EQ(model.show({200, 55, 200}), 127);
+    EXPECT_EQ(model.show({0, 0, 0}), 255) << "a black mean has no shadow";
 }
 
 // Init allows what it is told, not what the parameters say.

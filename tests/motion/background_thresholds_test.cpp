@@ -2,6 +2,7 @@
 // at the very edge, where the smallest difference in a weight, a mean, a variance or a sum turns the result.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -61,6 +62,13 @@ std::vector<Mode> modesAfter(const Uniform& uniform, const Probe& probe)
     Image<Lum8u> classes(layoutOf({13, 2}, 1));
     mixture.frame(source, classes, &probe.model, probe.rate);
     return mixture.modes(12, 1);
+}
+
+/// The first of them; none if all have died.
+Mode heaviestAfter(const Uniform& uniform, const Probe& probe)
+{
+    const std::vector<Mode> modes = modesAfter(uniform, probe);
+    return modes.empty() ? Mode{} : modes[0];
 }
 
 /// What stands at the edge in a frame.
@@ -132,6 +140,9 @@ void toEdge(const Uniform& uniform, Probe& probe, Edge edge, bool itself, Random
         }
         case Edge::Rendering: {
             const std::vector<Mode> after = modesAfter(uniform, probe);
+            if (after.empty()) {
+                break;
+            }
             const std::size_t last = static_cast<std::size_t>(random.between(0, static_cast<long>(after.size()) - 1));
             Lum32f total = 0;
             for (std::size_t s = 0; s <= last; ++s) {
@@ -141,7 +152,7 @@ void toEdge(const Uniform& uniform, Probe& probe, Edge edge, bool itself, Random
             break;
         }
         case Edge::ShadowRatio: {
-            const Mode first = modesAfter(uniform, probe)[0];
+            const Mode first = heaviestAfter(uniform, probe);
             const Lum32f mm = product(first.mean, first.mean);
             const Lum32f mp = product(first.mean, p);
             model.bckgRatio = -1;
@@ -150,7 +161,7 @@ void toEdge(const Uniform& uniform, Probe& probe, Edge edge, bool itself, Random
             break;
         }
         case Edge::ShadowColour: {
-            const Mode first = modesAfter(uniform, probe)[0];
+            const Mode first = heaviestAfter(uniform, probe);
             const Lum32f mm = product(first.mean, first.mean);
             const Lum32f r = product(first.mean, p) / mm;
             const Colour e = {r * first.mean[0] - p[0], r * first.mean[1] - p[1], r * first.mean[2] - p[2]};
@@ -164,6 +175,9 @@ void toEdge(const Uniform& uniform, Probe& probe, Edge edge, bool itself, Random
         case Edge::ShadowShare: {
             // the pixel is the shadow of a slot behind the first: it is reached or not
             const std::vector<Mode> after = modesAfter(uniform, probe);
+            if (after.empty()) {
+                break;
+            }
             Lum32f sum = 0;
             const std::size_t last = static_cast<std::size_t>(random.between(0, static_cast<long>(after.size()) - 1));
             for (std::size_t s = 0; s <= last; ++s) {
@@ -203,6 +217,9 @@ TEST(BackgroundEdges, EveryComparison)
         uniform.show({static_cast<int>(random.between(60, 255)), static_cast<int>(random.between(60, 255)),
                       static_cast<int>(random.between(60, 255))});
         for (int i = 0; i < 60 && !testing::Test::HasFailure(); ++i) {
+            if (uniform.modes().empty()) {
+                uniform.show({static_cast<int>(random.between(0, 255)), 99, 99});
+            }
             Probe probe;
             probe.model = drawModel(random, 5);
             probe.model.numFrames += 1;
