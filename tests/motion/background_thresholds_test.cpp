@@ -211,7 +211,7 @@ TEST(BackgroundEdges, EveryComparison)
     // classes on both sides of each edge, or the probes would probe nothing
     long zero[static_cast<int>(Edge::Count)] = {};
     long other[static_cast<int>(Edge::Count)] = {};
-    for (int seed = 0; seed < 60; ++seed) {
+    for (int seed = 0; seed < 300; ++seed) {
         Random random(static_cast<std::uint64_t>(seed));
         Uniform uniform;
         uniform.show({static_cast<int>(random.between(60, 255)), static_cast<int>(random.between(60, 255)),
@@ -239,8 +239,8 @@ TEST(BackgroundEdges, EveryComparison)
         }
     }
     for (const Edge edge : {Edge::Background, Edge::Match, Edge::Total}) {
-        EXPECT_GT(zero[static_cast<int>(edge)], 50) << static_cast<int>(edge);
-        EXPECT_GT(other[static_cast<int>(edge)], 50) << static_cast<int>(edge);
+        EXPECT_GT(zero[static_cast<int>(edge)], 300) << static_cast<int>(edge);
+        EXPECT_GT(other[static_cast<int>(edge)], 300) << static_cast<int>(edge);
     }
 }
 
