@@ -1,116 +1,170 @@
 // Gradient segmentation: labels flood the image in the order of the differences between adjacent pixels.
+#include <algorithm>
+
 #include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/room.hpp"
 #include "lumcv/segment.h"
+#include "segment/labelled_words.hpp"
 #include "segment/level_queues.hpp"
 
 namespace lumcv {
 namespace {
 
-constexpr Lum8u barrier = 255;  ///< a pixel that does not take part, or that waits in a queue
+constexpr Lum8u barrier = 255;  ///< a pixel that takes no part, or that waits in a queue
 constexpr Lum8u boundary = 254;
+
+/// What a pixel sees around it, with the neighbours' order in the lanes.
+struct Surroundings
+{
+    simd::Vec<Lum16u, 8> costs, labels;
+    simd::Mask<Lum16u, 8> isFree, isBarred;
+
+    template <class Word>
+    Surroundings(const Word* p, int64_t stride)
+    {
+        const auto steps = simd::neighbourSteps(p, stride);
+        costs = steps.differences;
+        labels = steps.labels;
+        isFree = equal(labels, simd::broadcast<8>(Lum16u{0}));
+        isBarred = equal(labels, simd::broadcast<8>(Lum16u{barrier}));
+    }
+};
 
 template <int channels>
 class GradientFlood
 {
   public:
+    using Word = LabelledWord<channels, Lum8u>;
+
     GradientFlood(Plane<const Lum8u> src, Plane<Lum8u> marker, LumiSize size, Lum32u norm, LumiSegmentFlag flag,
                   Lum8u* pBuffer)
         : src_(src),
           marker_(marker),
+          size_(size),
           width_(size.width),
           height_(size.height),
-          norm_(norm),
-          flag_(flag),
+          neighbours_(norm == 0 ? 0xff : 0x0f),
+          looks_(flag & lumSegmentBound8   ? 0xff
+                 : flag & lumSegmentBound4 ? 0x0f
+                                           : 0),
+          preference_(simd::load<8>(norm == 0 ? ofEight : ofFour)),
+          offsets_{-1, 1, -width_, width_, -width_ - 1, -width_ + 1, width_ - 1, width_ + 1},
           room_(pBuffer),
-          work_(room_.take<Lum8u>(width_ * height_)),
-          queues_(room_.take<Lum32u>(width_ * height_))
+          words_(room_.take<Word>(width_ * height_)),
+          queues_(room_.take<Lum8u>(LevelQueues::bytesFor((width_ - 2) * (height_ - 2)), LevelQueues::alignment))
     {
     }
 
     void run()
     {
-        const int64_t w = width_, h = height_;
-        for (int64_t y = 0; y < h; ++y)
-            for (int64_t x = 0; x < w; ++x)
-                work_[y * w + x] = x == 0 || y == 0 || x == w - 1 || y == h - 1 ? barrier : marker_.row(y)[x];
-        const int64_t deltas[8] = {-1, 1, -w, w, -w - 1, -w + 1, w - 1, w + 1};
-        const int n = norm_ == 0 ? 8 : 4;
-        for (int64_t y = 1; y < h - 1; ++y)
-            for (int64_t x = 1; x < w - 1; ++x) {
-                const int64_t p = y * w + x;
-                if (work_[p] != 0)
-                    continue;
-                int best = 256;
-                for (int i = 0; i < n; ++i) {
-                    const int64_t q = p + deltas[i];
-                    if (work_[q] != 0 && work_[q] != barrier && cost(p, q) < best)
-                        best = cost(p, q);
-                }
-                if (best < 256) {
-                    queues_.push(best, static_cast<Lum32u>(p));
-                    work_[p] = barrier;
-                }
-            }
+        for (int64_t y = 0; y < height_; ++y)
+            layRow(y);
+        for (int64_t y = 1; y < height_ - 1; ++y)
+            besideMarkers(marker_, size_, y, 1, width_ - 1, [this, y](int64_t x) { queueBesideSeeds(y * width_ + x); });
         int level = queues_.nextLevel(0);
         if (level == LevelQueues::levels)
             return;
-        while ((level = queues_.nextLevel(level)) < LevelQueues::levels) {
-            const int64_t p = queues_.pop(level);
-            int best = 256;
-            Lum8u label = 0;
-            for (int i = 0; i < n; ++i) {
-                const int64_t q = p + deltas[i];
-                if (work_[q] == 0 || work_[q] == barrier)
-                    continue;
-                const int c = cost(p, q);
-                if (c < best || (c == best && work_[q] != boundary)) {
-                    best = c;
-                    label = work_[q];
-                }
-            }
-            const int looks = flag_ & lumSegmentBound8 ? 8 : flag_ & lumSegmentBound4 ? 4 : 0;
-            Lum8u value = label;
-            for (int i = 0; i < looks; ++i) {
-                const Lum8u other = work_[p + deltas[i]];
-                if (other >= 1 && other <= 253 && other != label)
-                    value = boundary;
-            }
-            work_[p] = value;
-            for (int i = 0; i < n; ++i) {
-                const int64_t q = p + deltas[i];
-                if (work_[q] != 0)
-                    continue;
-                const int c = cost(p, q);
-                queues_.push(c, static_cast<Lum32u>(q));
-                work_[q] = barrier;
-                level = std::min(level, c);
-            }
-        }
-        for (int64_t y = 0; y < h; ++y)
-            std::copy_n(work_ + y * w, w, marker_.row(y));
+        while (level < LevelQueues::levels)
+            level = queues_.nextLevel(flood(level));
+        for (int64_t y = 0; y < height_; ++y)
+            storeLabels<channels>(marker_.row(y), words_ + y * width_, width_);
     }
 
   private:
-    int cost(int64_t p, int64_t q) const
+    /// Below the cost in the key of a neighbour that may lend its label: the later one wins, 254 loses.
+    static constexpr Lum16u none = 0xffff;
+    static constexpr Lum16u ofEight[8] = {7, 6, 5, 4, 3, 2, 1, 0};
+    static constexpr Lum16u ofFour[8] = {7, 6, 5, 4, none, none, none, none};
+
+    static void setLabel(Word& word, Lum32u label)
     {
-        int result = 0;
-        for (int c = 0; c < channels; ++c) {
-            const int a = src_.row(p / width_)[p % width_ * channels + c];
-            const int b = src_.row(q / width_)[q % width_ * channels + c];
-            result = std::max(result, a < b ? b - a : a - b);
-        }
-        return result;
+        lumcv::setLabel<channels, Lum8u>(word, label);
+    }
+
+    void layRow(int64_t y)
+    {
+        Word* const words = words_ + y * width_;
+        layWords<channels>(words, src_.row(y), marker_.row(y), width_);
+        if (y == 0 || y == height_ - 1)
+            for (int64_t x = 0; x < width_; ++x)
+                setLabel(words[x], barrier);
+        setLabel(words[0], barrier);
+        setLabel(words[width_ - 1], barrier);
+    }
+
+    void queueBesideSeeds(int64_t place)
+    {
+        Word& word = words_[place];
+        if (word >> labelPlace<channels, Lum8u> != 0)
+            return;
+        const auto best = leastLane(keys(Surroundings(&word, width_)));
+        if (best.value == none)
+            return;
+        queues_.push(static_cast<int>(best.value >> 4), static_cast<Lum32u>(place));
+        setLabel(word, barrier);
+    }
+
+    /// `none` for those that have no label to lend.
+    simd::Vec<Lum16u, 8> keys(const Surroundings& around) const
+    {
+        const auto isBoundary = equal(around.labels, simd::broadcast<8>(Lum16u{boundary}));
+        const auto keys = around.costs * simd::broadcast<8>(Lum16u{16}) | preference_ |
+                          select(isBoundary, simd::broadcast<8>(Lum16u{8}), simd::broadcast<8>(Lum16u{0}));
+        return select(around.isFree | around.isBarred, simd::broadcast<8>(none), keys);
+    }
+
+    /// Labels pixels of the level until its queue is empty or one of a lower level has been pushed. Returns the level
+    /// to go on from.
+    [[gnu::flatten]] int flood(const int current)
+    {
+        int level = current;
+        do {
+            const Lum32u place = queues_.pop(current);
+            prefetchAround(std::min(queues_.guess(current), static_cast<Lum32u>(width_ * height_ - 1)));
+            Word* const p = words_ + place;
+            const Surroundings around(p, width_);
+            Lum16u costs[8], labels[8];
+            store(costs, around.costs);
+            store(labels, around.labels);
+            Lum32u label = labels[leastLane(keys(around)).lane];
+            if (looks_ != 0) {
+                const auto isNoOther = around.isFree | around.isBarred |
+                                       equal(around.labels, simd::broadcast<8>(Lum16u{boundary})) |
+                                       equal(around.labels, simd::broadcast<8>(static_cast<Lum16u>(label)));
+                if (~laneBits(isNoOther) & looks_)
+                    label = boundary;
+            }
+            setLabel(*p, label);
+            for (uint64_t left = laneBits(around.isFree) & neighbours_; left != 0; left &= left - 1) {
+                const int lane = __builtin_ctzll(left);
+                const int64_t q = place + offsets_[lane];
+                const int cost = costs[lane];
+                queues_.push(cost, static_cast<Lum32u>(q));
+                setLabel(words_[q], barrier);
+                if (cost < level)
+                    level = cost;
+            }
+        } while (level == current && !queues_.isEmpty(current));
+        return level;
+    }
+
+    void prefetchAround(int64_t place) const
+    {
+        simd::prefetch<1>(words_ + std::max<int64_t>(place - width_, 0));
+        simd::prefetch<1>(words_ + place);
+        simd::prefetch<1>(words_ + std::min(place + width_, width_ * height_ - 1));
     }
 
     Plane<const Lum8u> src_;
     Plane<Lum8u> marker_;
+    LumiSize size_;
     int64_t width_, height_;
-    Lum32u norm_;
-    LumiSegmentFlag flag_;
+    uint64_t neighbours_, looks_;  ///< lanes
+    simd::Vec<Lum16u, 8> preference_;
+    int64_t offsets_[8];
     Room room_;
-    Lum8u* work_;
+    Word* words_;
     LevelQueues queues_;
 };
 
