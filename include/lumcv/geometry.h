@@ -85,10 +85,10 @@ extern "C" {
  *         return status;
  *     Lum8u* pBuffer = malloc((size_t)bufferSize);  // may be null
  *     for (Lum32s y = 0; y < roiSize.height; ++y)
- *         memset(pDst + (ptrdiff_t)y * dstStep, 0, (size_t)roiSize.width);
+ *         memset(pDst + (size_t)y * (size_t)dstStep, 0, (size_t)roiSize.width);
  *     const Lum32f focalLength = 0.8f * (Lum32f)roiSize.width;
  *     status = lumiUndistortRadial_8u_C1R(pSrc, srcStep, pDst, dstStep, roiSize, focalLength, focalLength,
- *                                         0.5f * (Lum32f)roiSize.width, 0.5f * (Lum32f)roiSize.height, -0.12f, 0.03f,
+ *                                         0.5f * (Lum32f)roiSize.width, 0.5f * (Lum32f)roiSize.height, 0.12f, -0.03f,
  *                                         pBuffer);
  *     free(pBuffer);
  *     return status;
@@ -291,12 +291,15 @@ LUMCV_API LumStatus lumiCreateMapCameraUndistort_32f_C1R(Lum32f* pxMap, Lum32s x
  * @code{.c}
  * #include <lumcv/lumcv.h>
  *
- * int cutPatch(const Lum8u* pSrc, Lum32s srcStep, LumiSize srcSize, LumiPoint32f feature, Lum8u patch[31][32])
+ * LumStatus cutPatch(const Lum8u* pSrc, Lum32s srcStep, LumiSize srcSize, LumiPoint32f feature, Lum8u patch[31][32],
+ *                    int* pIsWhole)
  * {
  *     const LumiSize patchSize = {31, 31};
  *     LumiPoint first, last;
- *     LumStatus status = lumiCopySubpixIntersect_8u_C1R(pSrc, srcStep, srcSize, patch[0], 32, patchSize, feature,
- * &first, &last); return status == lumOk && first.x == 0 && first.y == 0 && last.x == 30 && last.y == 30;
+ *     const LumStatus status = lumiCopySubpixIntersect_8u_C1R(pSrc, srcStep, srcSize, patch[0], 32, patchSize, feature,
+ *                                                             &first, &last);
+ *     *pIsWhole = status == lumOk && first.x == 0 && first.y == 0 && last.x == 30 && last.y == 30;
+ *     return status;
  * }
  * @endcode
  *
