@@ -231,9 +231,10 @@ LUMCV_API LumStatus lumiCreateMapCameraUndistort_32f_C1R(Lum32f* pxMap, Lum32s x
  *     w00 = (qa * qb + 8192) >> 14                w10 = (a * qb + 8192) >> 14
  *     w01 = (qa * b + 8192) >> 14                 w11 = (a * b + 8192) >> 14
  *
- * `s * 16384 + 0.5` is computed in single precision; `a` and `b` are held within 0..16384. If the weights' sum exceeds
- * 16384, the excess is taken from one of them: from `w00` if it is not below any other; otherwise from `w01` if it is
- * not below any other; otherwise from `w11` if `w10` is below any other, else from `w10`. A sum below 16384 stays. Then
+ * `s * 16384 + 0.5` is computed in single precision; `a` and `b` are held within 0..16384. The weights' sum is never
+ * below 16384. If it exceeds that, the excess is taken from one of them: from `w00` if it is not below any other;
+ * otherwise from `w01` if it is not below any other; otherwise from `w11` if `w10` is below any other, else from `w10`.
+ * Then
  *
  *     sum = w00 * p00 + w10 * p10 + w01 * p01 + w11 * p11
  *     value = (sum + 8192) >> 14
