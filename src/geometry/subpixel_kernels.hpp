@@ -18,7 +18,7 @@
 
 namespace lumcv::subpixel {
 
-/// Sums of words in 32 bits, rounded and stored as integers. A Scale has the last step.
+/// Sums of words in 32 bits, rounded and stored as words. A Scale has the last step.
 template <class S, class Scale>
 class IntegerKernel
 {
@@ -69,34 +69,19 @@ class IntegerKernel
     Scale scale_;
 };
 
-/// Sums of at most 255 * 16384 become bytes.
-struct ToBytes
-{
-    using Value = Lum8u;
-
-    template <int N>
-    [[gnu::always_inline]] simd::Vec<Lum8u, N> operator()(simd::NeighbourSums<N> sum) const
-    {
-        // The sum without its lowest seven bits, of which rounding to the fourteenth needs none, fits a signed word.
-        if constexpr (N == 1)
-            return {static_cast<Lum8u>((sum.sum.raw + one / 2) >> fractionBits)};
-        else {
-            const auto words = simd::reinterpreted<Lum16s>(simd::wordsOf<7>(sum));
-            return simd::narrowOnce<Lum8u>(simd::roundedProduct(words, Lum16s{256}));
-        }
-    }
-};
-
 /// Sums of words less 2^15 become words.
 struct ToWords
 {
     using Value = Lum16u;
 
+    /// The weights sum to 1, so that the sums plus this are not negative and below 2^30.
+    static constexpr Lum32s offset = 0x8000 * one + one / 2;
+
     template <int N>
     [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum) const
     {
-        constexpr Lum32s offset = 0x8000 * one + one / 2;  // the weights sum to 1; the sums are below 2^30 then
-        const auto shifted = eachSum([]<int M>(simd::Vec<Lum32s, M> x) { return x + simd::broadcast<M>(offset); }, sum);
+        const auto shifted =
+            eachSum([]<int M>(simd::Vec<Lum32s, M> x) { return x + simd::broadcast<M>(Lum32s{offset}); }, sum);
         return simd::wordsOf<fractionBits>(shifted);
     }
 };
@@ -140,6 +125,94 @@ class ToScaledWords
     int rightShift_ = 0;
     Lum32s greatest_ = saturated;
     Lum32s factor_ = 1;
+};
+
+/// Bytes, whose sums of products with weights in two parts fit words: w = 64 * upper + lower.
+class ByteKernel
+{
+  public:
+    using Source = Lum8u;
+    using Value = Lum8u;
+
+    ByteKernel(Share x, Share y) : ByteKernel(x, y, weightsOf(x, y)) {}
+
+    template <int N>
+    [[gnu::always_inline]] simd::NeighbourBytes<N> columns(const Lum8u* p) const
+    {
+        return simd::loadNeighbourBytes<N>(p);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<Lum8u, N> value(simd::NeighbourBytes<N> above, simd::NeighbourBytes<N> below) const
+    {
+        if constexpr (N == 1) {
+            const Lum32s sum = weights_.w00 * above.at.raw + weights_.w10 * above.next.raw +
+                               weights_.w01 * below.at.raw + weights_.w11 * below.next.raw;
+            return {static_cast<Lum8u>((sum + 128 * one + one / 2) >> fractionBits)};
+        } else {
+            // Of bytes less 128, the upper parts' sum lies within -128 * 256 and 127 * 256 and that of the lower parts
+            // within 128 * 4 * 63 of 0. Without its lowest six bits, the whole sum plus 128 * 16384 and a half of 16384
+            // is their sum plus 0x8080, of which the upper byte is the result.
+            const auto sums = [this](simd::Vec<Lum8s, N> a, simd::Vec<Lum8s, N> b) {
+                const auto product = [](simd::Vec<Lum8s, N> v, Lum16s factors) {
+                    return simd::pairProducts(v, simd::broadcast<N / 2>(factors));
+                };
+                const auto upper = product(a, upperAbove_) + product(b, upperBelow_);
+                const auto lower = product(a, lowerAbove_) + product(b, lowerBelow_);
+                return upper + (lower >> lowerBits) + simd::broadcast<N / 2>(static_cast<Lum16s>(0x8080));
+            };
+            return simd::upperBytes(sums(above.at, below.at), sums(above.next, below.next));
+        }
+    }
+
+    ByteKernel alongRow() const
+    {
+        return ByteKernel(x_, y_, {static_cast<Lum16s>(x_.left), static_cast<Lum16s>(x_.taken), 0, 0});
+    }
+
+    Lum8u alongColumn(Lum8u p, Lum8u q) const
+    {
+        return static_cast<Lum8u>((y_.left * p + y_.taken * q + one / 2) >> fractionBits);
+    }
+
+    Lum8u corner(Lum8u p) const
+    {
+        return p;
+    }
+
+  private:
+    static constexpr int lowerBits = 6;
+
+    ByteKernel(Share x, Share y, Weights weights)
+        : x_(x),
+          y_(y),
+          weights_(weights),
+          upperAbove_(pair(upper(weights.w00), upper(weights.w10))),
+          upperBelow_(pair(upper(weights.w01), upper(weights.w11))),
+          lowerAbove_(pair(lower(weights.w00), lower(weights.w10))),
+          lowerBelow_(pair(lower(weights.w01), lower(weights.w11)))
+    {
+    }
+
+    /// A weight of 1, which leaves 0 for the others, has a lower part of 64.
+    static Lum32s upper(Lum32s weight)
+    {
+        return weight == one ? 255 : weight >> lowerBits;
+    }
+
+    static Lum32s lower(Lum32s weight)
+    {
+        return weight - (upper(weight) << lowerBits);
+    }
+
+    static Lum16s pair(Lum32s first, Lum32s second)
+    {
+        return static_cast<Lum16s>(first | second << 8);
+    }
+
+    Share x_, y_;
+    Weights weights_;
+    Lum16s upperAbove_, upperBelow_, lowerAbove_, lowerBelow_;
 };
 
 /// Rows of interpolated floats, combined by one factor and a ratio.
@@ -230,7 +303,7 @@ struct KernelOf<Lum8u, Lum8u>
 {
     static auto make(Lum32f x, Lum32f y)
     {
-        return IntegerKernel<Lum8u, ToBytes>(shareOf(x), shareOf(y), ToBytes{});
+        return ByteKernel(shareOf(x), shareOf(y));
     }
 };
 
