@@ -67,8 +67,8 @@ extern "C" {
  * Integer images store the integer part of `value + 0.5`, float images `value`. Source and destination must not
  * overlap.
  *
- * **Scratch.** `pBuffer` is a block of the size that lumiUndistortGetSize() tells, at any address, or null. It may save
- * time and does not change a bit of the result.
+ * **Scratch.** `pBuffer` is a block of the size that lumiUndistortGetSize() tells, at any address, or null. It does not
+ * change a bit of the result, and today it saves no time either: nothing is stored in it.
  *
  * This corrects a stream of gray frames, and keeps black what lies beyond the lens:
  *
