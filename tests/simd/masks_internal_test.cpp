@@ -74,7 +74,7 @@ TEST(SimdMasks, Greater)
     forVectors<Lum32f>(greaterLanes);
 }
 
-TEST(SimdMasks, NotLess)
+TEST(SimdMasks, AtMost)
 {
     forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
         const auto a = drawnLanes<Lum32f, N>(seed), b = drawnLanes<Lum32f, N>(seed + 1000);
