@@ -11,12 +11,18 @@
 
 namespace lumcv::test::geometry {
 
+/// The second one where they are not ordered.
+inline Lum32f larger(Lum32f x, Lum32f y)
+{
+    return x > y ? x : y;
+}
+
 template <class T>
-T grayNorm(T a, T b, T c, LumiGradientNorm norm)
+T grayNorm(T a, T b, T c, LumiDistanceNorm norm)
 {
     if constexpr (std::is_same_v<T, Lum32f>) {
         if (norm == lumGradNormInf) {
-            return std::max({std::fabs(a), std::fabs(b), std::fabs(c)});
+            return larger(larger(std::fabs(a), std::fabs(b)), std::fabs(c));
         }
         if (norm == lumGradNormL1) {
             return std::fabs(a) + std::fabs(b) + std::fabs(c);
@@ -40,7 +46,7 @@ T grayNorm(T a, T b, T c, LumiGradientNorm norm)
 /// Row by row from the left: what a pixel writes, later pixels read.
 template <class T>
 void grayGradient(const T* pSrc, std::ptrdiff_t srcStep, T* pDst, std::ptrdiff_t dstStep, LumiSize size,
-                  LumiGradientNorm norm)
+                  LumiDistanceNorm norm)
 {
     for (int y = 0; y < size.height; ++y) {
         const T* const source = reinterpret_cast<const T*>(reinterpret_cast<const unsigned char*>(pSrc) + y * srcStep);

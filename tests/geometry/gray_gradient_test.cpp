@@ -29,7 +29,7 @@ class GrayGradient : public testing::Test
 TYPED_TEST_SUITE(GrayGradient, GrayElements);
 
 template <class T>
-void expectNorm(const Image<T>& source, const Layout& layout, LumiGradientNorm norm)
+void expectNorm(const Image<T>& source, const Layout& layout, LumiDistanceNorm norm)
 {
     Image<T> expected(layout);
     grayGradient(source.pixels(), source.step(), expected.pixels(), expected.step(), sizeOf(source), norm);
@@ -44,7 +44,7 @@ template <class T>
 void expectAllNorms(const Image<T>& source, const Layout& layout)
 {
     const Image<T> before = source;
-    for (const LumiGradientNorm norm : kGrayNorms) {
+    for (const LumiDistanceNorm norm : kGrayNorms) {
         expectNorm(source, layout, norm);
     }
     EXPECT_TRUE(sameBytes(before, source)) << "the source was written";
@@ -127,10 +127,9 @@ TEST(GrayGradientValues, Bytes)
 
 TEST(GrayGradientValues, EverySumOfThreeWords)
 {
-    constexpr int mostSum = 3 * 65535;
     Image<Lum16u> source({.width = 493, .height = 400, .channels = 3});
     source.forEach(Area::Roi, [](Lum16u& element, int x, int y, int c) {
-        const int sum = std::min(y * 493 + x, mostSum);
+        const int sum = std::min(y * 493 + x, 3 * 65535);
         const int first = std::min(sum, 65535);
         const int second = std::min(sum - first, 65535);
         const int channels[] = {second, sum - first - second, first};
@@ -152,7 +151,9 @@ TEST(GrayGradientValues, SquaresOfWords)
     for (const Lum16u third : levels) {
         Image<Lum16u> source({.width = count, .height = count, .channels = 3});
         source.forEach(Area::Roi, [&](Lum16u& element, int x, int y, int c) {
-            element = c == 0 ? levels[static_cast<std::size_t>(x)] : c == 1 ? levels[static_cast<std::size_t>(y)] : third;
+            element = c == 0   ? levels[static_cast<std::size_t>(x)]
+                      : c == 1 ? levels[static_cast<std::size_t>(y)]
+                               : third;
         });
         expectNorm(source, {.width = count, .height = count}, lumGradNormL2);
         ASSERT_FALSE(testing::Test::HasFailure()) << "third channel " << third;
@@ -160,7 +161,7 @@ TEST(GrayGradientValues, SquaresOfWords)
 }
 
 template <class T>
-T ofOnePixel(T a, T b, T c, LumiGradientNorm norm)
+T ofOnePixel(T a, T b, T c, LumiDistanceNorm norm)
 {
     const T source[3] = {a, b, c};
     T result = 77;
@@ -192,6 +193,17 @@ TEST(GrayGradientValuesQuick, FloatSumIsNotDivided)
     EXPECT_EQ(ofOnePixel(-4.0f, 1.0f, 2.0f, lumGradNormInf), 4.0f);
 }
 
+// A comparison with a not-a-number is false, and the later value is taken.
+TEST(GrayGradientValuesQuick, LargestOfUnorderedFloats)
+{
+    constexpr Lum32f nan = std::numeric_limits<Lum32f>::quiet_NaN();
+    EXPECT_EQ(ofOnePixel(nan, 1.0f, -2.0f, lumGradNormInf), 2.0f);
+    EXPECT_EQ(ofOnePixel(5.0f, nan, -2.0f, lumGradNormInf), 2.0f);
+    EXPECT_TRUE(std::isnan(ofOnePixel(5.0f, 7.0f, nan, lumGradNormInf)));
+    EXPECT_TRUE(std::isnan(ofOnePixel(nan, 7.0f, 1.0f, lumGradNormL1)));
+    EXPECT_TRUE(std::isnan(ofOnePixel(7.0f, 1.0f, nan, lumGradNormL2)));
+}
+
 TEST(GrayGradientValuesQuick, FloatsBeyondTheRange)
 {
     constexpr Lum32f infinity = std::numeric_limits<Lum32f>::infinity();
@@ -200,7 +212,7 @@ TEST(GrayGradientValuesQuick, FloatsBeyondTheRange)
     EXPECT_EQ(ofOnePixel(1e30f, 0.0f, 0.0f, lumGradNormL2), infinity);
     EXPECT_EQ(ofOnePixel(1e-30f, 1e-30f, 0.0f, lumGradNormL2), 0.0f);
     EXPECT_EQ(ofOnePixel(-infinity, 0.0f, 0.0f, lumGradNormInf), infinity);
-    for (const LumiGradientNorm norm : kGrayNorms) {
+    for (const LumiDistanceNorm norm : kGrayNorms) {
         EXPECT_TRUE(sameElement(ofOnePixel(-0.0f, -0.0f, -0.0f, norm), 0.0f)) << "norm " << norm;
     }
 }

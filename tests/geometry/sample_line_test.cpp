@@ -40,7 +40,9 @@ struct FormName
     template <class F>
     static std::string GetName(int)
     {
-        const char* const type = sizeof(typename F::Element) == 1 ? "8u" : sizeof(typename F::Element) == 2 ? "16u" : "32f";
+        const char* const type = sizeof(typename F::Element) == 1   ? "8u"
+                                 : sizeof(typename F::Element) == 2 ? "16u"
+                                                                    : "32f";
         return std::string(type) + "_C" + std::to_string(F::channels);
     }
 };
@@ -130,7 +132,8 @@ TYPED_TEST(SampleLine, AllDirectionsAndLengths)
                                                .gap = 5 * static_cast<int>(sizeof(typename TypeParam::Element))});
     Random random(11);
     fillWithBits(source, size, TypeParam::channels, random);
-    std::vector<int> lengths = {0, 1, 2, 3, 5, 6, 7, 8, 9, 14, 15, 16, 17, 23, 24, 31, 32, 33, 63, 64, 65, 127, 128, 140};
+    std::vector<int> lengths = {0,  1,  2,  3,  5,  6,  7,  8,  9,  14,  15,  16,
+                                17, 23, 24, 31, 32, 33, 63, 64, 65, 127, 128, 140};
     int number = 0;
     for (const int major : lengths) {
         for (const int minor : {0, 1, 2, major / 3, major / 2, (major + 1) / 2, major - 1, major}) {
@@ -182,8 +185,9 @@ TYPED_TEST(SampleLineQuick, RowsAtAnyAddress)
     for (int more = 0; more < 4; ++more) {
         for (std::size_t begin = 0; begin < sizeof(T); ++begin) {
             const int step = size.width * TypeParam::pixelBytes + more;
-            const PlacedBlock source(static_cast<std::size_t>((size.height - 1) * step + size.width * TypeParam::pixelBytes),
-                                     Guard::After, begin);
+            const PlacedBlock source(
+                static_cast<std::size_t>((size.height - 1) * step + size.width * TypeParam::pixelBytes), Guard::After,
+                begin);
             const LumiPoint from = {8, 1};
             const LumiPoint to = {1, 5};
             const std::vector<LumiPoint> line = lineOf(from, to);

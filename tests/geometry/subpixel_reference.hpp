@@ -1,26 +1,34 @@
-// Copies at a fractional offset, written out plainly: weights, values, and the part of a rectangle that the image covers.
+// Copies at a fractional offset, written out plainly: weights, values, and the part of a rectangle that the image
+// covers.
 #pragma once
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
+#include <vector>
 
 #include "lumcv/lumcv.h"
+#include "support/image.hpp"
 
 namespace lumcv::test::geometry {
 
-/// The fraction of an offset whose whole part is the caller's.
+/// The fraction of an offset whose whole part is the caller's. An offset that is no finite number has none.
 inline Lum32f fractionOf(Lum32f offset)
 {
+    if (!std::isfinite(offset)) {
+        return 0;
+    }
     const Lum32f remainder = offset - std::trunc(offset);
     return remainder < 0 ? remainder + 1.0f : remainder;
 }
 
-/// A fraction in units of 2^-14.
+/// A fraction in units of 2^-14; what is no number is 0.
 inline int quantised(Lum32f fraction)
 {
-    return std::clamp(static_cast<int>(fraction * 16384.0f + 0.5f), 0, 65535);
+    const Lum32f units = fraction * 16384.0f + 0.5f;
+    return units >= 16384.0f ? 16384 : units >= 0.0f ? static_cast<int>(units) : 0;
 }
 
 struct Weights
@@ -95,9 +103,9 @@ class Mixer
             return vertical(horizontal(p00, p10), horizontal(p01, p11));
         } else {
             const auto [w00, w10, w01, w11] = weights_;
-            return scaled<D>(std::int64_t{w00} * p00 + std::int64_t{w10} * p10 + std::int64_t{w01} * p01 +
-                                 std::int64_t{w11} * p11,
-                             scaleFactor_);
+            return scaled<D>(
+                std::int64_t{w00} * p00 + std::int64_t{w10} * p10 + std::int64_t{w01} * p01 + std::int64_t{w11} * p11,
+                scaleFactor_);
         }
     }
     /// Above the first or below the last row: only the columns differ.
@@ -148,28 +156,75 @@ class Mixer
 /// An axis of a rectangle of D pixels around a point, over an image of S pixels.
 struct Axis
 {
-    int first;      ///< the image's coordinate under the rectangle's first pixel
     Lum32f fraction;
     int pMin;
     int pMax;
+    std::vector<int> nearest;  ///< for each pixel, the image's pixel at or before it, or the outermost one
 };
 
 inline Axis axisOf(Lum32f point, int destinationSize, int sourceSize)
 {
-    const Lum32f start = point - static_cast<Lum32f>(destinationSize - 1) * 0.5f;
-    const int first = static_cast<int>(std::trunc(start + static_cast<Lum32f>(destinationSize))) - destinationSize;
-    Axis axis = {first, start - static_cast<Lum32f>(first), 0, destinationSize - 1};
-    if (first >= sourceSize) {
-        axis.pMax = -1;
-        return axis;
-    }
-    if (first < 0) {
-        axis.pMin = std::min(-first, destinationSize);
-    }
-    if (sourceSize <= first + destinationSize) {
-        axis.pMax = sourceSize + destinationSize - 2 - (first + destinationSize);
+    const auto size = static_cast<Lum32f>(destinationSize);
+    const Lum32f begin = std::isnan(point) ? -std::numeric_limits<Lum32f>::infinity()
+                                           : point - static_cast<Lum32f>(destinationSize - 1) * 0.5f;
+    const Lum32f end = std::trunc(begin + size);
+    // beyond these bounds the whole rectangle lies before or behind the image, wherever exactly
+    constexpr Lum32f far = 4e9f;
+    const std::int64_t first = static_cast<std::int64_t>(std::clamp(end, -far, far)) - destinationSize;
+    Axis axis;
+    axis.fraction = begin - static_cast<Lum32f>(first);
+    axis.pMin = static_cast<int>(std::clamp<std::int64_t>(-first, 0, destinationSize));
+    axis.pMax = first >= sourceSize
+                    ? -1
+                    : static_cast<int>(std::min<std::int64_t>(destinationSize - 1, sourceSize - 2 - first));
+    for (int i = 0; i < destinationSize; ++i) {
+        axis.nearest.push_back(static_cast<int>(std::clamp<std::int64_t>(first + i, 0, sourceSize - 1)));
     }
     return axis;
+}
+
+/// Source: anything with at(x, y) and a column and a row more than the ROI.
+template <class S, class D, class Source>
+void copySubpixel(const Source& source, Image<D>& destination, Lum32f dx, Lum32f dy, int scaleFactor)
+{
+    const Mixer<S, D> mixer(fractionOf(dx), fractionOf(dy), scaleFactor);
+    for (int y = 0; y < destination.height(); ++y) {
+        for (int x = 0; x < destination.width(); ++x) {
+            destination.at(x, y) =
+                mixer.inside(source.at(x, y), source.at(x + 1, y), source.at(x, y + 1), source.at(x + 1, y + 1));
+        }
+    }
+}
+
+struct Covered
+{
+    LumiPoint pMin;
+    LumiPoint pMax;
+};
+
+template <class S, class D, class Source>
+Covered copyAround(const Source& source, LumiSize sourceSize, Image<D>& destination, LumiPoint32f point,
+                   int scaleFactor)
+{
+    const Axis columns = axisOf(point.x, destination.width(), sourceSize.width);
+    const Axis rows = axisOf(point.y, destination.height(), sourceSize.height);
+    const Mixer<S, D> mixer(columns.fraction, rows.fraction, scaleFactor);
+    for (int y = 0; y < destination.height(); ++y) {
+        const bool rowWithin = y >= rows.pMin && y <= rows.pMax;
+        const int sy = rows.nearest[static_cast<std::size_t>(y)];
+        for (int x = 0; x < destination.width(); ++x) {
+            const bool columnWithin = x >= columns.pMin && x <= columns.pMax;
+            const int sx = columns.nearest[static_cast<std::size_t>(x)];
+            const S p = source.at(sx, sy);
+            destination.at(x, y) =
+                columnWithin && rowWithin
+                    ? mixer.inside(p, source.at(sx + 1, sy), source.at(sx, sy + 1), source.at(sx + 1, sy + 1))
+                : columnWithin ? mixer.alongRow(p, source.at(sx + 1, sy))
+                : rowWithin    ? mixer.alongColumn(p, source.at(sx, sy + 1))
+                               : mixer.corner(p);
+        }
+    }
+    return {{columns.pMin, rows.pMin}, {columns.pMax, rows.pMax}};
 }
 
 }  // namespace lumcv::test::geometry
