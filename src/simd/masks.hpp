@@ -69,6 +69,23 @@ template <class T, int N>
     return greater(b, a);
 }
 
+/// a <= b, of floats. A not-a-number is not.
+template <int N>
+[[gnu::always_inline]] inline Mask<Lum32f, N> atMost(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    using M = Mask<Lum32f, N>;
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {atMost(a.lo, b.lo), atMost(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw <= b.raw};
+#if defined(__AVX512BW__)
+    else if constexpr (hasMaskRegister<Lum32f, N>)
+        return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_LE_OQ)};
+#endif
+    else
+        return M{(typename M::Raw)(a.raw <= b.raw)};
+}
+
 /// a == b, of integers.
 template <class T, int N>
 [[gnu::always_inline]] inline Mask<T, N> equal(Vec<T, N> a, Vec<T, N> b)

@@ -16,6 +16,7 @@
 #include "simd/planes.hpp"
 #include "simd/prefix.hpp"
 #include "simd/row.hpp"
+#include "simd/runs.hpp"
 #include "simd/sums.hpp"
 #include "simd/transpose.hpp"
 #include "simd/vec.hpp"
