@@ -1,0 +1,277 @@
+// The arithmetic of subpixel copies, and its way through a rectangle.
+//
+// A kernel prepares N columns of a row once, for the destination row above it and for the one below:
+//
+//     columns<N>(p)            what it makes of the N + 1 pixels of a source row from p on
+//     value<N>(above, below)   N pixels of the destination
+//
+// and gives the two rules for places where one neighbour is the pixel itself:
+//
+//     alongRow()               the kernel of a row that has no row below it
+//     alongColumn(p, q)        a pixel that has no column beside it, from p and from q below it
+#pragma once
+
+#include "frame/image.hpp"
+#include "geometry/subpixel_weights.hpp"
+#include "simd/neighbours.hpp"
+#include "simd/simd.hpp"
+
+namespace lumcv::subpixel {
+
+/// Sums of words in 32 bits, rounded and stored as integers. A Scale has the last step.
+template <class S, class Scale>
+class IntegerKernel
+{
+  public:
+    using Source = S;
+    using Value = typename Scale::Value;
+
+    IntegerKernel(Share x, Share y, Scale scale) : IntegerKernel(x, y, weightsOf(x, y), scale) {}
+
+    template <int N>
+    [[gnu::always_inline]] simd::NeighbourWords<N> columns(const S* p) const
+    {
+        return simd::loadNeighbourWords<N>(p);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<Value, N> value(simd::NeighbourWords<N> above, simd::NeighbourWords<N> below) const
+    {
+        const auto sum = simd::neighbourProducts(above, weights_.w00, weights_.w10) +
+                         simd::neighbourProducts(below, weights_.w01, weights_.w11);
+        return scale_(sum, sumOfWeights());
+    }
+
+    IntegerKernel alongRow() const
+    {
+        const Weights weights{static_cast<Lum16s>(x_.left), static_cast<Lum16s>(x_.taken), 0, 0};
+        return IntegerKernel(x_, y_, weights, scale_);
+    }
+
+    Value alongColumn(S p, S q) const
+    {
+        const Weights weights{static_cast<Lum16s>(y_.left), 0, static_cast<Lum16s>(y_.taken), 0};
+        const S above[2] = {p, p}, below[2] = {q, q};
+        const IntegerKernel kernel(x_, y_, weights, scale_);
+        return kernel.value(kernel.template columns<1>(above), kernel.template columns<1>(below)).raw;
+    }
+
+    Value corner(S p) const
+    {
+        return alongColumn(p, p);
+    }
+
+  private:
+    IntegerKernel(Share x, Share y, Weights weights, Scale scale) : x_(x), y_(y), weights_(weights), scale_(scale) {}
+
+    Lum32s sumOfWeights() const
+    {
+        return weights_.w00 + weights_.w10 + weights_.w01 + weights_.w11;
+    }
+
+    Share x_, y_;
+    Weights weights_;
+    Scale scale_;
+};
+
+/// Sums of at most 255 * 16384 become bytes.
+struct ToBytes
+{
+    using Value = Lum8u;
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<Lum8u, N> operator()(simd::NeighbourSums<N> sum, Lum32s) const
+    {
+        // The sum without its lowest seven bits, of which rounding to the fourteenth needs none, fits a signed word.
+        if constexpr (N == 1)
+            return {static_cast<Lum8u>((sum.sum.raw + one / 2) >> fractionBits)};
+        else {
+            const auto words = simd::reinterpreted<Lum16s>(simd::wordsOf<7>(sum));
+            return simd::narrowOnce<Lum8u>(simd::roundedProduct(words, Lum16s{256}));
+        }
+    }
+};
+
+/// Sums of words less 2^15 become words.
+struct ToWords
+{
+    using Value = Lum16u;
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum, Lum32s sumOfWeights) const
+    {
+        const Lum32s offset = 0x8000 * sumOfWeights + one / 2;  // at most 2^29 + 2^13; the sums are below 2^30 then
+        const auto shifted =
+            eachSum([offset]<int M>(simd::Vec<Lum32s, M> x) { return x + simd::broadcast<M>(offset); }, sum);
+        return simd::wordsOf<fractionBits>(shifted);
+    }
+};
+
+/// Sums of at most 255 * 16384, divided by a power of two and saturated to words.
+class ToScaledWords
+{
+  public:
+    using Value = Lum16u;
+
+    explicit ToScaledWords(Lum32s scaleFactor)
+    {
+        constexpr Lum32s greatestDivisor = 16, leastDivisor = -fractionBits + 1, leastFactor = -fractionBits - 16;
+        if (scaleFactor > greatestDivisor)
+            greatest_ = 0;
+        else if (scaleFactor >= leastDivisor) {
+            rounding_ = 1 << (scaleFactor + fractionBits - 1);
+            rightShift_ = scaleFactor + fractionBits;
+        } else {
+            const int leftShift = -(scaleFactor < leastFactor ? leastFactor : scaleFactor) - fractionBits;
+            greatest_ = (saturated >> leftShift) + 1;  // times the factor at most 65536, and saturated
+            factor_ = 1 << leftShift;
+        }
+    }
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum, Lum32s) const
+    {
+        const auto scaled = [*this]<int M>(simd::Vec<Lum32s, M> x) {
+            const auto quotient = (x + simd::broadcast<M>(rounding_)) >> rightShift_;
+            const auto product = min(quotient, simd::broadcast<M>(greatest_)) * simd::broadcast<M>(factor_);
+            return min(product, simd::broadcast<M>(saturated));
+        };
+        return simd::wordsOf<0>(eachSum(scaled, sum));
+    }
+
+  private:
+    static constexpr Lum32s saturated = 65535;
+
+    Lum32s rounding_ = 0;
+    int rightShift_ = 0;
+    Lum32s greatest_ = saturated;
+    Lum32s factor_ = 1;
+};
+
+/// Rows of interpolated floats, combined by one factor and a ratio.
+template <class S, bool isAlongRow = false>
+class FloatKernel
+{
+  public:
+    using Source = S;
+    using Value = Lum32f;
+
+    FloatKernel(Lum32f x, Lum32f y) : x_(boundedX(x)), y_(boundedY(y)), restX_(1 - x_), ratioY_((1 - y_) / y_) {}
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<Lum32f, N> columns(const S* p) const
+    {
+        return simd::broadcast<N>(restX_) * simd::loadFloat<N>(p) + simd::broadcast<N>(x_) * simd::loadFloat<N>(p + 1);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] simd::Vec<Lum32f, N> value(simd::Vec<Lum32f, N> above, simd::Vec<Lum32f, N> below) const
+    {
+        if constexpr (isAlongRow)
+            return above;
+        else
+            return simd::broadcast<N>(y_) * (below + simd::broadcast<N>(ratioY_) * above);
+    }
+
+    FloatKernel<S, true> alongRow() const
+    {
+        return FloatKernel<S, true>(x_, y_);
+    }
+
+    Lum32f alongColumn(S p, S q) const
+    {
+        using V = simd::Vec<Lum32f, 1>;
+        return value(V{static_cast<Lum32f>(p)}, V{static_cast<Lum32f>(q)}).raw;
+    }
+
+    Lum32f corner(S p) const
+    {
+        return static_cast<Lum32f>(p);
+    }
+
+  private:
+    Lum32f x_, y_, restX_, ratioY_;
+};
+
+/// `rows` rows of N pixels; p stands at the first column.
+template <int N, int rows, class Kernel, class D>
+[[gnu::always_inline]] inline void copyBlock(const Kernel& kernel, Plane<const typename Kernel::Source> src,
+                                             Plane<D> dst)
+{
+    auto above = kernel.template columns<N>(src.pixels);
+    for (int y = 0; y < rows; ++y) {
+        const auto below = kernel.template columns<N>(src.row(y + 1));
+        simd::store(dst.row(y), kernel.value(above, below));
+        above = below;
+    }
+}
+
+template <int rows, class Kernel, class D>
+[[gnu::always_inline]] inline void copyBand(const Kernel& kernel, Plane<const typename Kernel::Source> src,
+                                            Plane<D> dst, int64_t width)
+{
+    simd::eachAtLeastOnce<simd::registerLanes<Lum8u>>(0, width, [=](int64_t x, auto lanes) {
+        copyBlock<lanes, rows>(kernel, {src.pixels + x, src.step}, Plane<D>{dst.pixels + x, dst.step});
+    });
+}
+
+/// A rectangle of which a column and a row more than its own are read.
+template <class Kernel, class D>
+[[gnu::flatten]] void copy(Kernel kernel, Plane<const typename Kernel::Source> src, Plane<D> dst, int64_t width,
+                           int64_t height)
+{
+    constexpr int bandRows = 4;
+    int64_t y = 0;
+    for (; y + bandRows <= height; y += bandRows)
+        copyBand<bandRows>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
+    for (; y < height; ++y)
+        copyBand<1>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
+}
+
+template <class S, class D>
+struct KernelOf;
+
+template <>
+struct KernelOf<Lum8u, Lum8u>
+{
+    static auto make(Lum32f x, Lum32f y)
+    {
+        return IntegerKernel<Lum8u, ToBytes>(shareOf(x), shareOf(y), ToBytes{});
+    }
+};
+
+template <>
+struct KernelOf<Lum16u, Lum16u>
+{
+    static auto make(Lum32f x, Lum32f y)
+    {
+        return IntegerKernel<Lum16u, ToWords>(shareOf(x), shareOf(y), ToWords{});
+    }
+};
+
+template <>
+struct KernelOf<Lum8u, Lum16u>
+{
+    static auto make(Lum32f x, Lum32f y, Lum32s scaleFactor)
+    {
+        return IntegerKernel<Lum8u, ToScaledWords>(shareOf(x), shareOf(y), ToScaledWords(scaleFactor));
+    }
+};
+
+template <class S>
+struct KernelOf<S, Lum32f>
+{
+    static auto make(Lum32f x, Lum32f y)
+    {
+        return FloatKernel<S>(x, y);
+    }
+};
+
+/// The kernel of a pair of types for fractions of a column and of a row, and for what else it takes.
+template <class S, class D, class... Parameters>
+auto kernelOf(Lum32f x, Lum32f y, Parameters... parameters)
+{
+    return KernelOf<S, D>::make(x, y, parameters...);
+}
+
+}  // namespace lumcv::subpixel
