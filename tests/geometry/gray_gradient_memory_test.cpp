@@ -147,11 +147,11 @@ TYPED_TEST(GrayGradientMemoryQuick, InterleavedRows)
     }
 }
 
-// A row of a million pixels on a stack of 64 KiB.
+// A row of 300000 pixels on a stack of 64 KiB.
 template <class T>
 void callOnASmallStack(bool overlapping)
 {
-    constexpr LumiSize size = {1000000, 2};
+    constexpr LumiSize size = {300000, 2};
     Image<T> source({.width = size.width, .height = size.height, .channels = 3});
     Random random(9);
     fill(source, random);

@@ -269,24 +269,25 @@ TEST(SubpixelRangesQuick, TheLastColumnHasNoNeighbour)
     EXPECT_EQ(ranges.pixels, std::vector<int>({38}));
 }
 
-// Along an edge only one axis has weights. Their pair is exact where four rounded weights would lose a unit of 2^-14.
+// Along an edge only one axis has weights, and their pair is exact: no excess is taken from one of four rounded ones.
 TEST(SubpixelRangesQuick, EdgesTakeThePairOfTheirAxis)
 {
+    const Lum16u source[2] = {0, 65535};
     int different = 0;
-    for (int a = 1; a < 16384; a += 37) {
-        for (int b = 1; b < 16384; b += 1009) {
-            const Lum16u source[2] = {65535, 65535};
-            Lum16u pixel = 0;
-            LumiPoint pMin, pMax;
-            const LumiPoint32f point = {static_cast<Lum32f>(a) / 16384.0f, 5.0f + static_cast<Lum32f>(b) / 16384.0f};
-            ASSERT_EQ(lumiCopySubpixIntersect_16u_C1R(source, 4, {2, 1}, &pixel, 2, {1, 1}, point, &pMin, &pMax),
-                      lumOk);
-            EXPECT_EQ(pixel, 65535) << "a " << a << ", b " << b;
-            const Weights w = weightsOf(a, b);
-            different += w.w00 + w.w10 + w.w01 + w.w11 < 16384;
-        }
+    for (const FractionsWithExcess f : fractionsWithExcess()) {
+        const Lum32f s = static_cast<Lum32f>(f.a) / 16384.0f, t = static_cast<Lum32f>(f.b) / 16384.0f;
+        Lum16u below = 0, beside = 0;
+        LumiPoint pMin, pMax;
+        ASSERT_EQ(lumiCopySubpixIntersect_16u_C1R(source, 4, {2, 1}, &below, 2, {1, 1}, {s, 5 + t}, &pMin, &pMax),
+                  lumOk);
+        ASSERT_EQ(lumiCopySubpixIntersect_16u_C1R(source, 2, {1, 2}, &beside, 2, {1, 1}, {t - 3, s}, &pMin, &pMax),
+                  lumOk);
+        EXPECT_EQ(below, (f.a * 65535 + 8192) >> 14) << "a " << f.a << ", b " << f.b;
+        EXPECT_EQ(beside, (f.a * 65535 + 8192) >> 14) << "a " << f.a << ", b " << f.b;
+        const Weights w = weightsOf(f.a, f.b);
+        different += w.w10 + w.w11 != f.a;
     }
-    EXPECT_GT(different, 100) << "fractions whose four weights fall short";
+    EXPECT_GT(different, 100) << "of these, four weights would give another value";
 }
 
 TYPED_TEST(SubpixelIntersectQuick, ThreadsShareASource)

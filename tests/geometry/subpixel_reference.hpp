@@ -11,6 +11,7 @@
 
 #include "lumcv/lumcv.h"
 #include "support/image.hpp"
+#include "support/random.hpp"
 
 namespace lumcv::test::geometry {
 
@@ -57,6 +58,31 @@ inline Weights weightsOf(int a, int b)
         }
     }
     return w;
+}
+
+struct FractionsWithExcess
+{
+    int a;
+    int b;
+};
+
+/// Fractions for which all four weights are rounded up, by half a unit each: `a * b` is an odd multiple of 8192. Those
+/// of one half, where two weights are equal, among them.
+inline std::vector<FractionsWithExcess> fractionsWithExcess()
+{
+    std::vector<FractionsWithExcess> result;
+    Random random(29);
+    for (int power = 0; power <= 13; ++power) {
+        const int first = 1 << power, second = 8192 >> power;
+        for (int i = 0; i < 100; ++i) {
+            const auto odd = [&](int unit) {
+                return unit * (2 * static_cast<int>(random.between(0, 8192 / unit - 1)) + 1);
+            };
+            const int a = odd(first);
+            result.push_back({a, odd(second)});
+        }
+    }
+    return result;
 }
 
 /// A sum of products with weights in units of 2^-14, divided by 2 to the power of 14 + scaleFactor, rounded, and
