@@ -85,10 +85,10 @@ extern "C" {
  *         return status;
  *     Lum8u* pBuffer = malloc((size_t)bufferSize);  // may be null
  *     for (Lum32s y = 0; y < roiSize.height; ++y)
- *         memset(pDst + (ptrdiff_t)y * dstStep, 0, (size_t)roiSize.width);
+ *         memset(pDst + (size_t)y * (size_t)dstStep, 0, (size_t)roiSize.width);
  *     const Lum32f focalLength = 0.8f * (Lum32f)roiSize.width;
  *     status = lumiUndistortRadial_8u_C1R(pSrc, srcStep, pDst, dstStep, roiSize, focalLength, focalLength,
- *                                         0.5f * (Lum32f)roiSize.width, 0.5f * (Lum32f)roiSize.height, -0.12f, 0.03f,
+ *                                         0.5f * (Lum32f)roiSize.width, 0.5f * (Lum32f)roiSize.height, 0.12f, -0.03f,
  *                                         pBuffer);
  *     free(pBuffer);
  *     return status;
@@ -231,9 +231,10 @@ LUMCV_API LumStatus lumiCreateMapCameraUndistort_32f_C1R(Lum32f* pxMap, Lum32s x
  *     w00 = (qa * qb + 8192) >> 14                w10 = (a * qb + 8192) >> 14
  *     w01 = (qa * b + 8192) >> 14                 w11 = (a * b + 8192) >> 14
  *
- * `s * 16384 + 0.5` is computed in single precision; `a` and `b` are held within 0..16384. If the weights' sum exceeds
- * 16384, the excess is taken from one of them: from `w00` if it is not below any other; otherwise from `w01` if it is
- * not below any other; otherwise from `w11` if `w10` is below any other, else from `w10`. A sum below 16384 stays. Then
+ * `s * 16384 + 0.5` is computed in single precision; `a` and `b` are held within 0..16384. The weights' sum is never
+ * below 16384. If it exceeds that, the excess is taken from one of them: from `w00` if it is not below any other;
+ * otherwise from `w01` if it is not below any other; otherwise from `w11` if `w10` is below any other, else from `w10`.
+ * Then
  *
  *     sum = w00 * p00 + w10 * p10 + w01 * p01 + w11 * p11
  *     value = (sum + 8192) >> 14
@@ -291,12 +292,15 @@ LUMCV_API LumStatus lumiCreateMapCameraUndistort_32f_C1R(Lum32f* pxMap, Lum32s x
  * @code{.c}
  * #include <lumcv/lumcv.h>
  *
- * int cutPatch(const Lum8u* pSrc, Lum32s srcStep, LumiSize srcSize, LumiPoint32f feature, Lum8u patch[31][32])
+ * LumStatus cutPatch(const Lum8u* pSrc, Lum32s srcStep, LumiSize srcSize, LumiPoint32f feature, Lum8u patch[31][32],
+ *                    int* pIsWhole)
  * {
  *     const LumiSize patchSize = {31, 31};
  *     LumiPoint first, last;
- *     LumStatus status = lumiCopySubpixIntersect_8u_C1R(pSrc, srcStep, srcSize, patch[0], 32, patchSize, feature,
- * &first, &last); return status == lumOk && first.x == 0 && first.y == 0 && last.x == 30 && last.y == 30;
+ *     const LumStatus status = lumiCopySubpixIntersect_8u_C1R(pSrc, srcStep, srcSize, patch[0], 32, patchSize, feature,
+ *                                                             &first, &last);
+ *     *pIsWhole = status == lumOk && first.x == 0 && first.y == 0 && last.x == 30 && last.y == 30;
+ *     return status;
  * }
  * @endcode
  *

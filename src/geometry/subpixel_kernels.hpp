@@ -39,7 +39,7 @@ class IntegerKernel
     {
         const auto sum = simd::neighbourProducts(above, weights_.w00, weights_.w10) +
                          simd::neighbourProducts(below, weights_.w01, weights_.w11);
-        return scale_(sum, sumOfWeights());
+        return scale_(sum);
     }
 
     IntegerKernel alongRow() const
@@ -64,11 +64,6 @@ class IntegerKernel
   private:
     IntegerKernel(Share x, Share y, Weights weights, Scale scale) : x_(x), y_(y), weights_(weights), scale_(scale) {}
 
-    Lum32s sumOfWeights() const
-    {
-        return weights_.w00 + weights_.w10 + weights_.w01 + weights_.w11;
-    }
-
     Share x_, y_;
     Weights weights_;
     Scale scale_;
@@ -80,7 +75,7 @@ struct ToBytes
     using Value = Lum8u;
 
     template <int N>
-    [[gnu::always_inline]] simd::Vec<Lum8u, N> operator()(simd::NeighbourSums<N> sum, Lum32s) const
+    [[gnu::always_inline]] simd::Vec<Lum8u, N> operator()(simd::NeighbourSums<N> sum) const
     {
         // The sum without its lowest seven bits, of which rounding to the fourteenth needs none, fits a signed word.
         if constexpr (N == 1)
@@ -98,11 +93,10 @@ struct ToWords
     using Value = Lum16u;
 
     template <int N>
-    [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum, Lum32s sumOfWeights) const
+    [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum) const
     {
-        const Lum32s offset = 0x8000 * sumOfWeights + one / 2;  // at most 2^29 + 2^13; the sums are below 2^30 then
-        const auto shifted =
-            eachSum([offset]<int M>(simd::Vec<Lum32s, M> x) { return x + simd::broadcast<M>(offset); }, sum);
+        constexpr Lum32s offset = 0x8000 * one + one / 2;  // the weights sum to 1; the sums are below 2^30 then
+        const auto shifted = eachSum([]<int M>(simd::Vec<Lum32s, M> x) { return x + simd::broadcast<M>(offset); }, sum);
         return simd::wordsOf<fractionBits>(shifted);
     }
 };
@@ -129,7 +123,7 @@ class ToScaledWords
     }
 
     template <int N>
-    [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum, Lum32s) const
+    [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum) const
     {
         const auto scaled = [*this]<int M>(simd::Vec<Lum32s, M> x) {
             const auto quotient = (x + simd::broadcast<M>(rounding_)) >> rightShift_;

@@ -45,6 +45,8 @@ inline Weights weightsOf(Share x, Share y)
     const auto product = [](Lum32s a, Lum32s b) { return (a * b + one / 2) >> fractionBits; };
     Lum32s w00 = product(x.left, y.left), w10 = product(x.taken, y.left);
     Lum32s w01 = product(x.left, y.taken), w11 = product(x.taken, y.taken);
+    // The exact products of a row sum to a whole number, so that their fractions are rounded to 0 and 1, or both to 1.
+    // So the sum is 1 in the end.
     const Lum32s lack = one - (w00 + w01 + w10 + w11);
     if (lack < 0) {
         if (w00 >= w01 && w00 >= w10 && w00 >= w11)
