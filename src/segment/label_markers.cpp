@@ -88,11 +88,29 @@ Lum32s numberComponents(Lum32u* parents, Lum32u runs, Lum32s minLabel, Lum32s ma
     return count;
 }
 
+/// Paints the places of a word; `last` is the label of the run that started last before it.
+template <class Label>
+[[gnu::always_inline]] inline void paintWord(Label* to, int places, uint64_t starts, uint64_t inside, const Label* last)
+{
+    constexpr int lanes = simd::spreadLanes<Label>;
+    constexpr auto all = static_cast<Lum32u>((1 << lanes) - 1);
+    int i = 0;
+    for (; i + lanes <= places; i += lanes) {
+        const auto startsHere = static_cast<Lum32u>(starts >> i) & all;
+        simd::store(to + i, simd::spreadOverRuns(last, startsHere, static_cast<Lum32u>(inside >> i) & all));
+        last += __builtin_popcount(startsHere);
+    }
+    for (; i < places; ++i) {
+        last += starts >> i & 1;
+        to[i] = inside >> i & 1 ? *last : Label{0};
+    }
+}
+
 /// `labels` begins with that of the first run of the image.
 template <class T, class Label>
 [[gnu::flatten]] void paintRuns(Plane<const T> src, Plane<Label> dst, LumiSizeL size, const Label* labels)
 {
-    constexpr int lanes = simd::spreadLanes<Label>;
+    constexpr int lanes = simd::registerLanes<Label>;
     const Label* last = labels - 1;  // the label of the run that started last
     for (int64_t y = 0; y < size.height; ++y) {
         const T* const from = src.row(y);
@@ -101,18 +119,15 @@ template <class T, class Label>
         for (int64_t x = 0; x < size.width; x += wordBits) {
             const uint64_t inside = markedPixels(from, x, size.width);
             const uint64_t starts = inside & ~shift(inside);
-            const int64_t places = size.width - x < wordBits ? size.width - x : wordBits;
-            int64_t i = 0;
-            for (; i + lanes <= places; i += lanes) {
-                constexpr auto all = static_cast<Lum32u>((1 << lanes) - 1);
-                const auto startsHere = static_cast<Lum32u>(starts >> i) & all;
-                simd::store(to + x + i, simd::spreadOverRuns(last, startsHere, static_cast<Lum32u>(inside >> i) & all));
-                last += __builtin_popcount(startsHere);
-            }
-            for (; i < places; ++i) {
-                last += starts >> i & 1;
-                to[x + i] = inside >> i & 1 ? *last : Label{0};
-            }
+            if (size.width - x < wordBits) {
+                paintWord(to + x, static_cast<int>(size.width - x), starts, inside, last);
+            } else if (starts == 0 && (inside == 0 || ~inside == 0)) {
+                const auto label = simd::broadcast<lanes>(inside == 0 ? Label{0} : *last);
+                for (int i = 0; i < wordBits; i += lanes)
+                    simd::store(to + x + i, label);
+            } else
+                paintWord(to + x, wordBits, starts, inside, last);
+            last += __builtin_popcountll(starts);
         }
     }
 }

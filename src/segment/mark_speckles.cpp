@@ -192,6 +192,21 @@ void addUp(Runs runs, Lum32u count)
     }
 }
 
+/// Overwrites the pixels of which the bits are set.
+template <class T>
+[[gnu::always_inline]] inline void paintPixels(T* pixels, int64_t places, uint64_t bits, T value)
+{
+    constexpr int lanes = simd::groupLanes<T>;
+    int i = 0;
+    for (; i + lanes <= places; i += lanes) {
+        const auto mask = simd::laneMask<T, lanes>(static_cast<Lum32u>(bits >> i));
+        simd::store(pixels + i, simd::select(mask, simd::broadcast<lanes>(value), simd::load<lanes>(pixels + i)));
+    }
+    for (; i < places; ++i)
+        if (bits >> i & 1)
+            __builtin_memcpy(pixels + i, &value, sizeof value);
+}
+
 /// `words` holds those of a row: all of them are there before the first pixel changes.
 template <class T>
 [[gnu::flatten]] void paintSpeckles(Plane<T> image, LumiSizeL size, Rule<T> rule, Lum32u maxSpeckleSize, RunWord* words,
@@ -199,24 +214,25 @@ template <class T>
 {
     const int64_t count = wordsOf(size.width);
     Lum32u run = 0;
-    bool isSpeckle = false;
+    uint64_t isSpeckle = 0;  // whether the run that started last is one
     for (int64_t y = 0; y < size.height; ++y) {
         T* const pixels = image.row(y);
         RunWords<T> runWords(RowBits<T>{pixels, size.width, rule});
         for (int64_t i = 0; i < count; ++i)
             words[i] = runWords.next(i * wordBits);
         for (int64_t i = 0; i < count; ++i) {
-            const auto paint = [=](int place, int length) {
-                simd::fillFew<sizeof(T)>(pixels + i * wordBits + place, &rule.speckleVal, length);
-            };
             const RunWord word = words[i];
-            if (isSpeckle && word.joined & 1)
-                paint(0, firstPiece(word));
+            const uint64_t before = isSpeckle;
+            uint64_t first = 0;  // the first pixels of speckles
             for (uint64_t starts = word.starts; starts != 0; starts &= starts - 1) {
                 isSpeckle = runs.pixels[runs.parents[run++]] <= maxSpeckleSize;
-                const int place = __builtin_ctzll(starts);
-                if (isSpeckle)
-                    paint(place, piece(word, place));
+                first |= isSpeckle << __builtin_ctzll(starts);
+            }
+            // a carry runs from each of them, and from the word before, through the pixels that are joined
+            const uint64_t carried = word.joined & ~((word.joined | first) + first + before);
+            if (const uint64_t paint = first | carried; paint != 0) {
+                const int64_t x = i * wordBits;
+                paintPixels(pixels + x, size.width - x < wordBits ? size.width - x : wordBits, paint, rule.speckleVal);
             }
         }
     }

@@ -49,14 +49,14 @@ class RunForest
     }
 
   private:
-    /// Paths are halved on the way.
+    /// Paths are halved on the way. Most are of one step or none, which look alike here.
     Lum32u rootOf(Lum32u run)
     {
         for (;;) {
             const Lum32u parent = parents_[run];
-            if (parent == run)
-                return run;
             const Lum32u grandparent = parents_[parent];
+            if (grandparent == parent)
+                return parent;
             parents_[run] = grandparent;
             run = grandparent;
         }

@@ -45,9 +45,29 @@ inline constexpr auto countsUpTo = [] {
     return counts;
 }();
 
+/// The lanes of 16 bytes of which the bits are set.
+template <class T, int N>
+[[gnu::always_inline]] inline Mask<T, N> laneMask(Lum32u set)
+{
+    using M = Mask<T, N>;
+    static_assert(N == groupLanes<T>);
+    const __m128i places = _mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201));
+    if constexpr (sizeof(T) == 1) {
+        const __m128i spread =
+            _mm_shuffle_epi8(_mm_cvtsi32_si128(static_cast<int>(set)), _mm_set_epi64x(0x0101010101010101, 0));
+        return M{(typename M::Raw)_mm_cmpeq_epi8(_mm_and_si128(spread, places), places)};
+    } else if constexpr (sizeof(T) == 2) {
+        const __m128i each = _mm_cvtepu8_epi16(places);
+        return M{(typename M::Raw)_mm_cmpeq_epi16(_mm_and_si128(_mm_set1_epi16(static_cast<Lum16s>(set)), each), each)};
+    } else {
+        const __m128i each = _mm_cvtepu8_epi32(places);
+        return M{(typename M::Raw)_mm_cmpeq_epi32(_mm_and_si128(_mm_set1_epi32(static_cast<int>(set)), each), each)};
+    }
+}
+
 /// The lanes that the next function fills at once.
 template <class T>
-inline constexpr int spreadLanes = 16 / static_cast<int>(sizeof(T));
+inline constexpr int spreadLanes = groupLanes<T>;
 
 /// Lane i is values[k], with k the number of bits of `starts` up to place i, where the bit of `inside` is set, and 0
 /// elsewhere. No two starts are neighbours. Reads as many values as there are lanes.
@@ -55,28 +75,21 @@ template <class T>
 [[gnu::always_inline]] inline Vec<T, spreadLanes<T>> spreadOverRuns(const T* values, Lum32u starts, Lum32u inside)
 {
     using V = Vec<T, spreadLanes<T>>;
-    const auto countsOf = [](Lum32u bits) {
-        return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(countsUpTo[bits & 255].data()));
+    const auto countsOf = [](Lum32u set) {
+        return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(countsUpTo[set & 255].data()));
     };
     const __m128i loaded = bits(load<spreadLanes<T>>(values).raw);
-    const __m128i places = _mm_set1_epi64x(static_cast<int64_t>(0x8040201008040201));
+    const __m128i mask = bits(laneMask<T, spreadLanes<T>>(inside).raw);
     if constexpr (sizeof(T) == 1) {
         const __m128i before = _mm_set_epi64x(__builtin_popcount(starts & 255) * 0x0101010101010101, 0);
         const __m128i counts = _mm_add_epi8(_mm_unpacklo_epi64(countsOf(starts), countsOf(starts >> 8)), before);
-        const __m128i spread =
-            _mm_shuffle_epi8(_mm_cvtsi32_si128(static_cast<int>(inside)), _mm_set_epi64x(0x0101010101010101, 0));
-        const __m128i mask = _mm_cmpeq_epi8(_mm_and_si128(spread, places), places);
         return {(typename V::Raw)_mm_and_si128(_mm_shuffle_epi8(loaded, counts), mask)};
     } else if constexpr (sizeof(T) == 2) {
         const __m128i twice = _mm_add_epi8(countsOf(starts), countsOf(starts));
         const __m128i control = _mm_add_epi8(_mm_unpacklo_epi8(twice, twice), _mm_set1_epi16(0x0100));
-        const __m128i each = _mm_cvtepu8_epi16(places);
-        const __m128i mask = _mm_cmpeq_epi16(_mm_and_si128(_mm_set1_epi16(static_cast<Lum16s>(inside)), each), each);
         return {(typename V::Raw)_mm_and_si128(_mm_shuffle_epi8(loaded, control), mask)};
     } else {
         const __m128i control = _mm_cvtepu8_epi32(countsOf(starts & 15));
-        const __m128i each = _mm_cvtepu8_epi32(places);
-        const __m128i mask = _mm_cmpeq_epi32(_mm_and_si128(_mm_set1_epi32(static_cast<int>(inside)), each), each);
         return {(typename V::Raw)_mm_and_si128((__m128i)_mm_permutevar_ps((__m128)loaded, control), mask)};
     }
 }
