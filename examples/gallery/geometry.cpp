@@ -17,7 +17,7 @@ struct Lens
 Lens lensFor(LumiSize size)
 {
     const auto width = static_cast<Lum32f>(size.width), height = static_cast<Lum32f>(size.height);
-    return {0.65f * std::max(width, height), 0.5f * width, 0.5f * height, -0.3f, 0.06f, 0.012f, -0.02f};
+    return {0.65f * std::max(width, height), 0.5f * width, 0.5f * height, -0.3f, 0.06f, 0.006f, -0.009f};
 }
 
 // Where the lens shows the point (x, y).
@@ -117,33 +117,29 @@ Picture correctedByMap(const Source& source, Shot& shot)
     return result;
 }
 
-// How many pixels of the page show one.
-constexpr int zoom = 8;
-
-void enlarge(const Picture& small, Picture& picture, int left)
+void enlarge(const Picture& small, int zoom, Picture& picture)
 {
     for (int y = 0; y < small.height() * zoom; ++y) {
         for (int x = 0; x < small.width() * zoom; ++x) {
-            picture.at(left + x, y) = small.at(x / zoom, y / zoom);
+            picture.at(x, y) = small.at(x / zoom, y / zoom);
         }
     }
 }
 
 Picture subpixelShifts(const Source& source, Shot& shot)
 {
-    constexpr int side = 40, gap = 8;
+    constexpr int side = 40, gap = 8, zoom = 8;
     const Picture& gray = source.gray;
-    const Lum8u* const middle =
-        &gray.at(std::max(0, (gray.width() - side) / 2 - 1), std::max(0, (gray.height() - side) / 2 - 1));
+    const Lum8u* const begin = &gray.at(gray.width() * 9 / 16 - side / 2, gray.height() * 9 / 16 - side / 2);
     Picture result(2 * side * zoom + gap, side * zoom, 1, 255);
     Picture shifted(side, side, 1);
     for (int j = 0; j < zoom; ++j) {
         for (int i = 0; i < zoom; ++i) {
             const Lum32f dx = static_cast<Lum32f>(i) / zoom, dy = static_cast<Lum32f>(j) / zoom;
             shot.timeOnce(GALLERY_CALL(
-                lumiCopySubpix_8u_C1R(middle, gray.step(), shifted.pixels(), shifted.step(), shifted.size(), dx, dy)));
+                lumiCopySubpix_8u_C1R(begin, gray.step(), shifted.pixels(), shifted.step(), shifted.size(), dx, dy)));
             if (i == 0 && j == 0) {
-                enlarge(shifted, result, 0);
+                enlarge(shifted, zoom, result);
             }
             for (int y = 0; y < side; ++y) {
                 for (int x = 0; x < side; ++x) {
@@ -157,19 +153,20 @@ Picture subpixelShifts(const Source& source, Shot& shot)
 
 Picture subpixelAround(const Source& source, Shot& shot)
 {
-    constexpr LumiSize size = {61, 41};
-    constexpr LumiPoint32f point = {20.4f, 11.7f};
+    constexpr LumiSize size = {161, 107};
+    constexpr LumiPoint32f point = {50.4f, 25.7f};
+    constexpr int zoom = 4;
     Picture patch(size.width, size.height, 1);
     LumiPoint first{}, last{};
     shot.time(GALLERY_CALL(lumiCopySubpixIntersect_8u_C1R(source.gray.pixels(), source.gray.step(), source.gray.size(),
                                                           patch.pixels(), patch.step(), size, point, &first, &last)));
     Picture gray(size.width * zoom, size.height * zoom, 1);
-    enlarge(patch, gray, 0);
+    enlarge(patch, zoom, gray);
     Picture result(gray.width(), gray.height(), 3);
     for (int y = 0; y < gray.height(); ++y) {
         for (int x = 0; x < gray.width(); ++x) {
-            const bool isGenuine =
-                x / zoom >= first.x && y / zoom >= first.y && x / zoom <= last.x && y / zoom <= last.y;
+            const int column = x / zoom, row = y / zoom;
+            const bool isGenuine = column >= first.x && row >= first.y && column <= last.x && row <= last.y;
             for (int c = 0; c < 3; ++c) {
                 const int level = gray.at(x, y);
                 result.at(x, y, c) = static_cast<Lum8u>(isGenuine ? level : c == 0 ? level / 2 + 100 : level / 2);
