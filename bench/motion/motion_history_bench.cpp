@@ -1,5 +1,5 @@
-// Rows of the motion history. Silhouettes of discs that move leave most pixels as they are; in those of noise, half of
-// all pixels move at each frame.
+// Rows of the motion history. A silhouette of discs leaves most pixels as they are; in one of noise, half of all pixels
+// move at each frame.
 #include <cmath>
 
 #include "bench/support/row.hpp"
@@ -14,19 +14,21 @@ enum class Scene
     Noise
 };
 
-constexpr int silhouetteCount = 8;
 constexpr Lum32f duration = 20;
 
 template <typename T>
-void draw(View<const T> silhouette, LumiSize size, Scene scene, int number)
+View<const T> draw(Job& job, Scene scene)
 {
-    std::mt19937 random{unsigned(number)};
+    const auto silhouette = job.source<T>();
+    const LumiSize size = job.size();
+    std::mt19937 random{1};
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
-            const bool isDisc = std::hypot((x + 20 * number) % 160 - 80, y % 160 - 80) < 28;
+            const bool isDisc = std::hypot(x % 160 - 80, y % 160 - 80) < 28;
             const bool moves = scene == Scene::Discs ? isDisc : random() % 2 == 0;
             const_cast<T*>(silhouette.row(y))[x] = moves ? T(255) : T(0);
         }
+    return silhouette;
 }
 
 template <typename T>
@@ -34,22 +36,13 @@ auto history(LumStatus (*update)(const T*, Lum32s, Lum32f*, Lum32s, LumiSize, Lu
 {
     return [=](Job& job) -> Call {
         const LumiSize size = job.size();
-        std::vector<View<const T>> silhouettes;
-        for (int i = 0; i < silhouetteCount; ++i) {
-            const Lum32s step = Lum32s(sizeof(T)) * size.width;
-            silhouettes.push_back(i == 0 ? job.source<T>()
-                                         : View<const T>{job.block<T>(std::size_t(size.width) * size.height), step});
-            draw(silhouettes.back(), size, scene, i);
-        }
+        const auto s = draw<T>(job, scene);
         const auto h = job.accumulator<Lum32f>();
         for (int y = 0; y < size.height; ++y)
             std::fill_n(h.row(y), size.width, 0.0f);
         auto* const now = job.block<int>(1);
         *now = 0;
-        return [=] {
-            const auto& s = silhouettes[std::size_t((*now)++ % silhouetteCount)];
-            return update(s.pixels, s.step, h.pixels, h.step, size, Lum32f(*now), duration);
-        };
+        return [=] { return update(s.pixels, s.step, h.pixels, h.step, size, Lum32f(++*now), duration); };
     };
 }
 

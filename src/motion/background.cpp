@@ -40,9 +40,10 @@ template <class Body>
 {
     const int64_t grouped = state.size.width / groupPixels * groupPixels;
     for (int64_t y = 0; y < roiSize.height; ++y) {
-        const auto slots = [&state, y](int64_t first, int64_t lane, int64_t pixels) {
-            const int64_t at = (y * state.size.width + first) * state.capacity;
-            return Slots{state.weights + at + lane, state.groups + 4 * at + lane, pixels};
+        const auto slots = [&state, y](int64_t first, int64_t lane, int64_t together) {
+            const int64_t at = y * state.size.width + first;
+            return Slots{state.weights + at + lane, state.groups + 4 * at + lane, state.size.width * state.size.height,
+                         together};
         };
         int64_t x = 0;
         for (; x + groupPixels <= roiSize.width; x += groupPixels)

@@ -9,23 +9,24 @@
 
 namespace lumcv {
 
-/// The modes of a few pixels. Slot s of a pixel has its weight and, in a group of four, the means of the channels and
-/// the variance; the lanes of other pixels are between them.
+/// The modes of a few pixels. Each slot has planes of its own: one of weights, and one with four floats for each pixel,
+/// the means of the channels and the variance. Of pixels that are kept together, these stand lane by lane.
 struct Slots
 {
     Lum32f* weights;
     Lum32f* groups;
-    int64_t pixels;  // in the group of pixels that is kept together
+    int64_t plane;     // pixels of the model
+    int64_t together;  // pixels
 
     Lum32f* weight(int64_t slot) const
     {
-        return weights + slot * pixels;
+        return weights + slot * plane;
     }
 
     /// Channel 0, 1, 2 of the mean, or 3: the variance.
     Lum32f* mean(int64_t slot, int channel) const
     {
-        return groups + (4 * slot + channel) * pixels;
+        return groups + 4 * slot * plane + channel * together;
     }
 };
 

@@ -9,6 +9,16 @@ namespace {
 /// A register of bytes of the silhouette at the base level.
 constexpr int lanesPerStep = 16;
 
+/// Whether a silhouette is set anywhere. A float of minus zero counts here, and is found not to be set afterwards.
+template <int N, class T>
+[[gnu::always_inline]] inline bool anyMoves(const T* moves)
+{
+    if constexpr (std::is_integral_v<T>)
+        return simd::anyNonZero(simd::load<N>(moves));
+    else
+        return simd::anyBitDiffers(simd::load<N>(moves), simd::broadcast<N>(0.0f));
+}
+
 template <class T>
 [[gnu::flatten]] LumStatus updateHistory(Plane<const T> silhouette, Plane<Lum32f> history, LumiSize roiSize,
                                          Lum32f timestamp, Lum32f duration)
@@ -31,11 +41,11 @@ template <class T>
             const auto zero = simd::broadcast<lanes>(0.0f);
             const auto before = simd::load<lanes>(stamps + x);
             const auto kept = simd::select(simd::less(before, simd::broadcast<lanes>(limit)), zero, before);
-            const auto moving = simd::broadcast<lanes>(timestamp);
-            const auto after = simd::select(simd::equal(simd::loadFloat<lanes>(moves + x), zero), kept, moving);
-            // where nothing moves, the history stays as it is and need not go back to memory
-            if (simd::anyBitDiffers(before, after))
-                simd::store(stamps + x, after);
+            if (anyMoves<lanes>(moves + x)) {
+                const auto still = simd::equal(simd::loadFloat<lanes>(moves + x), zero);
+                simd::store(stamps + x, simd::select(still, kept, simd::broadcast<lanes>(timestamp)));
+            } else if (simd::anyBitDiffers(before, kept))  // what stays need not go back to memory
+                simd::store(stamps + x, kept);
         });
     }
     return lumOk;
