@@ -14,6 +14,7 @@
 #include "geometry/undistort_forms.hpp"
 #include "support/compare.hpp"
 #include "support/random.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::geometry {
 namespace {
@@ -77,13 +78,9 @@ class FarRows
 
 constexpr LumiSize kSize = {45, 9};
 
-template <class F>
-class UndistortFarRows : public testing::Test
-{
-};
-TYPED_TEST_SUITE(UndistortFarRows, UndistortForms, UndistortFormName);
+TYPE_SUITE(UndistortFarRows, UndistortForms, UndistortFormName);
 
-TYPED_TEST(UndistortFarRows, AsTheReference)
+TYPE_TEST(UndistortFarRows, AsTheReference)
 {
     using T = typename TypeParam::Element;
     const FarRows<T> source(kSize.width, kSize.height, TypeParam::channels);

@@ -12,23 +12,16 @@
 #include "support/isolated_rows.hpp"
 #include "support/random.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::geometry {
 namespace {
 
-template <class T>
-class GrayGradientMemoryQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayGradientMemoryQuick, GrayElements);
+TYPE_SUITE(GrayGradientMemoryQuick, GrayElements);
 
-template <class T>
-class GrayGradientMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayGradientMemory, GrayElements);
+TYPE_SUITE(GrayGradientMemory, GrayElements);
 
-TYPED_TEST(GrayGradientMemoryQuick, RowsAlone)
+TYPE_TEST(GrayGradientMemoryQuick, RowsAlone)
 {
     for (const int width : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 21, 31, 32, 33, 63, 64, 65, 70}) {
         for (const Guard guard : {Guard::After, Guard::Before}) {
@@ -99,7 +92,7 @@ void expectLoopOverPixels(const Overlap& o, LumiDistanceNorm norm)
     EXPECT_TRUE(sameElements(expected.as<T>(), actual.as<T>(), bytes / sizeof(T))) << o << ", norm " << norm;
 }
 
-TYPED_TEST(GrayGradientMemoryQuick, InPlace)
+TYPE_TEST(GrayGradientMemoryQuick, InPlace)
 {
     for (const int width : {1, 2, 3, 5, 8, 16, 17, 33, 64, 70, 300}) {
         for (const int gap : {0, 7}) {
@@ -113,7 +106,7 @@ TYPED_TEST(GrayGradientMemoryQuick, InPlace)
 }
 
 // What an early pixel writes, a later one reads: in the same row and in later rows.
-TYPED_TEST(GrayGradientMemory, AnyOverlap)
+TYPE_TEST(GrayGradientMemory, AnyOverlap)
 {
     for (const int width : {1, 3, 4, 8, 17, 33, 70}) {
         for (const int height : {1, 2, 4}) {
@@ -137,7 +130,7 @@ TYPED_TEST(GrayGradientMemory, AnyOverlap)
 }
 
 // Rows of the destination in the gaps of the source, without a byte in common.
-TYPED_TEST(GrayGradientMemoryQuick, InterleavedRows)
+TYPE_TEST(GrayGradientMemoryQuick, InterleavedRows)
 {
     for (const int width : {1, 5, 16, 33, 100}) {
         for (const LumiDistanceNorm norm : kGrayNorms) {
@@ -195,7 +188,7 @@ void callOnASmallStack(bool overlapping)
     }
 }
 
-TYPED_TEST(GrayGradientMemory, WideRowsOnASmallStack)
+TYPE_TEST(GrayGradientMemory, WideRowsOnASmallStack)
 {
     callOnASmallStack<TypeParam>(false);
     callOnASmallStack<TypeParam>(true);
@@ -222,7 +215,7 @@ struct GrayArgs
     }
 };
 
-TYPED_TEST(GrayGradientMemoryQuick, ChecksInOrder)
+TYPE_TEST(GrayGradientMemoryQuick, ChecksInOrder)
 {
     using A = GrayArgs<TypeParam>;
     constexpr int element = sizeof(TypeParam);

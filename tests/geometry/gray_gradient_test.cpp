@@ -12,21 +12,14 @@
 #include "support/max_cache_size.hpp"
 #include "support/random.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::geometry {
 namespace {
 
-template <class T>
-class GrayGradientQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayGradientQuick, GrayElements);
+TYPE_SUITE(GrayGradientQuick, GrayElements);
 
-template <class T>
-class GrayGradient : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayGradient, GrayElements);
+TYPE_SUITE(GrayGradient, GrayElements);
 
 template <class T>
 void expectNorm(const Image<T>& source, const Layout& layout, LumiDistanceNorm norm)
@@ -62,17 +55,17 @@ void sweepAgainstReference(Sweep sweep)
     });
 }
 
-TYPED_TEST(GrayGradientQuick, Sizes)
+TYPE_TEST(GrayGradientQuick, Sizes)
 {
     sweepAgainstReference<TypeParam>(Sweep::Quick);
 }
 
-TYPED_TEST(GrayGradient, Sizes)
+TYPE_TEST(GrayGradient, Sizes)
 {
     sweepAgainstReference<TypeParam>(Sweep::Full);
 }
 
-TYPED_TEST(GrayGradient, WideRows)
+TYPE_TEST(GrayGradient, WideRows)
 {
     for (const LumiSize size : {LumiSize{1100, 3}, {4095, 2}, {4097, 2}, {20000, 3}, {70001, 1}}) {
         Random random(static_cast<std::uint64_t>(size.width));
@@ -89,7 +82,7 @@ TYPED_TEST(GrayGradient, WideRows)
     }
 }
 
-TYPED_TEST(GrayGradient, HighImages)
+TYPE_TEST(GrayGradient, HighImages)
 {
     for (const int width : {1, 3, 17}) {
         Random random(static_cast<std::uint64_t>(width));
@@ -99,7 +92,7 @@ TYPED_TEST(GrayGradient, HighImages)
     }
 }
 
-TYPED_TEST(GrayGradient, LargerThanTheCache)
+TYPE_TEST(GrayGradient, LargerThanTheCache)
 {
     for (const int cacheBytes : {0, 1024}) {
         const ReportedCacheSize reported(0, cacheBytes);
@@ -217,7 +210,7 @@ TEST(GrayGradientValuesQuick, FloatsBeyondTheRange)
     }
 }
 
-TYPED_TEST(GrayGradientQuick, ThreadsShareASource)
+TYPE_TEST(GrayGradientQuick, ThreadsShareASource)
 {
     Random random(4);
     Image<TypeParam> source({.width = 301, .height = 20, .channels = 3});

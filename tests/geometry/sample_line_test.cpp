@@ -14,6 +14,7 @@
 #include "support/placed_block.hpp"
 #include "support/random.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::geometry {
 namespace {
@@ -83,20 +84,12 @@ void expectLine(const Source& source, LumiSize size, LumiPoint from, LumiPoint t
     EXPECT_TRUE(samples.intact()) << lineText(from, to);
 }
 
-template <class F>
-class SampleLineQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SampleLineQuick, Forms, FormName);
+TYPE_SUITE(SampleLineQuick, Forms, FormName);
 
-template <class F>
-class SampleLine : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SampleLine, Forms, FormName);
+TYPE_SUITE(SampleLine, Forms, FormName);
 
 // Every line of a small image, its rows alone between unreadable pages.
-TYPED_TEST(SampleLineQuick, EveryLine)
+TYPE_TEST(SampleLineQuick, EveryLine)
 {
     constexpr LumiSize size = {10, 11};
     for (const Guard guard : {Guard::After, Guard::Before}) {
@@ -122,7 +115,7 @@ TYPED_TEST(SampleLineQuick, EveryLine)
 }
 
 // Lengths around every number of samples that may be taken at once, in all directions from the middle.
-TYPED_TEST(SampleLine, AllDirectionsAndLengths)
+TYPE_TEST(SampleLine, AllDirectionsAndLengths)
 {
     constexpr int reach = 140;
     constexpr LumiSize size = {2 * reach + 1, 2 * reach + 1};
@@ -153,7 +146,7 @@ TYPED_TEST(SampleLine, AllDirectionsAndLengths)
     }
 }
 
-TYPED_TEST(SampleLine, LongLines)
+TYPE_TEST(SampleLine, LongLines)
 {
     for (const LumiSize size : {LumiSize{3000, 9}, {9, 3000}, {700, 500}, {70000, 2}, {1, 70000}}) {
         Image<typename TypeParam::Element> source(
@@ -178,7 +171,7 @@ TYPED_TEST(SampleLine, LongLines)
 }
 
 // There is no test of the stride's alignment: rows of wider elements may begin at any byte address.
-TYPED_TEST(SampleLineQuick, RowsAtAnyAddress)
+TYPE_TEST(SampleLineQuick, RowsAtAnyAddress)
 {
     using T = typename TypeParam::Element;
     constexpr LumiSize size = {9, 6};
@@ -248,7 +241,7 @@ TEST(SampleLinePlacesQuick, HalfwayTheMinorStepWaits)
     EXPECT_EQ(visited({0, 0}, {2, 1}), std::vector<int>({0, 1, 102}));
 }
 
-TYPED_TEST(SampleLineQuick, ThreadsShareAnImage)
+TYPE_TEST(SampleLineQuick, ThreadsShareAnImage)
 {
     constexpr LumiSize size = {300, 200};
     Image<typename TypeParam::Element> source(
@@ -283,7 +276,7 @@ struct LineArgs
     }
 };
 
-TYPED_TEST(SampleLineQuick, ChecksInOrder)
+TYPE_TEST(SampleLineQuick, ChecksInOrder)
 {
     using A = LineArgs<TypeParam>;
     using T = typename TypeParam::Element;

@@ -13,21 +13,14 @@
 #include "support/max_cache_size.hpp"
 #include "support/status_order.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::geometry {
 namespace {
 
-template <class F>
-class SubpixelCopyQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SubpixelCopyQuick, SubpixelForms, SubpixelFormName);
+TYPE_SUITE(SubpixelCopyQuick, SubpixelForms, SubpixelFormName);
 
-template <class F>
-class SubpixelCopy : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SubpixelCopy, SubpixelForms, SubpixelFormName);
+TYPE_SUITE(SubpixelCopy, SubpixelForms, SubpixelFormName);
 
 /// A source with the column and the row that a copy reads beyond its ROI.
 template <class F>
@@ -71,17 +64,17 @@ void sweepAgainstReference(Sweep sweep)
     });
 }
 
-TYPED_TEST(SubpixelCopyQuick, Sizes)
+TYPE_TEST(SubpixelCopyQuick, Sizes)
 {
     sweepAgainstReference<TypeParam>(Sweep::Quick);
 }
 
-TYPED_TEST(SubpixelCopy, Sizes)
+TYPE_TEST(SubpixelCopy, Sizes)
 {
     sweepAgainstReference<TypeParam>(Sweep::Full);
 }
 
-TYPED_TEST(SubpixelCopy, ManyFractions)
+TYPE_TEST(SubpixelCopy, ManyFractions)
 {
     Random random(23);
     const Layout layout = {.width = 37, .height = 2};
@@ -92,7 +85,7 @@ TYPED_TEST(SubpixelCopy, ManyFractions)
     }
 }
 
-TYPED_TEST(SubpixelCopy, LargerImages)
+TYPE_TEST(SubpixelCopy, LargerImages)
 {
     for (const LumiSize size : {LumiSize{1100, 70}, {20000, 3}, {5, 3000}, {333, 333}}) {
         for (const int offset : {0, 1}) {
@@ -108,7 +101,7 @@ TYPED_TEST(SubpixelCopy, LargerImages)
 }
 
 // One column and one row more than the ROI, each row alone between unreadable pages.
-TYPED_TEST(SubpixelCopyQuick, RowsAlone)
+TYPE_TEST(SubpixelCopyQuick, RowsAlone)
 {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Destination;
@@ -144,7 +137,7 @@ TYPED_TEST(SubpixelCopyQuick, RowsAlone)
 
 // The stride need not have room for the column more: rows may follow one another without a gap, and the neighbour of
 // the last pixel is then the first of the next row.
-TYPED_TEST(SubpixelCopyQuick, StrideOfOneRow)
+TYPE_TEST(SubpixelCopyQuick, StrideOfOneRow)
 {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Destination;
@@ -262,7 +255,7 @@ TEST(SubpixelWeights, ExcessIsTakenFromOneOfThem)
     }
 }
 
-TYPED_TEST(SubpixelCopyQuick, WithoutOffsetACopy)
+TYPE_TEST(SubpixelCopyQuick, WithoutOffsetACopy)
 {
     using D = typename TypeParam::Destination;
     const Layout layout = {.width = 70, .height = 3};
@@ -313,7 +306,7 @@ TEST(SubpixelScaleQuick, ZeroStaysZero)
     }
 }
 
-TYPED_TEST(SubpixelCopyQuick, ThreadsShareASource)
+TYPE_TEST(SubpixelCopyQuick, ThreadsShareASource)
 {
     const Layout layout = {.width = 200, .height = 30};
     const auto source = makeSource<TypeParam>(layout, Values::Ordinary, 1);
@@ -342,7 +335,7 @@ struct CopyArgs
     }
 };
 
-TYPED_TEST(SubpixelCopyQuick, ChecksInOrder)
+TYPE_TEST(SubpixelCopyQuick, ChecksInOrder)
 {
     using A = CopyArgs<TypeParam>;
     using S = typename TypeParam::Source;

@@ -14,6 +14,7 @@
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::geometry {
 namespace {
@@ -21,17 +22,9 @@ namespace {
 constexpr Lum32f kInfinity = std::numeric_limits<Lum32f>::infinity();
 constexpr Lum32f kNan = std::numeric_limits<Lum32f>::quiet_NaN();
 
-template <class F>
-class SubpixelIntersectQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SubpixelIntersectQuick, SubpixelForms, SubpixelFormName);
+TYPE_SUITE(SubpixelIntersectQuick, SubpixelForms, SubpixelFormName);
 
-template <class F>
-class SubpixelIntersect : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SubpixelIntersect, SubpixelForms, SubpixelFormName);
+TYPE_SUITE(SubpixelIntersect, SubpixelForms, SubpixelFormName);
 
 std::string pointText(LumiPoint p)
 {
@@ -131,7 +124,7 @@ void expectEveryPosition(LumiSize sourceSize, LumiSize size, int everyOther)
     }
 }
 
-TYPED_TEST(SubpixelIntersectQuick, EveryPositionOfASmallRectangle)
+TYPE_TEST(SubpixelIntersectQuick, EveryPositionOfASmallRectangle)
 {
     expectEveryPosition<TypeParam>({9, 7}, {4, 3}, 3);
     expectEveryPosition<TypeParam>({5, 5}, {5, 5}, 7);
@@ -141,7 +134,7 @@ TYPED_TEST(SubpixelIntersectQuick, EveryPositionOfASmallRectangle)
     expectEveryPosition<TypeParam>({1, 9}, {2, 2}, 7);
 }
 
-TYPED_TEST(SubpixelIntersect, EveryPosition)
+TYPE_TEST(SubpixelIntersect, EveryPosition)
 {
     for (const LumiSize sourceSize : {LumiSize{70, 20}, {33, 5}, {17, 40}, {4, 4}}) {
         for (const LumiSize size : {LumiSize{33, 9}, {16, 16}, {71, 3}, {8, 30}, {64, 6}}) {
@@ -151,7 +144,7 @@ TYPED_TEST(SubpixelIntersect, EveryPosition)
     }
 }
 
-TYPED_TEST(SubpixelIntersect, RectanglesOfAllWidths)
+TYPE_TEST(SubpixelIntersect, RectanglesOfAllWidths)
 {
     constexpr LumiSize sourceSize = {60, 12};
     Image<typename TypeParam::Source> source({.width = sourceSize.width, .height = sourceSize.height});
@@ -170,7 +163,7 @@ TYPED_TEST(SubpixelIntersect, RectanglesOfAllWidths)
     }
 }
 
-TYPED_TEST(SubpixelIntersect, LargeImages)
+TYPE_TEST(SubpixelIntersect, LargeImages)
 {
     const ReportedCacheSize reported(0, 1024);
     constexpr LumiSize sourceSize = {3000, 50};
@@ -290,7 +283,7 @@ TEST(SubpixelRangesQuick, EdgesTakeThePairOfTheirAxis)
     EXPECT_GT(different, 100) << "of these, four weights would give another value";
 }
 
-TYPED_TEST(SubpixelIntersectQuick, ThreadsShareASource)
+TYPE_TEST(SubpixelIntersectQuick, ThreadsShareASource)
 {
     constexpr LumiSize sourceSize = {90, 40};
     Image<typename TypeParam::Source> source({.width = sourceSize.width, .height = sourceSize.height});
@@ -331,7 +324,7 @@ struct AroundArgs
     }
 };
 
-TYPED_TEST(SubpixelIntersectQuick, ChecksInOrder)
+TYPE_TEST(SubpixelIntersectQuick, ChecksInOrder)
 {
     using A = AroundArgs<TypeParam>;
     using S = typename TypeParam::Source;
@@ -374,7 +367,7 @@ TYPED_TEST(SubpixelIntersectQuick, ChecksInOrder)
 }
 
 // The stride of the destination is held against the destination's width and not the source's.
-TYPED_TEST(SubpixelIntersectQuick, EachStrideForItsOwnWidth)
+TYPE_TEST(SubpixelIntersectQuick, EachStrideForItsOwnWidth)
 {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Destination;

@@ -12,21 +12,14 @@
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::geometry {
 namespace {
 
-template <class F>
-class UndistortRadialQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(UndistortRadialQuick, UndistortForms, UndistortFormName);
+TYPE_SUITE(UndistortRadialQuick, UndistortForms, UndistortFormName);
 
-template <class F>
-class UndistortRadial : public testing::Test
-{
-};
-TYPED_TEST_SUITE(UndistortRadial, UndistortForms, UndistortFormName);
+TYPE_SUITE(UndistortRadial, UndistortForms, UndistortFormName);
 
 enum class Scratch
 {
@@ -76,17 +69,17 @@ void sweepAgainstReference(Sweep sweep)
     });
 }
 
-TYPED_TEST(UndistortRadialQuick, Sizes)
+TYPE_TEST(UndistortRadialQuick, Sizes)
 {
     sweepAgainstReference<TypeParam>(Sweep::Quick);
 }
 
-TYPED_TEST(UndistortRadial, Sizes)
+TYPE_TEST(UndistortRadial, Sizes)
 {
     sweepAgainstReference<TypeParam>(Sweep::Full);
 }
 
-TYPED_TEST(UndistortRadialQuick, OrdinaryLenses)
+TYPE_TEST(UndistortRadialQuick, OrdinaryLenses)
 {
     using T = typename TypeParam::Element;
     int pixels = 0;
@@ -109,7 +102,7 @@ TYPED_TEST(UndistortRadialQuick, OrdinaryLenses)
     EXPECT_LT(valid, pixels);
 }
 
-TYPED_TEST(UndistortRadial, ExtremeLenses)
+TYPE_TEST(UndistortRadial, ExtremeLenses)
 {
     using T = typename TypeParam::Element;
     constexpr LumiSize size = {21, 9};
@@ -123,7 +116,7 @@ TYPED_TEST(UndistortRadial, ExtremeLenses)
     }
 }
 
-TYPED_TEST(UndistortRadial, LargerImages)
+TYPE_TEST(UndistortRadial, LargerImages)
 {
     using T = typename TypeParam::Element;
     for (const LumiSize size : {LumiSize{1100, 60}, {260, 130}, {3000, 9}, {5, 2000}}) {
@@ -138,7 +131,7 @@ TYPED_TEST(UndistortRadial, LargerImages)
 }
 
 // The pixels of the source between unreadable pages, row by row; those of the destination too.
-TYPED_TEST(UndistortRadialQuick, RowsAlone)
+TYPE_TEST(UndistortRadialQuick, RowsAlone)
 {
     using T = typename TypeParam::Element;
     for (const int width : {1, 2, 3, 4, 5, 8, 11, 16, 17, 33}) {
@@ -177,7 +170,7 @@ TYPED_TEST(UndistortRadialQuick, RowsAlone)
     }
 }
 
-TYPED_TEST(UndistortRadialQuick, PlacesThatAreNoNumbers)
+TYPE_TEST(UndistortRadialQuick, PlacesThatAreNoNumbers)
 {
     using T = typename TypeParam::Element;
     constexpr LumiSize size = {37, 5};
@@ -199,7 +192,7 @@ TYPED_TEST(UndistortRadialQuick, PlacesThatAreNoNumbers)
 }
 
 // Without distortion every place is its own; the last column and row are beyond the strict bounds and stay.
-TYPED_TEST(UndistortRadialQuick, WithoutDistortionTheLastColumnAndRowStay)
+TYPE_TEST(UndistortRadialQuick, WithoutDistortionTheLastColumnAndRowStay)
 {
     using T = typename TypeParam::Element;
     for (const LumiSize size : {LumiSize{1, 1}, {1, 5}, {5, 1}, {2, 2}, {19, 7}, {70, 3}}) {
@@ -260,7 +253,7 @@ TEST(UndistortBoundsQuick, BarelyBelowTheFirstColumn)
     EXPECT_EQ(valueAtZeroOne(1e-35f, 0.0f), 7.0f) << "-0 is not below 0";
 }
 
-TYPED_TEST(UndistortRadialQuick, SameBytesWithAnyScratch)
+TYPE_TEST(UndistortRadialQuick, SameBytesWithAnyScratch)
 {
     using T = typename TypeParam::Element;
     constexpr LumiSize size = {47, 20};
@@ -284,7 +277,7 @@ TYPED_TEST(UndistortRadialQuick, SameBytesWithAnyScratch)
     }
 }
 
-TYPED_TEST(UndistortRadialQuick, ThreadsShareASource)
+TYPE_TEST(UndistortRadialQuick, ThreadsShareASource)
 {
     using T = typename TypeParam::Element;
     constexpr LumiSize size = {90, 40};
