@@ -17,6 +17,7 @@
 #include "support/placed_block.hpp"
 #include "support/status_order.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::motion {
 namespace {
@@ -124,17 +125,9 @@ Lum32f drawStamp(Random& random, Time time)
     }
 }
 
-template <class T>
-struct MotionHistory : testing::Test
-{
-};
-template <class T>
-struct MotionHistoryQuick : testing::Test
-{
-};
 using Types = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(MotionHistory, Types);
-TYPED_TEST_SUITE(MotionHistoryQuick, Types);
+TYPE_SUITE(MotionHistory, Types);
+TYPE_SUITE(MotionHistoryQuick, Types);
 
 template <class T>
 void expectGeometry(const Geometry& geometry, int times)
@@ -163,17 +156,17 @@ void expectGeometry(const Geometry& geometry, int times)
     }
 }
 
-TYPED_TEST(MotionHistoryQuick, Sizes)
+TYPE_TEST(MotionHistoryQuick, Sizes)
 {
     forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5); });
 }
 
-TYPED_TEST(MotionHistory, Sizes)
+TYPE_TEST(MotionHistory, Sizes)
 {
     forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 3); });
 }
 
-TYPED_TEST(MotionHistory, LargerThanTheCache)
+TYPE_TEST(MotionHistory, LargerThanTheCache)
 {
     for (const int cacheBytes : {0, 1024}) {
         const ReportedCacheSize reported(0, cacheBytes);
@@ -188,7 +181,7 @@ TYPED_TEST(MotionHistory, LargerThanTheCache)
 }
 
 // A history at any byte address, against a page at either end; the floats are copied in and out byte by byte.
-TYPED_TEST(MotionHistory, HistoryAtAnyAddress)
+TYPE_TEST(MotionHistory, HistoryAtAnyAddress)
 {
     const Time time = {100.25f, 7.5f};
     for (const int width : {1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 40, 63, 64, 65, 130}) {
@@ -231,7 +224,7 @@ TYPED_TEST(MotionHistory, HistoryAtAnyAddress)
     }
 }
 
-TYPED_TEST(MotionHistory, RowsAlone)
+TYPE_TEST(MotionHistory, RowsAlone)
 {
     const Time time = {-1.5f, 3};
     for (const int width : {1, 2, 3, 5, 7, 8, 9, 15, 16, 17, 24, 31, 32, 33, 63, 64, 65, 100, 129}) {
@@ -281,7 +274,7 @@ Lum32f after(T silhouetteValue, Lum32f stamp, Time time)
     return history[0];
 }
 
-TYPED_TEST(MotionHistoryQuick, AStampAtTheLimitSurvives)
+TYPE_TEST(MotionHistoryQuick, AStampAtTheLimitSurvives)
 {
     const TypeParam clear = 0;
     EXPECT_EQ(after(clear, 92.5f, {100, 7.5f}), 92.5f);
@@ -290,26 +283,26 @@ TYPED_TEST(MotionHistoryQuick, AStampAtTheLimitSurvives)
 }
 
 // The limit is rounded to single precision: 16777216 - 0.5 is 16777216 there.
-TYPED_TEST(MotionHistoryQuick, TheLimitIsSinglePrecision)
+TYPE_TEST(MotionHistoryQuick, TheLimitIsSinglePrecision)
 {
     EXPECT_EQ(after(TypeParam{0}, 16777215, {16777216, 0.25f}), 0.0f);
     EXPECT_EQ(after(TypeParam{0}, 16777216, {16777216, 0.25f}), 16777216.0f);
 }
 
-TYPED_TEST(MotionHistoryQuick, DurationOfZeroErasesAllThatStands)
+TYPE_TEST(MotionHistoryQuick, DurationOfZeroErasesAllThatStands)
 {
     EXPECT_EQ(after(TypeParam{0}, 99.75f, {100, 0}), 0.0f);
     EXPECT_EQ(after(TypeParam{0}, 100, {100, 0}), 100.0f);
     EXPECT_EQ(after(TypeParam{3}, 99.75f, {100, 0}), 100.0f);
 }
 
-TYPED_TEST(MotionHistoryQuick, TimeMayRunBackwards)
+TYPE_TEST(MotionHistoryQuick, TimeMayRunBackwards)
 {
     EXPECT_EQ(after(TypeParam{1}, 100, {50, 10}), 50.0f);
     EXPECT_EQ(after(TypeParam{0}, 100, {50, 10}), 100.0f);
 }
 
-TYPED_TEST(MotionHistoryQuick, NegativeStamps)
+TYPE_TEST(MotionHistoryQuick, NegativeStamps)
 {
     EXPECT_EQ(after(TypeParam{0}, -5, {-4, 2}), -5.0f);
     EXPECT_EQ(after(TypeParam{0}, -6, {-4, 2}), -6.0f);
@@ -320,7 +313,7 @@ TYPED_TEST(MotionHistoryQuick, NegativeStamps)
     EXPECT_TRUE(sameBits(after(TypeParam{0}, -0.0f, {1, 0}), 0.0f));
 }
 
-TYPED_TEST(MotionHistoryQuick, StampsThatAreNotNumbersStay)
+TYPE_TEST(MotionHistoryQuick, StampsThatAreNotNumbersStay)
 {
     for (const std::uint32_t bits : {0x7fc00000u, 0xffc00000u, 0x7f800001u, 0xff800001u, 0x7fffffffu, 0xffffffffu}) {
         EXPECT_EQ(std::bit_cast<std::uint32_t>(after(TypeParam{0}, std::bit_cast<Lum32f>(bits), {100, 7})), bits);
@@ -339,7 +332,7 @@ TEST(MotionHistoryFloatQuick, SilhouettesThatAreSet)
     EXPECT_EQ(after(-kInfinity, 3, {100, 99}), 100.0f);
 }
 
-TYPED_TEST(MotionHistory, ThreadsShareASilhouette)
+TYPE_TEST(MotionHistory, ThreadsShareASilhouette)
 {
     std::vector<TypeParam> silhouette(500);
     for (std::size_t i = 0; i < 500; ++i) {
@@ -382,7 +375,7 @@ struct Args
     }
 };
 
-TYPED_TEST(MotionHistoryQuick, ChecksInOrder)
+TYPE_TEST(MotionHistoryQuick, ChecksInOrder)
 {
     using A = Args<TypeParam>;
     constexpr int size = static_cast<int>(sizeof(TypeParam));

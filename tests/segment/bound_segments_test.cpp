@@ -8,6 +8,7 @@
 #include "support/isolated_rows.hpp"
 #include "support/status_order.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::watershed {
 namespace {
@@ -35,17 +36,9 @@ void drawLabels(Image<Label>& marker, Label val, int number)
     });
 }
 
-template <class Label>
-struct BoundSegments : testing::Test
-{
-};
-template <class Label>
-struct BoundSegmentsQuick : testing::Test
-{
-};
 using Labels = testing::Types<Lum8u, Lum16u>;
-TYPED_TEST_SUITE(BoundSegments, Labels);
-TYPED_TEST_SUITE(BoundSegmentsQuick, Labels);
+TYPE_SUITE(BoundSegments, Labels);
+TYPE_SUITE(BoundSegmentsQuick, Labels);
 
 template <class Label>
 void expectGeometry(const Geometry& geometry)
@@ -64,12 +57,12 @@ void expectGeometry(const Geometry& geometry)
     }
 }
 
-TYPED_TEST(BoundSegmentsQuick, Sizes)
+TYPE_TEST(BoundSegmentsQuick, Sizes)
 {
     forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry); });
 }
 
-TYPED_TEST(BoundSegments, Sizes)
+TYPE_TEST(BoundSegments, Sizes)
 {
     forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry); });
     Geometry geometry;
@@ -83,7 +76,7 @@ TYPED_TEST(BoundSegments, Sizes)
     }
 }
 
-TYPED_TEST(BoundSegments, RowsAlone)
+TYPE_TEST(BoundSegments, RowsAlone)
 {
     int number = 0;
     for (const int width : {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 100, 129}) {
@@ -106,7 +99,7 @@ TYPED_TEST(BoundSegments, RowsAlone)
     }
 }
 
-TYPED_TEST(BoundSegmentsQuick, OneLabelIsLeftAlone)
+TYPE_TEST(BoundSegmentsQuick, OneLabelIsLeftAlone)
 {
     for (const TypeParam label : {TypeParam{0}, TypeParam{7}, TypeParam{255}}) {
         Image<TypeParam> marker(layoutOf(37, 9));
@@ -125,7 +118,7 @@ Image<Label> bounded(Image<Label> marker, Label val, Lum32u norm)
 }
 
 // Of two labels the later pixel in raster order is marked, and what is marked marks nothing.
-TYPED_TEST(BoundSegmentsQuick, TheLaterPixelIsMarked)
+TYPE_TEST(BoundSegmentsQuick, TheLaterPixelIsMarked)
 {
     const auto image = [](std::initializer_list<int> values) { return imageOf<TypeParam>(4, values); };
     EXPECT_TRUE(sameImage(image({1, 9, 2, 9}), bounded(image({1, 2, 2, 1}), TypeParam{9}, 0)));
@@ -135,7 +128,7 @@ TYPED_TEST(BoundSegmentsQuick, TheLaterPixelIsMarked)
 }
 
 // Above to the left and above to the right count with eight neighbours alone.
-TYPED_TEST(BoundSegmentsQuick, Diagonals)
+TYPE_TEST(BoundSegmentsQuick, Diagonals)
 {
     const auto image = [](std::initializer_list<int> values) { return imageOf<TypeParam>(3, values); };
     // the pixels straight above and to the left are marks
@@ -146,7 +139,7 @@ TYPED_TEST(BoundSegmentsQuick, Diagonals)
 }
 
 // An unlabelled pixel differs from a label as any other.
-TYPED_TEST(BoundSegmentsQuick, ZeroIsALabel)
+TYPE_TEST(BoundSegmentsQuick, ZeroIsALabel)
 {
     const Image<TypeParam> marker = imageOf<TypeParam>(3, {0, 4, 4, 4, 4, 0});
     EXPECT_TRUE(sameImage(imageOf<TypeParam>(3, {0, 9, 4, 9, 4, 9}), bounded(marker, TypeParam{9}, 1)));
@@ -171,7 +164,7 @@ struct BoundArgs
     }
 };
 
-TYPED_TEST(BoundSegmentsQuick, ChecksInOrder)
+TYPE_TEST(BoundSegmentsQuick, ChecksInOrder)
 {
     using A = BoundArgs<TypeParam>;
     constexpr int size = static_cast<int>(sizeof(TypeParam));

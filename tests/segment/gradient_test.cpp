@@ -3,6 +3,7 @@
 
 #include "segment/watershed_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::watershed {
 namespace {
@@ -28,29 +29,21 @@ void expectGeometry(const Geometry& geometry, int contents)
     }
 }
 
-template <class Form>
-struct Gradient : testing::Test
-{
-};
-template <class Form>
-struct GradientQuick : testing::Test
-{
-};
 using Forms = testing::Types<Gradient8uC1, Gradient8uC3>;
-TYPED_TEST_SUITE(Gradient, Forms);
-TYPED_TEST_SUITE(GradientQuick, Forms);
+TYPE_SUITE(Gradient, Forms);
+TYPE_SUITE(GradientQuick, Forms);
 
-TYPED_TEST(GradientQuick, Sizes)
+TYPE_TEST(GradientQuick, Sizes)
 {
     forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5); });
 }
 
-TYPED_TEST(Gradient, Sizes)
+TYPE_TEST(Gradient, Sizes)
 {
     forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1); });
 }
 
-TYPED_TEST(Gradient, HigherImages)
+TYPE_TEST(Gradient, HigherImages)
 {
     Geometry geometry;
     for (const int height : {4, 6, 9, 17, 40}) {
@@ -66,7 +59,7 @@ TYPED_TEST(Gradient, HigherImages)
     }
 }
 
-TYPED_TEST(Gradient, EveryTerrainWithEverySeeding)
+TYPE_TEST(Gradient, EveryTerrainWithEverySeeding)
 {
     Image<Lum8u> source(layoutOf(41, 23, TypeParam::channels));
     Image<Lum8u> marker(layoutOf(41, 23));

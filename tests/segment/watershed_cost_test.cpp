@@ -6,6 +6,7 @@
 
 #include "segment/watershed_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::watershed {
 namespace {
@@ -32,29 +33,21 @@ void expectGeometry(const Geometry& geometry, int contents)
     }
 }
 
-template <class Form>
-struct WatershedByCost : testing::Test
-{
-};
-template <class Form>
-struct WatershedByCostQuick : testing::Test
-{
-};
 using Forms = testing::Types<Watershed8u, Watershed8u16u, Watershed32f16u>;
-TYPED_TEST_SUITE(WatershedByCost, Forms);
-TYPED_TEST_SUITE(WatershedByCostQuick, Forms);
+TYPE_SUITE(WatershedByCost, Forms);
+TYPE_SUITE(WatershedByCostQuick, Forms);
 
-TYPED_TEST(WatershedByCostQuick, Sizes)
+TYPE_TEST(WatershedByCostQuick, Sizes)
 {
     forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5); });
 }
 
-TYPED_TEST(WatershedByCost, Sizes)
+TYPE_TEST(WatershedByCost, Sizes)
 {
     forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1); });
 }
 
-TYPED_TEST(WatershedByCost, HigherImages)
+TYPE_TEST(WatershedByCost, HigherImages)
 {
     Geometry geometry;
     for (const int height : {4, 6, 9, 17, 40}) {
@@ -70,7 +63,7 @@ TYPED_TEST(WatershedByCost, HigherImages)
     }
 }
 
-TYPED_TEST(WatershedByCost, EveryTerrainWithEverySeedingInEveryNorm)
+TYPE_TEST(WatershedByCost, EveryTerrainWithEverySeedingInEveryNorm)
 {
     Image<typename TypeParam::Height> source(layoutOf(41, 23));
     Image<typename TypeParam::Label> marker(layoutOf(41, 23));
@@ -117,7 +110,7 @@ TEST(WatershedByCost, ManySweeps)
     EXPECT_GE(most, 10) << "the images give the later sweeps nothing to do";
 }
 
-TYPED_TEST(WatershedByCostQuick, NoSeedLeavesTheMarkerAsItIs)
+TYPE_TEST(WatershedByCostQuick, NoSeedLeavesTheMarkerAsItIs)
 {
     using Label = typename TypeParam::Label;
     Image<typename TypeParam::Height> source(layoutOf(20, 9));
@@ -134,7 +127,7 @@ TYPED_TEST(WatershedByCostQuick, NoSeedLeavesTheMarkerAsItIs)
 }
 
 // Every pixel that can be reached is labelled; barriers keep their value and what lies behind them stays 0.
-TYPED_TEST(WatershedByCostQuick, BarriersEncloseAndNeverSpread)
+TYPE_TEST(WatershedByCostQuick, BarriersEncloseAndNeverSpread)
 {
     using Label = typename TypeParam::Label;
     constexpr Label barrier = std::numeric_limits<Label>::max();
@@ -163,7 +156,7 @@ Image<typename Form::Label> segmented(const Image<typename Form::Height>& source
 }
 
 // A far seed over a low pass beats a near one behind a high wall; the wall itself goes to whom comes there first.
-TYPED_TEST(WatershedByCostQuick, TheHighestLevelComesBeforeTheLength)
+TYPE_TEST(WatershedByCostQuick, TheHighestLevelComesBeforeTheLength)
 {
     using Height = typename TypeParam::Height;
     using Label = typename TypeParam::Label;
@@ -176,7 +169,7 @@ TYPED_TEST(WatershedByCostQuick, TheHighestLevelComesBeforeTheLength)
 }
 
 // Steps count from the highest point on: a path that climbs late is shorter than its pixels tell.
-TYPED_TEST(WatershedByCostQuick, LengthCountsFromTheHighestPoint)
+TYPE_TEST(WatershedByCostQuick, LengthCountsFromTheHighestPoint)
 {
     using Height = typename TypeParam::Height;
     using Label = typename TypeParam::Label;
@@ -190,7 +183,7 @@ TYPED_TEST(WatershedByCostQuick, LengthCountsFromTheHighestPoint)
 
 // From the corner of a square the norms draw a square, a diamond, an octagon and a disc against a straight front: each
 // pixel belongs to the seed that is nearer in its measure.
-TYPED_TEST(WatershedByCostQuick, MeasuresOfTheNorms)
+TYPE_TEST(WatershedByCostQuick, MeasuresOfTheNorms)
 {
     using Height = typename TypeParam::Height;
     using Label = typename TypeParam::Label;
@@ -235,7 +228,7 @@ TYPED_TEST(WatershedByCostQuick, MeasuresOfTheNorms)
 }
 
 // Ties: what is there first stays. A downward sweep from left to right meets the row above before the left neighbour.
-TYPED_TEST(WatershedByCostQuick, OnlyAStrictlySmallerCostReplaces)
+TYPE_TEST(WatershedByCostQuick, OnlyAStrictlySmallerCostReplaces)
 {
     using Height = typename TypeParam::Height;
     using Label = typename TypeParam::Label;
@@ -250,7 +243,7 @@ TYPED_TEST(WatershedByCostQuick, OnlyAStrictlySmallerCostReplaces)
 }
 
 // With bits for both, eight neighbours; the first pixel of a pair keeps its label.
-TYPED_TEST(WatershedByCostQuick, BoundaryBits)
+TYPE_TEST(WatershedByCostQuick, BoundaryBits)
 {
     using Height = typename TypeParam::Height;
     using Label = typename TypeParam::Label;

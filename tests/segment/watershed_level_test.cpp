@@ -3,6 +3,7 @@
 
 #include "segment/watershed_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::watershed {
 namespace {
@@ -36,29 +37,21 @@ void expectGeometry(const Geometry& geometry, int contents)
     }
 }
 
-template <class Form>
-struct WatershedByLevel : testing::Test
-{
-};
-template <class Form>
-struct WatershedByLevelQuick : testing::Test
-{
-};
 using Forms = testing::Types<Watershed8u, Watershed8u16u>;
-TYPED_TEST_SUITE(WatershedByLevel, Forms);
-TYPED_TEST_SUITE(WatershedByLevelQuick, Forms);
+TYPE_SUITE(WatershedByLevel, Forms);
+TYPE_SUITE(WatershedByLevelQuick, Forms);
 
-TYPED_TEST(WatershedByLevelQuick, Sizes)
+TYPE_TEST(WatershedByLevelQuick, Sizes)
 {
     forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5); });
 }
 
-TYPED_TEST(WatershedByLevel, Sizes)
+TYPE_TEST(WatershedByLevel, Sizes)
 {
     forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1); });
 }
 
-TYPED_TEST(WatershedByLevel, HigherImages)
+TYPE_TEST(WatershedByLevel, HigherImages)
 {
     Geometry geometry;
     for (const int height : {4, 6, 9, 17, 40}) {
@@ -74,7 +67,7 @@ TYPED_TEST(WatershedByLevel, HigherImages)
     }
 }
 
-TYPED_TEST(WatershedByLevel, EveryTerrainWithEverySeeding)
+TYPE_TEST(WatershedByLevel, EveryTerrainWithEverySeeding)
 {
     Image<Lum8u> source(layoutOf(41, 23));
     Image<typename TypeParam::Label> marker(layoutOf(41, 23));
@@ -92,7 +85,7 @@ TYPED_TEST(WatershedByLevel, EveryTerrainWithEverySeeding)
     }
 }
 
-TYPED_TEST(WatershedByLevelQuick, NoSeedLeavesTheMarkerAsItIs)
+TYPE_TEST(WatershedByLevelQuick, NoSeedLeavesTheMarkerAsItIs)
 {
     using Label = typename TypeParam::Label;
     Image<Lum8u> source(layoutOf(20, 9));

@@ -6,16 +6,13 @@
 
 #include "segment/watershed_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::watershed {
 namespace {
 
-template <class Form>
-struct SegmentationStatusQuick : testing::Test
-{
-};
 using Forms = testing::Types<Gradient8uC1, Gradient8uC3, Watershed8u, Watershed8u16u, Watershed32f16u>;
-TYPED_TEST_SUITE(SegmentationStatusQuick, Forms);
+TYPE_SUITE(SegmentationStatusQuick, Forms);
 
 template <class Form>
 struct Args
@@ -40,7 +37,7 @@ struct Args
     }
 };
 
-TYPED_TEST(SegmentationStatusQuick, ChecksInOrder)
+TYPE_TEST(SegmentationStatusQuick, ChecksInOrder)
 {
     using A = Args<TypeParam>;
     using Height = typename TypeParam::Height;
@@ -121,7 +118,7 @@ TYPED_TEST(SegmentationStatusQuick, ChecksInOrder)
     }
 }
 
-TYPED_TEST(SegmentationStatusQuick, SizeFormula)
+TYPE_TEST(SegmentationStatusQuick, SizeFormula)
 {
     for (const Lum32s width : {1, 2, 3, 4, 5, 15, 16, 17, 31, 32, 33, 47, 48, 49, 64, 65, 640, 1920, 5000}) {
         for (const Lum32s height : {1, 2, 3, 31, 32, 33, 480, 1080, 5003}) {
@@ -141,7 +138,7 @@ TYPED_TEST(SegmentationStatusQuick, SizeFormula)
 }
 
 // Up to 2147483647 bytes, and not one pixel more; also where the low 32 bits of the size are a small number.
-TYPED_TEST(SegmentationStatusQuick, SizesTooLarge)
+TYPE_TEST(SegmentationStatusQuick, SizesTooLarge)
 {
     constexpr std::int64_t limit = std::numeric_limits<Lum32s>::max();
     for (const Lum32s width : {1, 7, 32, 1000, 20000}) {
@@ -187,7 +184,7 @@ struct QueryArgs
     }
 };
 
-TYPED_TEST(SegmentationStatusQuick, QueryChecksInOrder)
+TYPE_TEST(SegmentationStatusQuick, QueryChecksInOrder)
 {
     using A = QueryArgs<TypeParam>;
     Lum32s bytes = -1;
