@@ -76,7 +76,7 @@ template <int places>
 }
 
 /// Word by word, as each has been stored: a wide load would wait until words stored just before have reached the cache.
-[[gnu::always_inline]] inline __m128i neighbourWords(const Lum16u* p, int64_t rowWords)
+[[gnu::always_inline]] inline __m128i surroundingWords(const Lum16u* p, int64_t rowWords)
 {
     const Lum16u* const above = p - rowWords;
     const Lum16u* const below = p + rowWords;
@@ -90,12 +90,12 @@ template <int places>
     return _mm_insert_epi16(words, below[1], 7);
 }
 
-struct NeighbourWords
+struct SurroundingWords
 {
     __m128i edges, corners;
 };
 
-[[gnu::always_inline]] inline NeighbourWords neighbourWords(const Lum32u* p, int64_t rowWords)
+[[gnu::always_inline]] inline SurroundingWords surroundingWords(const Lum32u* p, int64_t rowWords)
 {
     const auto four = [](Lum32u a, Lum32u b, Lum32u c, Lum32u d) {
         __m128i words = _mm_cvtsi32_si128(static_cast<int>(a));
@@ -111,12 +111,12 @@ struct NeighbourWords
 /// The neighbours' labels, of a byte in 16-bit words and of 16 bits in wider ones.
 [[gnu::always_inline]] inline Vec<Lum16u, 8> neighbourLabels(const Lum16u* p, int64_t rowWords)
 {
-    return {(Vec<Lum16u, 8>::Raw)_mm_srli_epi16(neighbourWords(p, rowWords), 8)};
+    return {(Vec<Lum16u, 8>::Raw)_mm_srli_epi16(surroundingWords(p, rowWords), 8)};
 }
 
 [[gnu::always_inline]] inline Vec<Lum16u, 8> neighbourLabels(const Lum32u* p, int64_t rowWords)
 {
-    const NeighbourWords words = neighbourWords(p, rowWords);
+    const SurroundingWords words = surroundingWords(p, rowWords);
     return {(Vec<Lum16u, 8>::Raw)topsOf<16>(words.edges, words.corners)};
 }
 
@@ -129,7 +129,7 @@ struct NeighbourSteps
 [[gnu::always_inline]] inline NeighbourSteps neighbourSteps(const Lum16u* p, int64_t rowWords)
 {
     using V = Vec<Lum16u, 8>;
-    const __m128i words = neighbourWords(p, rowWords);
+    const __m128i words = surroundingWords(p, rowWords);
     const __m128i pixels = _mm_and_si128(words, _mm_set1_epi16(0xff));
     const __m128i differences = _mm_abs_epi16(_mm_sub_epi16(pixels, _mm_set1_epi16(static_cast<short>(*p & 0xff))));
     return {V{(V::Raw)differences}, V{(V::Raw)_mm_srli_epi16(words, 8)}};
@@ -138,7 +138,7 @@ struct NeighbourSteps
 [[gnu::always_inline]] inline NeighbourSteps neighbourSteps(const Lum32u* p, int64_t rowWords)
 {
     using V = Vec<Lum16u, 8>;
-    const NeighbourWords words = neighbourWords(p, rowWords);
+    const SurroundingWords words = surroundingWords(p, rowWords);
     const __m128i own = _mm_set1_epi32(static_cast<int>(*p));
     const auto largest = [own](__m128i pixels) {
         const __m128i d = _mm_or_si128(_mm_subs_epu8(pixels, own), _mm_subs_epu8(own, pixels));
