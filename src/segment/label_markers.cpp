@@ -59,7 +59,7 @@ template <bool diagonals, class T>
             uint64_t touching = a & b & ~(beforeA & beforeB);
             if constexpr (diagonals)  // one ends where the other one begins
                 touching |= (a ^ b) & (beforeA ^ beforeB) & (a ^ beforeA);
-            forest.addWord(b & ~beforeB, a & ~beforeA, touching);
+            forest.addWord(b & ~beforeB, a & ~beforeA, touching, [](Lum32u, Lum32u) {});
         }
     }
     return forest.runs();

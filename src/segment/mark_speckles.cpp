@@ -141,16 +141,16 @@ class RunWords
     return ~word.joined == 0 ? wordBits : __builtin_ctzll(~word.joined);
 }
 
-/// The runs' forest and the number of pixels of each run.
+/// The runs' forest and for each root the number of pixels of its tree.
 struct Runs
 {
     Lum32u* parents;
     Lum32u* pixels;
 };
 
-/// Joins the runs of which any pixels are joined. `above` holds the words of a row. Returns the number of runs.
+/// Joins the runs of which any pixels are joined. `above` holds the words of a row.
 template <class T>
-[[gnu::flatten]] Lum32u joinRuns(Plane<const T> image, LumiSizeL size, Rule<T> rule, RunWord* above, Runs runs)
+[[gnu::flatten]] void joinRuns(Plane<const T> image, LumiSizeL size, Rule<T> rule, RunWord* above, Runs runs)
 {
     const int64_t words = wordsOf(size.width);
     __builtin_memset(above, 0, static_cast<size_t>(words) * sizeof *above);
@@ -163,9 +163,9 @@ template <class T>
         for (int64_t i = 0; i < words; ++i) {
             const RunWord a = above[i], b = runWords.next(i * wordBits);
             above[i] = b;
-            Lum32u run = forest.runs();
             if (b.joined & 1)
-                runs.pixels[run - 1] += static_cast<Lum32u>(firstPiece(b));
+                runs.pixels[forest.lastRoot()] += static_cast<Lum32u>(firstPiece(b));
+            Lum32u run = forest.runs();
             for (uint64_t starts = b.starts; starts != 0; starts &= starts - 1)
                 runs.pixels[run++] = static_cast<Lum32u>(piece(b, __builtin_ctzll(starts)));
 
@@ -173,22 +173,11 @@ template <class T>
             // the two runs that have met one pixel before need not meet again
             const uint64_t again = (below << 1 | belowBefore >> (wordBits - 1)) & a.joined & b.joined;
             belowBefore = below;
-            forest.addWord(b.starts, a.starts, below & ~again);
+            forest.addWord(b.starts, a.starts, below & ~again, [=](Lum32u first, Lum32u second) {
+                // no branch: every other meeting is one of two trees
+                runs.pixels[first] += runs.pixels[second] & -static_cast<Lum32u>(first != second);
+            });
         }
-    }
-    return forest.runs();
-}
-
-/// Makes every run a child of its root, which gets the pixels of all of them.
-void addUp(Runs runs, Lum32u count)
-{
-    for (Lum32u run = 0; run < count; ++run) {
-        const Lum32u parent = runs.parents[run];
-        if (parent == run)
-            continue;
-        const Lum32u root = runs.parents[parent];
-        runs.parents[run] = root;
-        runs.pixels[root] += runs.pixels[run];
     }
 }
 
@@ -225,7 +214,10 @@ template <class T>
             const uint64_t before = isSpeckle;
             uint64_t first = 0;  // the first pixels of speckles
             for (uint64_t starts = word.starts; starts != 0; starts &= starts - 1) {
-                isSpeckle = runs.pixels[runs.parents[run++]] <= maxSpeckleSize;
+                // parents come before their children, so that a parent's parent is a root by now
+                const Lum32u root = runs.parents[runs.parents[run]];
+                runs.parents[run++] = root;
+                isSpeckle = runs.pixels[root] <= maxSpeckleSize;
                 first |= isSpeckle << __builtin_ctzll(starts);
             }
             // a carry runs from each of them, and from the word before, through the pixels that are joined
@@ -256,7 +248,7 @@ LumStatus markSpeckles(Plane<T> image, LumiSize size, T speckleVal, Lum32s maxSp
     auto* const words = room.take<RunWord>(wordsOf(area.width));
     auto* const pixels = room.take<Lum32u>(area.width * area.height);
     const Runs runs{room.take<Lum32u>(0), pixels};
-    addUp(runs, joinRuns(source<T>(image.pixels, image.step), area, rule, words, runs));
+    joinRuns(source<T>(image.pixels, image.step), area, rule, words, runs);
     paintSpeckles(image, area, rule, static_cast<Lum32u>(maxSpeckleSize), words, runs);
     return lumOk;
 }

@@ -25,8 +25,10 @@ class RunForest
     }
 
     /// Goes on to the next word of the row, in which runs start where `starts` has bits. At each bit of `touching` the
-    /// run that has started last in this row meets the one that has started last in the row above.
-    [[gnu::always_inline]] void addWord(uint64_t starts, uint64_t startsAbove, uint64_t touching)
+    /// run that has started last in this row meets the one that has started last in the row above; then
+    /// merge(first, second) is called with the roots of both, of which `first` stays one. They may be the same.
+    template <class Merge>
+    [[gnu::always_inline]] void addWord(uint64_t starts, uint64_t startsAbove, uint64_t touching, Merge merge)
     {
         const auto count = static_cast<Lum32u>(__builtin_popcountll(starts));
         for (Lum32u i = 0; i < count; i += 4) {
@@ -37,7 +39,7 @@ class RunForest
         for (; touching != 0; touching &= touching - 1) {
             const uint64_t upTo = touching ^ (touching - 1);
             join(above_ + static_cast<Lum32u>(__builtin_popcountll(startsAbove & upTo)) - 1,
-                 next_ + static_cast<Lum32u>(__builtin_popcountll(starts & upTo)) - 1);
+                 next_ + static_cast<Lum32u>(__builtin_popcountll(starts & upTo)) - 1, merge);
         }
         next_ += count;
         above_ += static_cast<Lum32u>(__builtin_popcountll(startsAbove));
@@ -48,9 +50,15 @@ class RunForest
         return next_;
     }
 
+    /// The root of the run that has started last.
+    Lum32u lastRoot()
+    {
+        return rootOf(next_ - 1);
+    }
+
   private:
     /// Paths are halved on the way. Most are of one step or none, which look alike here.
-    Lum32u rootOf(Lum32u run)
+    [[gnu::always_inline]] Lum32u rootOf(Lum32u run)
     {
         for (;;) {
             const Lum32u parent = parents_[run];
@@ -64,12 +72,15 @@ class RunForest
 
     /// What touches a run comes one behind the other, so that its root is known but for the first time, when it is
     /// itself.
-    void join(Lum32u above, Lum32u run)
+    template <class Merge>
+    [[gnu::always_inline]] void join(Lum32u above, Lum32u run, Merge merge)
     {
         const Lum32u root = run == run_ ? root_ : run;
         const Lum32u other = rootOf(above);
         const Lum32u first = root < other ? root : other;
-        parents_[root < other ? other : root] = first;
+        const Lum32u second = root < other ? other : root;
+        merge(first, second);
+        parents_[second] = first;
         parents_[run] = first;
         run_ = run;
         root_ = first;
