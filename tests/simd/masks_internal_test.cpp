@@ -99,6 +99,16 @@ TEST(SimdMasks, Equal)
     forVectors<Lum8u>(equalLanes);
     forVectors<Lum16u>(equalLanes);
     forVectors<Lum32s>(equalLanes);
+    forVectors<Lum32f>(equalLanes);
+}
+
+TEST(SimdMasks, AtMost)
+{
+    forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
+        const auto a = drawnLanes<Lum32f, N>(seed), b = drawnLanes<Lum32f, N>(seed + 1000);
+        expectMask<Lum32f, N>(simd::atMost(simd::load<N>(a.data()), simd::load<N>(b.data())),
+                              [&](int i) { return a[std::size_t(i)] <= b[std::size_t(i)]; });
+    });
 }
 
 const auto loneLanes = []<class T, int N>(T, simd::Lanes<N>, unsigned) {
