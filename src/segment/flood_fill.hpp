@@ -15,26 +15,27 @@ namespace lumcv::flood {
 //   there are never more than two, one for each side of the first span; they have room in the 32 bytes.
 // - entries of 11 bytes: 5.5 * height * (width + 1) <= 6 * width * height from a width of 11 on.
 
-struct ShortRowEntry
+/// One number, so that it is loaded as it was stored.
+class ShortRowEntry
 {
+  public:
     static constexpr int64_t widest = 65536;
-
-    Lum16u left, right;
-    Lum32u place;
 
     ShortRowEntry() = default;
 
     explicit ShortRowEntry(const Span& s)
-        : left(static_cast<Lum16u>(s.left)),
-          right(static_cast<Lum16u>(s.right)),
-          place(static_cast<Lum32u>(2 * s.y + (s.direction > 0)))
+        : bits_(static_cast<uint64_t>(s.y << 33 | int64_t{s.direction > 0} << 32 | s.right << 16 | s.left))
     {
     }
 
-    Span span(int64_t parentLeft, int64_t parentRight) const
+    Span span() const
     {
-        return {place / 2, left, right, parentLeft, parentRight, place % 2 ? 1 : -1};
+        return {static_cast<int64_t>(bits_ >> 33), static_cast<Lum16u>(bits_), static_cast<Lum16u>(bits_ >> 16), 0, 0,
+                bits_ >> 32 & 1 ? 1 : -1};
     }
+
+  private:
+    uint64_t bits_;
 };
 static_assert(sizeof(ShortRowEntry) == 8);
 
@@ -54,10 +55,10 @@ struct [[gnu::packed]] LongRowEntry
         placeAbove = static_cast<Lum8u>(both >> 16);
     }
 
-    Span span(int64_t parentLeft, int64_t parentRight) const
+    Span span() const
     {
         const int64_t both = int64_t{placeAbove} << 16 | place;
-        return {both / 2, left, right, parentLeft, parentRight, both % 2 ? 1 : -1};
+        return {both / 2, left, right, 0, 0, both % 2 ? 1 : -1};
     }
 };
 static_assert(sizeof(LongRowEntry) == 11);
@@ -69,7 +70,7 @@ template <class Entry, Neighbours neighbours, int channels, class T>
     PaintedRows<T, channels, Equal<T, channels>> rows(image, size.width, Equal<T, channels>(value), newValue);
     OrphanStack<neighbours, Entry> stack(buffer);
     Region region;
-    const auto [left, right] = rows.take({}, seed.y, seed.x);
+    const auto [left, right] = rows.takeSeed(seed.y, seed.x);
     if (size.height == 1)
         region = {0, left, right, 0, 0};
     else

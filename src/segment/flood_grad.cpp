@@ -26,9 +26,9 @@ struct Entry
     {
     }
 
-    Span span(int64_t parentLeft, int64_t parentRight) const
+    Span span() const
     {
-        return {y, left, right, parentLeft, parentRight, direction};
+        return {y, left, right, 0, 0, direction};
     }
 };
 static_assert(sizeof(Entry) == 16);
@@ -48,39 +48,17 @@ class MarkedRows
     {
     }
 
-    int64_t next(const Span& span, int64_t y, int64_t x, int64_t end) const
+    Ends find(const Span& span, int64_t y, int64_t x, int64_t end, bool)
     {
-        const Columns all{0, width_};
-        const Row row = rowAt(y), beside = rowAt(span.y);
-        if (x < span.left) {
-            if (isFree(row, x) && isNear(row, x, beside, span.left))
-                return x;
-            ++x;
-        }
-        const int64_t inside = std::min(end, span.right + 1);
-        x = firstOf<channels, true>(x, inside, all, [&](int64_t at, auto lanes) {
-            return free<lanes>(row, at) & near<lanes>(row, at, beside, at);
-        });
-        if (x >= inside && x < end && !(isFree(row, x) && isNear(row, x, beside, span.right)))
-            ++x;
-        return x;
+        x = next(span, y, x, end);
+        return x < end ? take(span, y, x) : Ends::none();
     }
 
     /// The first span: compares along the row alone.
-    std::pair<int64_t, int64_t> take(int64_t y, int64_t x)
+    Ends takeSeed(int64_t y, int64_t x)
     {
         const Row row = rowAt(y);
         return marked(row, leftEnd(row, x), rightEnd(row, x));
-    }
-
-    std::pair<int64_t, int64_t> take(const Span& span, int64_t y, int64_t x)
-    {
-        const Row row = rowAt(y), beside = rowAt(span.y);
-        const int64_t inside = std::min(span.right + 1, width_);
-        const int64_t end = firstOf<channels, false>(x + 1, inside, {1, width_}, [&](int64_t at, auto lanes) {
-            return free<lanes>(row, at) & (near<lanes>(row, at, row, at - 1) | near<lanes>(row, at, beside, at));
-        });
-        return marked(row, leftEnd(row, x), end < inside ? end - 1 : rightEnd(row, std::max(end - 1, x)));
     }
 
     void finish(const Span& span)
@@ -96,6 +74,8 @@ class MarkedRows
     }
 
   private:
+    static constexpr int block = blockPixels<T, channels>;
+
     struct Row
     {
         const T* pixels;
@@ -125,6 +105,34 @@ class MarkedRows
             [&](int j) { return near_(simd::load<N>(c + N * j), simd::load<N>(a + N * j), j); });
     }
 
+    int64_t next(const Span& span, int64_t y, int64_t x, int64_t end) const
+    {
+        const Columns all{0, width_};
+        const Row row = rowAt(y), beside = rowAt(span.y);
+        if (x < span.left) {
+            if (isFree(row, x) && isNear(row, x, beside, span.left))
+                return x;
+            ++x;
+        }
+        const int64_t inside = std::min(end, span.right + 1);
+        x = firstOf<block, channels, true>(x, inside, all, [&](int64_t at, auto lanes) {
+            return free<lanes>(row, at) & near<lanes>(row, at, beside, at);
+        });
+        if (x >= inside && x < end && !(isFree(row, x) && isNear(row, x, beside, span.right)))
+            ++x;
+        return x;
+    }
+
+    Ends take(const Span& span, int64_t y, int64_t x)
+    {
+        const Row row = rowAt(y), beside = rowAt(span.y);
+        const int64_t inside = std::min(span.right + 1, width_);
+        const int64_t end = firstOf<block, channels, false>(x + 1, inside, {1, width_}, [&](int64_t at, auto lanes) {
+            return free<lanes>(row, at) & (near<lanes>(row, at, row, at - 1) | near<lanes>(row, at, beside, at));
+        });
+        return marked(row, leftEnd(row, x), end < inside ? end - 1 : rightEnd(row, std::max(end - 1, x)));
+    }
+
     bool isFree(Row row, int64_t x) const
     {
         return row.marks[x] == 0;
@@ -137,19 +145,19 @@ class MarkedRows
 
     int64_t leftEnd(Row row, int64_t x) const
     {
-        return 1 + lastFailing<channels>(0, x, {0, width_ - 1}, [&](int64_t at, auto lanes) {
+        return 1 + lastFailing<block, channels>(0, x, {0, width_ - 1}, [&](int64_t at, auto lanes) {
                    return free<lanes>(row, at) & near<lanes>(row, at, row, at + 1);
                });
     }
 
     int64_t rightEnd(Row row, int64_t x) const
     {
-        return -1 + firstOf<channels, false>(x + 1, width_, {1, width_}, [&](int64_t at, auto lanes) {
+        return -1 + firstOf<block, channels, false>(x + 1, width_, {1, width_}, [&](int64_t at, auto lanes) {
             return free<lanes>(row, at) & near<lanes>(row, at, row, at - 1);
         });
     }
 
-    std::pair<int64_t, int64_t> marked(Row row, int64_t left, int64_t right) const
+    Ends marked(Row row, int64_t left, int64_t right) const
     {
         __builtin_memset(row.marks + left, 1, static_cast<size_t>(right - left + 1));
         return {left, right};
@@ -171,7 +179,7 @@ template <Neighbours neighbours, int channels, class T>
     MarkedRows<T, channels> rows(call, near, call.buffer);
     OrphanStack<neighbours, Entry> stack(call.buffer + pixels);
     Region region;
-    const auto [left, right] = rows.take(call.seed.y, call.seed.x);
+    const auto [left, right] = rows.takeSeed(call.seed.y, call.seed.x);
     const Span first = firstSpan(call.seed.y, left, right, call.roiSize);
     if (call.roiSize.height == 1) {
         rows.finish(first);

@@ -56,7 +56,7 @@ template <Neighbours neighbours, int channels, class T>
     PaintedRows<T, channels, Within<T, channels>> rows(call.image, call.roiSize.width, test, call.newValue);
     WrappingStack stack(call.roiSize, call.buffer);
     Region region;
-    const auto [left, right] = rows.take({}, call.seed.y, call.seed.x);
+    const auto [left, right] = rows.takeSeed(call.seed.y, call.seed.x);
     if (call.roiSize.height == 1)
         region = {0, left, right, 0, 0};
     else

@@ -8,15 +8,15 @@
 
 namespace lumcv::flood {
 
-/// Pixels that are tested at once. Of each the tests give a bit; those of pixel i are `channels * i` places up.
-inline constexpr int blockPixels = 16;
+/// Pixels that are tested at once. Of each the tests give a bit; that of pixel i is `channels * i` places up.
+template <class T, int channels>
+inline constexpr int blockPixels = channels == 1 ? 64 / static_cast<int>(sizeof(T)) : 16;
 
-/// Those of a long row, of one channel.
-template <class T>
-inline constexpr int longBlockPixels = 64 / static_cast<int>(sizeof(T));
+/// Those of a row that is shorter than a block.
+inline constexpr int shortBlockPixels = 16;
 
-template <int channels>
-inline constexpr uint64_t blockBits = channels == 1 ? 0xFFFF : 0x249249249249;
+template <int channels, int N>
+inline constexpr uint64_t blockBits = channels == 1 ? ~uint64_t{0} >> (64 - N) : 0x249249249249;
 
 /// The values of a pixel.
 template <class T, int channels>
@@ -32,7 +32,7 @@ class Pattern
   public:
     explicit Pattern(const T* pixel)
     {
-        for (int i = 0; i < blockPixels * channels; ++i)
+        for (int i = 0; i < blockPixels<T, channels> * channels; ++i)
             values_[i] = pixel[i % channels];
     }
 
@@ -54,7 +54,7 @@ class Pattern
     }
 
   private:
-    T values_[blockPixels * channels];
+    T values_[blockPixels<T, channels> * channels];
 };
 
 /// The bits of a block of N pixels, or of a single pixel: holds(j) is the mask of its vector j.
@@ -66,7 +66,7 @@ template <int channels, int N, class Holds>
     else {
         const uint64_t bits =
             simd::laneBits(holds(0)) | simd::laneBits(holds(1)) << N | simd::laneBits(holds(2)) << (2 * N);
-        return bits & bits >> 1 & bits >> 2 & blockBits<channels>;
+        return bits & bits >> 1 & bits >> 2 & blockBits<channels, N>;
     }
 }
 
@@ -79,7 +79,7 @@ template <int channels>
     bits = (bits | bits << 16) & 0x0000FF0000FF;
     bits = (bits | bits << 8) & 0x00F00F00F00F;
     bits = (bits | bits << 4) & 0x0C30C30C30C3;
-    return (bits | bits << 2) & blockBits<channels>;
+    return (bits | bits << 2) & blockBits<channels, 16>;
 }
 
 /// Columns [begin, end), all of which may be read.
@@ -88,70 +88,85 @@ struct Columns
     int64_t begin, end;
 };
 
+/// Calls body(lanes) with the pixels of the blocks in which so many columns are gone through.
+template <int N, class Body>
+[[gnu::always_inline]] inline int64_t withBlocks(Columns readable, Body body)
+{
+    const int64_t n = readable.end - readable.begin;
+    if (n >= N)
+        return body(simd::Lanes<N>{});
+    if constexpr (N > shortBlockPixels)
+        if (n >= shortBlockPixels)
+            return body(simd::Lanes<shortBlockPixels>{});
+    return body(simd::Lanes<1>{});
+}
+
 /// The first pixel of [x, end) that the test holds for, or does not if `wanted` is false; otherwise `end`. `test(x,
-/// lanes)` gives the bits of as many pixels.
-template <int channels, bool wanted, class Test>
+/// lanes)` gives the bits of as many pixels; N is the number of a whole block.
+template <int N, int channels, bool wanted, class Test>
 [[gnu::always_inline]] inline int64_t firstOf(int64_t x, int64_t end, Columns readable, Test test)
 {
-    constexpr uint64_t inverted = wanted ? 0 : blockBits<channels>;
-    if (readable.end - readable.begin < blockPixels) {
-        while (x < end && test(x, simd::Lanes<1>{}) != wanted)
-            ++x;
-        return x;
-    }
-    while (x < end) {
-        const int64_t at = std::min(x, readable.end - blockPixels);
-        const uint64_t found = (test(at, simd::Lanes<blockPixels>{}) ^ inverted) >> (channels * (x - at));
-        if (found)
-            return std::min(end, x + __builtin_ctzll(found) / channels);
-        x = at + blockPixels;
-    }
-    return end;
+    return withBlocks<N>(readable, [=](auto lanes) {
+        for (int64_t next = x; next < end;) {
+            const int64_t at = std::min<int64_t>(next, readable.end - lanes);
+            const uint64_t inverted = wanted ? 0 : lanes == 1 ? 1 : blockBits<channels, lanes>;
+            const uint64_t found = (test(at, lanes) ^ inverted) >> (channels * (next - at));
+            if (found)
+                return std::min<int64_t>(end, next + __builtin_ctzll(found) / channels);
+            next = at + lanes;
+        }
+        return end;
+    });
 }
 
 /// The last pixel before x that the test does not hold for; otherwise the one before `begin`.
-template <int channels, class Test>
+template <int N, int channels, class Test>
 [[gnu::always_inline]] inline int64_t lastFailing(int64_t begin, int64_t x, Columns readable, Test test)
 {
-    if (readable.end - readable.begin < blockPixels) {
-        while (x > begin && test(x - 1, simd::Lanes<1>{}))
-            --x;
-        return x - 1;
-    }
-    while (x > begin) {
-        const int64_t at = std::max(x - blockPixels, readable.begin);
-        const uint64_t known = (uint64_t{1} << (channels * (x - at))) - 1;
-        const uint64_t found = ~test(at, simd::Lanes<blockPixels>{}) & blockBits<channels> & known;
-        if (found)
-            return std::max(begin - 1, at + (63 - __builtin_clzll(found)) / channels);
-        x = at;
-    }
-    return begin - 1;
+    return withBlocks<N>(readable, [=](auto lanes) {
+        for (int64_t behind = x; behind > begin;) {
+            const int64_t at = std::max<int64_t>(behind - lanes, readable.begin);
+            const uint64_t all = lanes == 1 ? 1 : blockBits<channels, lanes>;
+            const uint64_t known = ~uint64_t{0} >> (64 - channels * (behind - at));
+            const uint64_t found = ~test(at, lanes) & all & known;
+            if (found)
+                return std::max<int64_t>(begin - 1, at + (63 - __builtin_clzll(found)) / channels);
+            behind = at;
+        }
+        return begin - 1;
+    });
+}
+
+/// Paints `count` pixels at both ends of n pixels; fewer of them if n is less than `count`, which is a power of two.
+template <int count, class T, int channels>
+[[gnu::always_inline]] inline void paintEnds(T* pixels, int64_t n, const Pattern<T, channels>& pattern)
+{
+    constexpr size_t bytes = sizeof(T) * channels * count;
+    if (n >= count) {
+        __builtin_memcpy(pixels, pattern.values(), bytes);
+        __builtin_memcpy(pixels + (n - count) * channels, pattern.values(), bytes);
+    } else if constexpr (count > 1)
+        paintEnds<count / 2>(pixels, n, pattern);
+}
+
+/// Paints a block of pixels.
+template <class T, int channels>
+[[gnu::always_inline]] inline void paintBlock(T* pixels, const Pattern<T, channels>& pattern)
+{
+    __builtin_memcpy(pixels, pattern.values(), sizeof(T) * channels * blockPixels<T, channels>);
 }
 
 /// Paints n pixels.
 template <class T, int channels>
 [[gnu::always_inline]] inline void paint(T* pixels, int64_t n, const Pattern<T, channels>& pattern)
 {
-    const auto copy = [&](T* to, auto count) { __builtin_memcpy(to, pattern.values(), count * channels * sizeof(T)); };
-    if (n >= blockPixels) {
-        for (int64_t i = 0; i < n - blockPixels; i += blockPixels)
-            copy(pixels + i * channels, simd::Lanes<blockPixels>{});
-        copy(pixels + (n - blockPixels) * channels, simd::Lanes<blockPixels>{});
-        return;
-    }
-    const auto ends = [&](auto count) {
-        copy(pixels, count);
-        copy(pixels + (n - count) * channels, count);
-    };
-    if (n >= 8)
-        ends(simd::Lanes<8>{});
-    else if (n >= 4)
-        ends(simd::Lanes<4>{});
-    else if (n >= 2)
-        ends(simd::Lanes<2>{});
+    constexpr int64_t block = blockPixels<T, channels>;
+    for (int64_t i = 0; i < n - block; i += block)
+        paintBlock(pixels + i * channels, pattern);
+    if (n >= block)
+        paintBlock(pixels + (n - block) * channels, pattern);
     else
-        copy(pixels, simd::Lanes<1>{});
+        paintEnds<block / 2>(pixels, n, pattern);
 }
 
 }  // namespace lumcv::flood

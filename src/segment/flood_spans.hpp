@@ -27,9 +27,25 @@ struct Region
     int64_t area, left, right, top, bottom;
 };
 
+/// Columns of a row that have been taken. None, if the last one is before the first.
+struct Ends
+{
+    int64_t left, right;
+
+    static constexpr Ends none()
+    {
+        return {0, -1};
+    }
+
+    bool areNone() const
+    {
+        return right < left;
+    }
+};
+
 /// Takes what is connected with the first span. `Rows` looks for pixels and takes spans:
-/// - next(span, y, x, end): the first pixel of [x, end) in row y, beside the span, that passes; otherwise `end`
-/// - take(span, y, x): the ends of the span of that pixel
+/// - find(span, y, x, end, isFirst): takes the span of the first pixel of [x, end) in row y, beside the span, that
+///   passes; unless isFirst, the pixel before x is known not to pass beside the one behind it
 /// - finish(span): all around the span has been looked at
 /// `Stack` holds the spans that have not been dealt with:
 /// - push(span)
@@ -39,12 +55,14 @@ template <Neighbours neighbours, class Rows, class Stack>
 {
     constexpr int64_t widening = neighbours == Neighbours::eight;
     const auto scan = [&](int64_t y, int64_t first, int64_t last, int direction) {
+        const int64_t begin = std::max<int64_t>(first, 0);
         const int64_t end = std::min<int64_t>(last, size.width - 1) + 1;
-        int64_t x = std::max<int64_t>(first, 0);
-        while (x < end && (x = rows.next(span, y, x, end)) < end) {
-            const auto [left, right] = rows.take(span, y, x);
-            stack.push({y, left, right, span.left, span.right, direction});
-            x = right + 2;  // the pixel behind the span does not pass
+        for (int64_t x = begin; x < end;) {
+            const Ends ends = rows.find(span, y, x, end, x == begin);
+            if (ends.areNone())
+                break;
+            stack.push({y, ends.left, ends.right, span.left, span.right, direction});
+            x = ends.right + 2;  // the pixel behind the span does not pass
         }
     };
     region.left = span.left;
@@ -111,18 +129,17 @@ class OrphanStack
     {
         if (count_ == 0)
             return false;
-        const Entry entry = entries_.get(--count_);
-        if (isNew_)
-            span = entry.span(span.left, span.right);
-        else {
-            const int64_t right = entry.right + int64_t{neighbours == Neighbours::eight};
-            span = entry.span(right + 1, right);
-        }
+        Span next = entries_.get(--count_).span();
+        next.parentLeft = isNew_ ? span.left : next.right + 1 + widening;
+        next.parentRight = isNew_ ? span.right : next.right + widening;
+        span = next;
         isNew_ = false;
         return true;
     }
 
   private:
+    static constexpr int64_t widening = neighbours == Neighbours::eight;
+
     Entries<Entry> entries_;
     int64_t count_ = 0;
     bool isNew_ = false;

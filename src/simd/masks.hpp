@@ -1,6 +1,8 @@
 // Comparisons of all lanes: a mask says for each lane whether they hold, in the form that suits the level.
 #pragma once
 
+#include <bit>
+
 #include "simd/arithmetic.hpp"
 
 namespace lumcv::simd {
@@ -86,7 +88,7 @@ template <int N>
         return M{(typename M::Raw)(a.raw <= b.raw)};
 }
 
-/// a == b. Zeros are equal, a not-a-number is not even equal to itself.
+/// a == b, of integers or single-precision floats. A not-a-number equals nothing; zeros of both signs are equal.
 template <class T, int N>
 [[gnu::always_inline]] inline Mask<T, N> equal(Vec<T, N> a, Vec<T, N> b)
 {
@@ -157,6 +159,16 @@ template <class T, int N>
         return {a.lo | b.lo, a.hi | b.hi};
     else
         return {(decltype(a.raw))(maskLanes(a) | maskLanes(b))};
+}
+
+/// a, but not b.
+template <class T, int N>
+[[gnu::always_inline]] inline Mask<T, N> without(Mask<T, N> a, Mask<T, N> b)
+{
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {without(a.lo, b.lo), without(a.hi, b.hi)};
+    else
+        return {(decltype(a.raw))(maskLanes(a) & ~maskLanes(b))};
 }
 
 /// x where the mask holds, otherwise y.
@@ -254,6 +266,37 @@ template <class T, int N>
 #endif
     else
         return !_mm256_testz_si256(bits(v.raw), bits(v.raw));
+}
+
+/// The bits in which a and b differ, of floats; those of both halves of a pair together.
+template <int N>
+[[gnu::always_inline]] inline auto differences(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return differences(a.lo, b.lo) | differences(a.hi, b.hi);
+    else if constexpr (N == 1)
+        return std::bit_cast<Lum32s>(a.raw) ^ std::bit_cast<Lum32s>(b.raw);
+    else {
+        typedef Lum32s Lanes __attribute__((vector_size(N * sizeof(Lum32s))));
+        return (Lanes)a.raw ^ (Lanes)b.raw;
+    }
+}
+
+/// Whether the bits of a and b differ in any lane, of floats.
+template <int N>
+[[gnu::always_inline]] inline bool anyBitDiffers(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    const auto d = differences(a, b);
+    if constexpr (N == 1)
+        return d != 0;
+    else if constexpr (sizeof d == 16)
+        return !_mm_testz_si128(bits(d), bits(d));
+#if defined(__AVX512BW__)
+    else if constexpr (sizeof d == 64)
+        return _mm512_test_epi32_mask(bits(d), bits(d)) != 0;
+#endif
+    else
+        return !_mm256_testz_si256(bits(d), bits(d));
 }
 
 /// A bit for each lane that is not zero, the first one lowest, of integers.

@@ -9,6 +9,7 @@
 #include "simd/doubles.hpp"
 #include "simd/gather.hpp"
 #include "simd/halves.hpp"
+#include "simd/labelled_words.hpp"
 #include "simd/lanes.hpp"
 #include "simd/masks.hpp"
 #include "simd/pairs.hpp"

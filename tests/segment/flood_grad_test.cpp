@@ -6,21 +6,14 @@
 #include "segment/flood_fixture.hpp"
 #include "segment/flood_shapes.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::flood {
 namespace {
 
-template <class K>
-class FloodGrad : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodGrad, RangeKinds, KindName);
+TYPE_SUITE(FloodGrad, RangeKinds, KindName);
 
-template <class K>
-class FloodGradQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodGradQuick, RangeKinds, KindName);
+TYPE_SUITE(FloodGradQuick, RangeKinds, KindName);
 
 // Levels that wander, or that are drawn anew for each pixel.
 template <class T>
@@ -80,17 +73,17 @@ void expectSweep(Sweep sweep)
     });
 }
 
-TYPED_TEST(FloodGrad, Sweep)
+TYPE_TEST(FloodGrad, Sweep)
 {
     expectSweep<typename TypeParam::T, TypeParam::channels>(Sweep::Full);
 }
 
-TYPED_TEST(FloodGradQuick, Sweep)
+TYPE_TEST(FloodGradQuick, Sweep)
 {
     expectSweep<typename TypeParam::T, TypeParam::channels>(Sweep::Quick);
 }
 
-TYPED_TEST(FloodGrad, HigherImages)
+TYPE_TEST(FloodGrad, HigherImages)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -148,7 +141,7 @@ TEST(FloodGradCases, EveryImageOfThreeLevels)
 }
 
 // The new value makes no difference to what is taken: spans are painted when they have been dealt with.
-TYPED_TEST(FloodGradQuick, NewValueMakesNoDifference)
+TYPE_TEST(FloodGradQuick, NewValueMakesNoDifference)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -179,7 +172,7 @@ TYPED_TEST(FloodGradQuick, NewValueMakesNoDifference)
     }
 }
 
-TYPED_TEST(FloodGradQuick, OneRowIsPaintedAndCounted)
+TYPE_TEST(FloodGradQuick, OneRowIsPaintedAndCounted)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;

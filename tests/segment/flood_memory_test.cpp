@@ -8,6 +8,7 @@
 #include "segment/flood_fixture.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::flood {
 namespace {
@@ -50,14 +51,10 @@ LumStatus call(const Order<T, channels>& order, T* pImage, int step, LumiSize si
                                     argumentOf<T, channels>(order.maxDelta), &region, scratch);
 }
 
-template <class K>
-class FloodMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodMemory, AllKinds, KindName);
+TYPE_SUITE(FloodMemory, AllKinds, KindName);
 
 // Each row stands alone before or behind an unreadable page.
-TYPED_TEST(FloodMemory, RowsAlone)
+TYPE_TEST(FloodMemory, RowsAlone)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -95,7 +92,7 @@ TYPED_TEST(FloodMemory, RowsAlone)
     }
 }
 
-TYPED_TEST(FloodMemory, ScratchAtAnyAddressAndOfAnyContent)
+TYPE_TEST(FloodMemory, ScratchAtAnyAddressAndOfAnyContent)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -124,7 +121,7 @@ TYPED_TEST(FloodMemory, ScratchAtAnyAddressAndOfAnyContent)
 }
 
 // Long spans: no odd number of pixels, no store beyond the span.
-TYPED_TEST(FloodMemory, LongRows)
+TYPE_TEST(FloodMemory, LongRows)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;

@@ -6,6 +6,7 @@
 
 #include "segment/flood_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::flood {
 namespace {
@@ -58,29 +59,21 @@ void expectSweep(Sweep sweep)
     });
 }
 
-template <class K>
-class FloodPlain : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodPlain, AllKinds, KindName);
+TYPE_SUITE(FloodPlain, AllKinds, KindName);
 
-TYPED_TEST(FloodPlain, Sweep)
+TYPE_TEST(FloodPlain, Sweep)
 {
     expectSweep<typename TypeParam::T, TypeParam::channels>(Sweep::Full);
 }
 
-template <class K>
-class FloodPlainQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodPlainQuick, AllKinds, KindName);
+TYPE_SUITE(FloodPlainQuick, AllKinds, KindName);
 
-TYPED_TEST(FloodPlainQuick, Sweep)
+TYPE_TEST(FloodPlainQuick, Sweep)
 {
     expectSweep<typename TypeParam::T, TypeParam::channels>(Sweep::Quick);
 }
 
-TYPED_TEST(FloodPlainQuick, SeedThatHasTheNewValueEndsTheCall)
+TYPE_TEST(FloodPlainQuick, SeedThatHasTheNewValueEndsTheCall)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -101,7 +94,7 @@ TYPED_TEST(FloodPlainQuick, SeedThatHasTheNewValueEndsTheCall)
 }
 
 // With the last value of a channel other than the seed's, as in the last pixel of the row.
-TYPED_TEST(FloodPlainQuick, ChannelsAllCount)
+TYPE_TEST(FloodPlainQuick, ChannelsAllCount)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -122,7 +115,7 @@ TYPED_TEST(FloodPlainQuick, ChannelsAllCount)
     }
 }
 
-TYPED_TEST(FloodPlainQuick, OneValueEverywhere)
+TYPE_TEST(FloodPlainQuick, OneValueEverywhere)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;

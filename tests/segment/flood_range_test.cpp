@@ -6,21 +6,14 @@
 #include "segment/flood_fixture.hpp"
 #include "segment/flood_shapes.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::flood {
 namespace {
 
-template <class K>
-class FloodRange : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodRange, RangeKinds, KindName);
+TYPE_SUITE(FloodRange, RangeKinds, KindName);
 
-template <class K>
-class FloodRangeQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodRangeQuick, RangeKinds, KindName);
+TYPE_SUITE(FloodRangeQuick, RangeKinds, KindName);
 
 // Whether the fill ends by its stack. One that goes round for ever takes as long as a hundred others, and has a test of
 // its own.
@@ -64,18 +57,18 @@ void expectSweep(Sweep sweep)
     });
 }
 
-TYPED_TEST(FloodRange, Sweep)
+TYPE_TEST(FloodRange, Sweep)
 {
     expectSweep<typename TypeParam::T, TypeParam::channels>(Sweep::Full);
 }
 
-TYPED_TEST(FloodRangeQuick, Sweep)
+TYPE_TEST(FloodRangeQuick, Sweep)
 {
     expectSweep<typename TypeParam::T, TypeParam::channels>(Sweep::Quick);
 }
 
 // Without deltas the rule is the plain one, but the seed's own value as new value does not end the call at once.
-TYPED_TEST(FloodRangeQuick, WithoutDeltas)
+TYPE_TEST(FloodRangeQuick, WithoutDeltas)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -99,7 +92,7 @@ TYPED_TEST(FloodRangeQuick, WithoutDeltas)
 }
 
 // The bounds end at the least and the greatest element.
-TYPED_TEST(FloodRangeQuick, BoundsAtTheEndsOfTheType)
+TYPE_TEST(FloodRangeQuick, BoundsAtTheEndsOfTheType)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -127,7 +120,7 @@ TYPED_TEST(FloodRangeQuick, BoundsAtTheEndsOfTheType)
 }
 
 // Each channel has bounds of its own.
-TYPED_TEST(FloodRangeQuick, BoundsOfEachChannel)
+TYPE_TEST(FloodRangeQuick, BoundsOfEachChannel)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;

@@ -8,6 +8,7 @@
 #include "segment/flood_fixture.hpp"
 #include "segment/size_query.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::flood {
 namespace {
@@ -146,13 +147,9 @@ std::vector<Violation<Args<T, channels>>> violations(Rule rule)
     return table;
 }
 
-template <class K>
-class FloodStatusQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FloodStatusQuick, AllKinds, KindName);
+TYPE_SUITE(FloodStatusQuick, AllKinds, KindName);
 
-TYPED_TEST(FloodStatusQuick, ChecksInOrder)
+TYPE_TEST(FloodStatusQuick, ChecksInOrder)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
@@ -211,7 +208,7 @@ TEST(FloodStatusQuickFloats, DeltasThatPass)
 }
 
 // A stride of exactly one row.
-TYPED_TEST(FloodStatusQuick, TightRows)
+TYPE_TEST(FloodStatusQuick, TightRows)
 {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;

@@ -11,6 +11,7 @@
 #include "segment/size_query.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::labels {
 namespace {
@@ -18,13 +19,9 @@ namespace {
 constexpr Lum32s kIntMax = std::numeric_limits<Lum32s>::max();
 constexpr Lum32s kIntMin = std::numeric_limits<Lum32s>::min();
 
-template <class Label>
-class LabelStatusQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(LabelStatusQuick, Labels, LabelName);
+TYPE_SUITE(LabelStatusQuick, Labels, LabelName);
 
-TYPED_TEST(LabelStatusQuick, Sizes)
+TYPE_TEST(LabelStatusQuick, Sizes)
 {
     constexpr auto query = Exports<TypeParam>::bufferSize;
     expectBytes<query>({1, 1}, 38);
@@ -120,7 +117,7 @@ std::vector<Violation<Args<Label>>> violations()
     return table;
 }
 
-TYPED_TEST(LabelStatusQuick, ChecksInOrder)
+TYPE_TEST(LabelStatusQuick, ChecksInOrder)
 {
     Random random(36);
     Image<Marker<TypeParam>> markers =
@@ -143,7 +140,7 @@ TYPED_TEST(LabelStatusQuick, ChecksInOrder)
 }
 
 // The largest labels, one label, and rows without a gap pass.
-TYPED_TEST(LabelStatusQuick, LimitsPass)
+TYPE_TEST(LabelStatusQuick, LimitsPass)
 {
     Random random(37);
     const auto markers = markersOf<TypeParam>(percolation(9, 5, 50, random), random);
@@ -154,14 +151,10 @@ TYPED_TEST(LabelStatusQuick, LimitsPass)
     }
 }
 
-template <class Label>
-class LabelMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(LabelMemory, Labels, LabelName);
+TYPE_SUITE(LabelMemory, Labels, LabelName);
 
 // Each row stands alone before or behind an unreadable page; the source of 32s labels is not written.
-TYPED_TEST(LabelMemory, RowsAlone)
+TYPE_TEST(LabelMemory, RowsAlone)
 {
     using M = Marker<TypeParam>;
     Random random(38);
@@ -203,7 +196,7 @@ TYPED_TEST(LabelMemory, RowsAlone)
     }
 }
 
-TYPED_TEST(LabelMemory, ScratchAtAnyAddressAndOfAnyContent)
+TYPE_TEST(LabelMemory, ScratchAtAnyAddressAndOfAnyContent)
 {
     Random random(39);
     for (std::size_t distance = 0; distance < 70; ++distance) {

@@ -4,23 +4,16 @@
 #include "segment/flood_shapes.hpp"
 #include "segment/labels_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::labels {
 namespace {
 
 constexpr LumiDistanceNorm kNorms[] = {lumDistanceNormInf, lumDistanceNormL1};
 
-template <class Label>
-class LabelMarkers : public testing::Test
-{
-};
-TYPED_TEST_SUITE(LabelMarkers, Labels, LabelName);
+TYPE_SUITE(LabelMarkers, Labels, LabelName);
 
-template <class Label>
-class LabelMarkersQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(LabelMarkersQuick, Labels, LabelName);
+TYPE_SUITE(LabelMarkersQuick, Labels, LabelName);
 
 template <class Label>
 void expectSweep(Sweep sweep)
@@ -41,18 +34,18 @@ void expectSweep(Sweep sweep)
     });
 }
 
-TYPED_TEST(LabelMarkers, Sweep)
+TYPE_TEST(LabelMarkers, Sweep)
 {
     expectSweep<TypeParam>(Sweep::Full);
 }
 
-TYPED_TEST(LabelMarkersQuick, Sweep)
+TYPE_TEST(LabelMarkersQuick, Sweep)
 {
     expectSweep<TypeParam>(Sweep::Quick);
 }
 
 // Whatever the components are like: scratch of exactly its size is enough.
-TYPED_TEST(LabelMarkers, TangledShapes)
+TYPE_TEST(LabelMarkers, TangledShapes)
 {
     Random random(31);
     Order order;
@@ -75,7 +68,7 @@ TYPED_TEST(LabelMarkers, TangledShapes)
     }
 }
 
-TYPED_TEST(LabelMarkers, CombsOfAllLengths)
+TYPE_TEST(LabelMarkers, CombsOfAllLengths)
 {
     Random random(32);
     Order order;
@@ -91,7 +84,7 @@ TYPED_TEST(LabelMarkers, CombsOfAllLengths)
     }
 }
 
-TYPED_TEST(LabelMarkersQuick, NothingMarked)
+TYPE_TEST(LabelMarkersQuick, NothingMarked)
 {
     Image<Marker<TypeParam>> markers({.width = 45, .height = 6, .gap = 4});
     markers.forEach(Area::Roi, [](auto& element, int, int, int) { element = 0; });
@@ -101,7 +94,7 @@ TYPED_TEST(LabelMarkersQuick, NothingMarked)
 }
 
 // 300 components of 8u, 16u and 32s: behind the largest label follows the least again, and all are counted.
-TYPED_TEST(LabelMarkersQuick, LabelsWrap)
+TYPE_TEST(LabelMarkersQuick, LabelsWrap)
 {
     Image<Marker<TypeParam>> markers({.width = 60, .height = 20});
     markers.forEach(Area::Roi, [](auto& element, int x, int y, int) {
@@ -129,7 +122,7 @@ TYPED_TEST(LabelMarkersQuick, LabelsWrap)
 }
 
 // A label of the marker's own greatest value is not among the labels, so that none is taken for a pixel to come.
-TYPED_TEST(LabelMarkersQuick, LargestLabels)
+TYPE_TEST(LabelMarkersQuick, LargestLabels)
 {
     Random random(33);
     const Lum32s largest = Exports<TypeParam>::largest;
@@ -139,7 +132,7 @@ TYPED_TEST(LabelMarkersQuick, LargestLabels)
     }
 }
 
-TYPED_TEST(LabelMarkersQuick, DiagonalNeighbours)
+TYPE_TEST(LabelMarkersQuick, DiagonalNeighbours)
 {
     Random random(34);
     const Pattern board = checkerboard(9, 6);
@@ -152,7 +145,7 @@ TYPED_TEST(LabelMarkersQuick, DiagonalNeighbours)
 }
 
 // Arms that meet far below their tips are one component, in the order of the tip that comes first.
-TYPED_TEST(LabelMarkersQuick, ArmsThatMeetBelow)
+TYPE_TEST(LabelMarkersQuick, ArmsThatMeetBelow)
 {
     Random random(35);
     for (int height = 2; height < 30; height += 3) {
@@ -176,7 +169,7 @@ Pattern patternOfBits(int width, int height, unsigned bits)
     return p;
 }
 
-TYPED_TEST(LabelMarkers, EveryPatternOfSmallSizes)
+TYPE_TEST(LabelMarkers, EveryPatternOfSmallSizes)
 {
     for (const LumiSize size : {LumiSize{5, 2}, {2, 5}, {3, 3}, {10, 1}, {1, 10}}) {
         for (unsigned bits = 0; bits < 1u << (size.width * size.height); ++bits) {

@@ -10,6 +10,7 @@
 #include "segment/speckles_fixture.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::speckles {
 namespace {
@@ -108,13 +109,9 @@ struct Args
     }
 };
 
-template <class T>
-class SpecklesStatusQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SpecklesStatusQuick, Elements, ElementName);
+TYPE_SUITE(SpecklesStatusQuick, Elements, ElementName);
 
-TYPED_TEST(SpecklesStatusQuick, ChecksInOrder)
+TYPE_TEST(SpecklesStatusQuick, ChecksInOrder)
 {
     using A = Args<TypeParam>;
     Random random(61);
@@ -141,11 +138,7 @@ TYPED_TEST(SpecklesStatusQuick, ChecksInOrder)
                       table);
 }
 
-template <class T>
-class SpecklesMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SpecklesMemory, Elements, ElementName);
+TYPE_SUITE(SpecklesMemory, Elements, ElementName);
 
 template <class T>
 void drawSpecks(Image<T>& image, Random& random)
@@ -155,7 +148,7 @@ void drawSpecks(Image<T>& image, Random& random)
     });
 }
 
-TYPED_TEST(SpecklesMemory, RowsAlone)
+TYPE_TEST(SpecklesMemory, RowsAlone)
 {
     Random random(62);
     for (const int width : {1, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 129}) {
@@ -181,7 +174,7 @@ TYPED_TEST(SpecklesMemory, RowsAlone)
     }
 }
 
-TYPED_TEST(SpecklesMemory, ScratchAtAnyAddressAndOfAnyContent)
+TYPE_TEST(SpecklesMemory, ScratchAtAnyAddressAndOfAnyContent)
 {
     Random random(63);
     for (std::size_t distance = 0; distance < 70; ++distance) {

@@ -8,21 +8,14 @@
 #include "segment/flood_shapes.hpp"
 #include "segment/speckles_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::speckles {
 namespace {
 
-template <class T>
-class Speckles : public testing::Test
-{
-};
-TYPED_TEST_SUITE(Speckles, Elements, ElementName);
+TYPE_SUITE(Speckles, Elements, ElementName);
 
-template <class T>
-class SpecklesQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SpecklesQuick, Elements, ElementName);
+TYPE_SUITE(SpecklesQuick, Elements, ElementName);
 
 // Levels from 0 to 255 as elements; differences of floats are rounded, those of 16s cross zero.
 template <class T>
@@ -108,17 +101,17 @@ void expectSweep(Sweep sweep)
     });
 }
 
-TYPED_TEST(Speckles, Sweep)
+TYPE_TEST(Speckles, Sweep)
 {
     expectSweep<TypeParam>(Sweep::Full);
 }
 
-TYPED_TEST(SpecklesQuick, Sweep)
+TYPE_TEST(SpecklesQuick, Sweep)
 {
     expectSweep<TypeParam>(Sweep::Quick);
 }
 
-TYPED_TEST(Speckles, HigherImages)
+TYPE_TEST(Speckles, HigherImages)
 {
     for (int i = 0; i < 200; ++i) {
         Random random(static_cast<std::uint64_t>(i));
@@ -134,7 +127,7 @@ TYPED_TEST(Speckles, HigherImages)
 }
 
 // Regions of all shapes, and between them regions of the other level.
-TYPED_TEST(Speckles, TangledShapes)
+TYPE_TEST(Speckles, TangledShapes)
 {
     Random random(51);
     for (const LumiSize size : {LumiSize{1, 1}, {2, 3}, {11, 3}, {21, 13}, {33, 29}, {101, 40}}) {
@@ -158,7 +151,7 @@ TYPED_TEST(Speckles, TangledShapes)
     }
 }
 
-TYPED_TEST(SpecklesQuick, SizesAtTheirLimits)
+TYPE_TEST(SpecklesQuick, SizesAtTheirLimits)
 {
     Random random(52);
     Image<TypeParam> image({.width = 23, .height = 9});
@@ -177,7 +170,7 @@ TYPED_TEST(SpecklesQuick, SizesAtTheirLimits)
 }
 
 // A region of exactly the largest size is a speckle, one of a pixel more is not.
-TYPED_TEST(SpecklesQuick, RegionsAroundTheLargestSize)
+TYPE_TEST(SpecklesQuick, RegionsAroundTheLargestSize)
 {
     for (int length = 1; length < 12; ++length) {
         Image<TypeParam> image({.width = 14, .height = 5});
@@ -195,7 +188,7 @@ TYPED_TEST(SpecklesQuick, RegionsAroundTheLargestSize)
 }
 
 // The ends of a region may differ by any amount: it grows from pixel to pixel.
-TYPED_TEST(SpecklesQuick, SlopesAreOneRegion)
+TYPE_TEST(SpecklesQuick, SlopesAreOneRegion)
 {
     Image<TypeParam> image({.width = 60, .height = 4});
     image.forEach(Area::Roi,
@@ -210,7 +203,7 @@ TYPED_TEST(SpecklesQuick, SlopesAreOneRegion)
 }
 
 // Pixels of the speckle value divide what lies on their two sides, whatever the difference allows.
-TYPED_TEST(SpecklesQuick, SpeckleValueDivides)
+TYPE_TEST(SpecklesQuick, SpeckleValueDivides)
 {
     Image<TypeParam> image({.width = 21, .height = 7});
     image.forEach(Area::Roi, [](TypeParam& element, int x, int, int) {
@@ -228,7 +221,7 @@ TYPED_TEST(SpecklesQuick, SpeckleValueDivides)
 }
 
 // What has been painted above does not join what is searched below, though its new value would.
-TYPED_TEST(SpecklesQuick, PaintedPixelsJoinNothing)
+TYPE_TEST(SpecklesQuick, PaintedPixelsJoinNothing)
 {
     Image<TypeParam> image({.width = 9, .height = 6});
     image.forEach(Area::Roi, [](TypeParam& element, int, int y, int) {
@@ -239,7 +232,7 @@ TYPED_TEST(SpecklesQuick, PaintedPixelsJoinNothing)
     }
 }
 
-TYPED_TEST(SpecklesQuick, WithoutDifference)
+TYPE_TEST(SpecklesQuick, WithoutDifference)
 {
     Random random(53);
     Image<TypeParam> image({.width = 37, .height = 11});
@@ -250,7 +243,7 @@ TYPED_TEST(SpecklesQuick, WithoutDifference)
 }
 
 // The rows of a negative stride; those of bytes that are no whole number of elements.
-TYPED_TEST(SpecklesQuick, StridesAreNotTested)
+TYPE_TEST(SpecklesQuick, StridesAreNotTested)
 {
     Random random(54);
     for (const int width : {1, 7, 16, 33}) {
