@@ -98,7 +98,8 @@ TEST(WatershedByCost, ManySweeps)
             const int length = across ? 61 : 45;
             label = u % 4 == 3 && v != (u % 8 == 3 ? length - 1 : 0) ? Lum16u{65535} : Lum16u{0};
         });
-        for (int i = 0; i < 2 + seed; ++i) {
+        marker.at(0, 0) = 50;
+        for (int i = 0; i < seed / 2; ++i) {
             marker.at(static_cast<int>(random.between(0, 60)), static_cast<int>(random.between(0, 44))) =
                 static_cast<Lum16u>(i + 1);
         }
