@@ -3,8 +3,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <new>
+#include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 #include "geometry/gray_gradient_forms.hpp"
@@ -27,16 +27,12 @@ class FarRows
     FarRows(int width, int height, int channels = 1) : channels_(channels), bytes_(rowBytes * height)
     {
         void* const mapping = mmap(nullptr, bytes_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (mapping == MAP_FAILED) {
-            throw std::bad_alloc();
-        }
+        require(mapping != MAP_FAILED);
         first_ = static_cast<unsigned char*>(mapping);
         Random random(static_cast<std::uint64_t>(width));
         for (int y = 0; y < height; ++y) {
-            if (mprotect(first_ + y * rowBytes, static_cast<std::size_t>(sysconf(_SC_PAGESIZE)),
-                         PROT_READ | PROT_WRITE) != 0) {
-                throw std::bad_alloc();
-            }
+            const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+            require(mprotect(first_ + y * rowBytes, page, PROT_READ | PROT_WRITE) == 0);
             for (int i = 0; i < width * channels; ++i) {
                 row(y)[i] = random.value<T>(Values::Ordinary);
             }
@@ -70,6 +66,14 @@ class FarRows
 
   private:
     static constexpr std::ptrdiff_t rowBytes = 0x30000000;
+
+    static void require(bool condition)
+    {
+        if (!condition) {
+            std::fprintf(stderr, "far rows: no memory\n");
+            std::abort();
+        }
+    }
 
     int channels_;
     std::size_t bytes_;
