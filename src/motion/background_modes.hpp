@@ -135,7 +135,7 @@ class ModesOf
     [[gnu::always_inline]] void moveUp(int64_t slot, M moving, V w)
     {
         for (; slot > 0; --slot) {
-            moving = moving & simd::notLess(w, simd::load<N>(slots_.weight(slot - 1)));
+            moving = moving & simd::atMost(simd::load<N>(slots_.weight(slot - 1)), w);
             if (!simd::any(moving))
                 return;
             exchange(slot, moving);
@@ -209,7 +209,7 @@ class ModesOf
             const V r = mp / mm;
             const V e0 = r * m0 - pixel_.a, e1 = r * m1 - pixel_.b, e2 = r * m2 - pixel_.c;
             const V reach = r * r * all(rules_.model.varWBRatio) * variance;
-            const M shadow = open & simd::notLess(mm, mp) & simd::notLess(mp, all(rules_.model.shadowRatio) * mm) &
+            const M shadow = open & simd::atMost(mp, mm) & simd::atMost(all(rules_.model.shadowRatio) * mm, mp) &
                              simd::greater(reach, dot(e0, e1, e2, e0, e1, e2));
             result = simd::select(shadow, all(rules_.model.shadowValue), result);
             total = total + simd::load<N>(slots_.weight(s));

@@ -206,6 +206,27 @@ template <class T, int N>
 #endif
 }
 
+/// (a * b) >> 16, of unsigned words.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16u, N> highProduct(Vec<Lum16u, N> a, Vec<Lum16u, N> b)
+{
+    using V = Vec<Lum16u, N>;
+    if constexpr (kindOf<Lum16u, N> == Kind::pair)
+        return {highProduct(a.lo, b.lo), highProduct(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<Lum16u>(Lum32u{a.raw} * b.raw >> 16)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_mulhi_epu16(bits(a.raw), bits(b.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_mulhi_epu16(bits(a.raw), bits(b.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_mulhi_epu16(bits(a.raw), bits(b.raw))};
+#endif
+}
+
 /// a - b, held at the ends of 16 bits.
 template <int N>
 [[gnu::always_inline]] inline Vec<Lum16s, N> subtractSaturated(Vec<Lum16s, N> a, Vec<Lum16s, N> b)

@@ -71,21 +71,21 @@ template <class T, int N>
     return greater(b, a);
 }
 
-/// a >= b, of floats. A not-a-number is not.
+/// a <= b, of floats. A not-a-number is not.
 template <int N>
-[[gnu::always_inline]] inline Mask<Lum32f, N> notLess(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+[[gnu::always_inline]] inline Mask<Lum32f, N> atMost(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
 {
     using M = Mask<Lum32f, N>;
     if constexpr (kindOf<Lum32f, N> == Kind::pair)
-        return {notLess(a.lo, b.lo), notLess(a.hi, b.hi)};
+        return {atMost(a.lo, b.lo), atMost(a.hi, b.hi)};
     else if constexpr (N == 1)
-        return {a.raw >= b.raw};
+        return {a.raw <= b.raw};
 #if defined(__AVX512BW__)
     else if constexpr (hasMaskRegister<Lum32f, N>)
-        return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_GE_OQ)};
+        return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_LE_OQ)};
 #endif
     else
-        return M{(typename M::Raw)(a.raw >= b.raw)};
+        return M{(typename M::Raw)(a.raw <= b.raw)};
 }
 
 /// a == b, of integers or single-precision floats. A not-a-number equals nothing; zeros of both signs are equal.
@@ -100,7 +100,7 @@ template <class T, int N>
         return {a.raw == b.raw};
 #if defined(__AVX512BW__)
     else if constexpr (hasMaskRegister<T, N>) {
-        if constexpr (std::is_same_v<T, Lum32f>)
+        if constexpr (std::is_floating_point_v<T>)
             return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_EQ_OQ)};
         else if constexpr (sizeof(T) == 1)
             return M{_mm512_cmpeq_epi8_mask(bits(a.raw), bits(b.raw))};

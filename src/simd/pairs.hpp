@@ -100,6 +100,18 @@ template <int N>
         return {(typename Vec<Lum16s, N>::Raw)(v.raw ^ static_cast<Lum16u>(0x8000))};
 }
 
+/// Undoes it.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16u, N> decentred(Vec<Lum16s, N> v)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {decentred(v.lo), decentred(v.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<Lum16u>(v.raw + 0x8000)};
+    else
+        return {(typename Vec<Lum16u, N>::Raw)v.raw ^ static_cast<Lum16u>(0x8000)};
+}
+
 /// Of four pixels of three bytes the first and third go to `even` and the others to `odd`, as words. Reads 16 bytes and
 /// stores eight words to each, of which six are of use.
 [[gnu::always_inline]] inline void separateTriples(const Lum8u* p, Lum16s* even, Lum16s* odd)

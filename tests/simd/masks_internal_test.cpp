@@ -74,12 +74,12 @@ TEST(SimdMasks, Greater)
     forVectors<Lum32f>(greaterLanes);
 }
 
-TEST(SimdMasks, NotLess)
+TEST(SimdMasks, AtMost)
 {
     forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
         const auto a = drawnLanes<Lum32f, N>(seed), b = drawnLanes<Lum32f, N>(seed + 1000);
-        expectMask<Lum32f, N>(simd::notLess(simd::load<N>(a.data()), simd::load<N>(b.data())),
-                              [&](int i) { return a[std::size_t(i)] >= b[std::size_t(i)]; });
+        expectMask<Lum32f, N>(simd::atMost(simd::load<N>(a.data()), simd::load<N>(b.data())),
+                              [&](int i) { return a[std::size_t(i)] <= b[std::size_t(i)]; });
     });
 }
 
