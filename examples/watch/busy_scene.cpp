@@ -71,10 +71,10 @@ Picture BusyScene::frame(int index) const
                     ? balls[0]
                     : balls[1];
             for (int c = 0; c < 3; ++c) {
-                const int still = std::min(40 + backdrop_.at(x, y, c) * 3 / 4, 245) - lift;
+                const int plain = std::min(40 + backdrop_.at(x, y, c) * 3 / 4, 245) - lift;
                 const int level = what == Shown::Ball     ? ball.colour[static_cast<std::size_t>(c)]
-                                  : what == Shown::Shadow ? static_cast<int>(shade * static_cast<float>(still))
-                                                          : still;
+                                  : what == Shown::Shadow ? static_cast<int>(shade * static_cast<float>(plain))
+                                                          : plain;
                 frame.at(x, y, c) = static_cast<Lum8u>(std::clamp(level + random.below(noise) - noise / 2, 0, 255));
             }
         }
