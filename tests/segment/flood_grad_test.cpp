@@ -95,7 +95,7 @@ TYPE_TEST(FloodGrad, HigherImages)
         const int depth = static_cast<int>(random.between(1, 6));
         drawSlopes(image, palette, depth, random.oneIn(2), random);
         expectGrad<T, channels>(image, drawOrder<T, channels>(size, palette, depth, random), {});
-        if (this->HasFailure()) {
+        if (testing::Test::HasFailure()) {
             return;
         }
     }

@@ -168,7 +168,7 @@ TEST(FloodRangeWrapQuick, StacksOfFewEntries)
                     continue;
                 }
                 expectFill<Lum8u, 1>(image, order);
-                if (HasFailure()) {
+                if (testing::Test::HasFailure()) {
                     return;
                 }
             }
@@ -224,7 +224,7 @@ TEST(FloodRangeWrap, TangledShapes)
                     order.minDelta = {5};
                     order.maxDelta = {1};
                     expectFill<Lum8u, 1>(imageOf<Lum8u, 1>(Palette::Low, pattern), order);
-                    if (HasFailure()) {
+                    if (testing::Test::HasFailure()) {
                         return;
                     }
                 }

@@ -92,7 +92,7 @@ TEST(FloodShapes, Combs)
     for (int width = 1; width < 34; width += width < 12 ? 1 : 3) {
         for (int height = 1; height < 8; ++height) {
             expectComplete({comb(width, height), doubleComb(width, height), combs(width, height)}, 3, random);
-            if (HasFailure()) {
+            if (testing::Test::HasFailure()) {
                 return;
             }
         }

@@ -59,7 +59,7 @@ TYPE_TEST(LabelMarkers, TangledShapes)
                     expectLabels<TypeParam>(markersOf<TypeParam>(pattern, random), order,
                                             random.oneIn(2) ? Guard::After : Guard::Before,
                                             static_cast<std::size_t>(random.between(0, 9)));
-                    if (this->HasFailure()) {
+                    if (testing::Test::HasFailure()) {
                         return;
                     }
                 }
@@ -178,7 +178,7 @@ TYPE_TEST(LabelMarkers, EveryPatternOfSmallSizes)
             SCOPED_TRACE(bits);
             expectLabels<TypeParam>(markers, {1, 254, kNorms[bits % 2]});
             expectLabels<TypeParam>(markers, {1, 254, kNorms[1 - bits % 2]});
-            if (this->HasFailure()) {
+            if (testing::Test::HasFailure()) {
                 return;
             }
         }

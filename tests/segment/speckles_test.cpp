@@ -120,7 +120,7 @@ TYPE_TEST(Speckles, HigherImages)
         const bool isHigh = random.oneIn(2);
         draw(image, i % 5, isHigh, random);
         expectSpeckles(image, drawOrder(image, isHigh, random));
-        if (this->HasFailure()) {
+        if (testing::Test::HasFailure()) {
             return;
         }
     }
@@ -142,7 +142,7 @@ TYPE_TEST(Speckles, TangledShapes)
                     const int values[] = {50, 100, 7};
                     expectSpeckles<TypeParam>(image, {static_cast<TypeParam>(values[random.between(0, 2)]), most,
                                                       static_cast<TypeParam>(random.oneIn(3) ? 50 : 3)});
-                    if (this->HasFailure()) {
+                    if (testing::Test::HasFailure()) {
                         return;
                     }
                 }
