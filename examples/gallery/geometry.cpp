@@ -231,7 +231,7 @@ Exhibit grayGradientBy(const char* file, const char* title, const char* note, Lu
 }
 
 const Section section{
-    72,
+    76,
     "Geometry and colour gradients",
     "What a lens bends is straightened; pictures are sampled between their pixels and along a line; and the gradients "
     "of three channels become one.",

@@ -93,14 +93,14 @@ Picture history(const Source& source, Shot& shot)
 }
 
 const Section section{
-    70,
+    74,
     "Background and motion",
     "A film of 48 frames from a camera that stands, with noise, a flicker of leaves in the upper left quarter, and two "
     "balls that roll by and throw shadows. A mixture of Gaussians at each pixel learns what is background.",
-    {{"film-frame", "The last frame", "What the camera sees.", lastFrame},
-     {"film-classes", "Foreground and shadow", "White is in front of the background, gray is a shadow.", classes},
-     {"film-background", "The background", "As the model knows it, without the balls.", background},
-     {"film-history", "Motion history",
+    {{"watch-frame", "The last frame", "What the camera sees.", lastFrame},
+     {"watch-classes", "Foreground and shadow", "White is in front of the background, gray is a shadow.", classes},
+     {"watch-background", "The background", "As the model knows it, without the balls.", background},
+     {"watch-history", "Motion history",
       "What moved in the last 16 frames: white now, then yellow to red to violet; shadows are left out.", history}},
 };
 

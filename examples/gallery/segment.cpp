@@ -1,5 +1,8 @@
-// Gallery: what a flood reaches, components and their labels, and speckles.
+// Gallery: what a flood reaches, components and their labels, watersheds, and speckles.
 #include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <vector>
 
 #include "count_objects.hpp"
 #include "scene.hpp"
@@ -63,6 +66,71 @@ Picture components(const Source& source, Shot& shot)
     return count::coloured(source.gray, count::measured(objects, true));
 }
 
+// How much a pixel differs from those to its left and above: low within objects, high at their edges.
+Picture slopes(const Picture& gray)
+{
+    Picture result(gray.width(), gray.height(), 1);
+    for (int y = 1; y < gray.height(); ++y) {
+        for (int x = 1; x < gray.width(); ++x) {
+            const int across = gray.at(x, y) - gray.at(x - 1, y), down = gray.at(x, y) - gray.at(x, y - 1);
+            result.at(x, y) = static_cast<Lum8u>(std::min(255, std::abs(across) + std::abs(down)));
+        }
+    }
+    return result;
+}
+
+// A grid of seeds, each with a label of its own. 65535 is none.
+Image<Lum16u> seedGrid(LumiSize size, int distance)
+{
+    Image<Lum16u> markers(size.width, size.height, 1);
+    int label = 0;
+    for (int y = distance / 2; y < size.height; y += distance) {
+        for (int x = distance / 2; x < size.width; x += distance) {
+            markers.at(x, y) = static_cast<Lum16u>(1 + label++ % 65534);
+        }
+    }
+    return markers;
+}
+
+// Each region in its mean colour; between them, what the labels do not reach is dark.
+Picture inMeanColours(const Picture& colour, const Image<Lum16u>& labels)
+{
+    std::vector<std::array<int, 4>> sums(65536);
+    for (int y = 0; y < colour.height(); ++y) {
+        for (int x = 0; x < colour.width(); ++x) {
+            auto& sum = sums[labels.at(x, y)];
+            for (int channel = 0; channel < 3; ++channel) {
+                sum[static_cast<std::size_t>(channel)] += colour.at(x, y, channel);
+            }
+            ++sum[3];
+        }
+    }
+    sums[65535] = {30, 20, 40, 1};
+    Picture result(colour.width(), colour.height(), 3);
+    for (int y = 0; y < colour.height(); ++y) {
+        for (int x = 0; x < colour.width(); ++x) {
+            const auto& sum = sums[labels.at(x, y)];
+            for (int channel = 0; channel < 3; ++channel) {
+                result.at(x, y, channel) = static_cast<Lum8u>(sum[static_cast<std::size_t>(channel)] / sum[3]);
+            }
+        }
+    }
+    return result;
+}
+
+Picture watershed(const Source& source, Shot& shot)
+{
+    const Picture heights = slopes(count::smoothed(source.gray, 5));
+    Image<Lum16u> markers = seedGrid(heights.size(), 24);
+    Lum32s bufferSize = 0;
+    shot.prepare(GALLERY_CALL(lumiSegmentWatershedGetBufferSize_8u16u_C1R(heights.size(), &bufferSize)));
+    Block buffer(static_cast<std::size_t>(bufferSize));
+    shot.timeOnce(GALLERY_CALL(lumiSegmentWatershed_8u16u_C1IR(heights.pixels(), heights.step(), markers.pixels(),
+                                                               markers.step(), markers.size(), 0,
+                                                               lumSegmentByCost | lumSegmentBound4, buffer.data())));
+    return inMeanColours(source.colour, markers);
+}
+
 // Five levels, with noise that makes the edges between them ragged.
 Picture fewLevels(const Picture& gray)
 {
@@ -94,7 +162,8 @@ Picture withoutSpeckles(const Source& source, Shot& shot)
 const Section segmentation{
     70,
     "Segmentation",
-    "Pixels that belong together: reached from a seed, joined to components, or too few to be anything.",
+    "Pixels that belong together: reached from a seed, joined to components, grown together, or too few to be "
+    "anything.",
     {{"flood-range", "Flood fill within a range",
       "From one pixel above the middle to all that are joined with it and differ from it by 24 levels at most, pink.",
       rangeFill},
@@ -105,6 +174,10 @@ const Section segmentation{
      {"components", "Components",
       "What is brighter than the mean, labelled: a colour and a box for each component of 30 pixels and more.",
       components},
+     {"watershed", "Watershed from a grid of seeds",
+      "Regions that grow from seeds 24 pixels apart, over slopes as heights, each in its mean colour. They meet at the "
+      "edges of objects, where boundaries are marked.",
+      watershed},
      {"speckled", "Before: speckles", "The picture in five levels, after some noise.", speckled},
      {"speckles-marked", "After: speckles marked", "Regions of one level with 40 pixels or fewer are black.",
       withoutSpeckles}},
