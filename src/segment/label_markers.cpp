@@ -11,13 +11,6 @@
 namespace lumcv {
 namespace {
 
-constexpr int wordBits = 64;
-
-constexpr int64_t wordsOf(int64_t width)
-{
-    return (width + wordBits - 1) / wordBits;
-}
-
 /// The non-zero pixels from x on.
 template <class T>
 [[gnu::always_inline]] inline uint64_t markedPixels(const T* row, int64_t x, int64_t width)

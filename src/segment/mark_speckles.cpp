@@ -14,13 +14,6 @@ namespace {
 using simd::Mask;
 using simd::Vec;
 
-constexpr int wordBits = 64;
-
-constexpr int64_t wordsOf(int64_t width)
-{
-    return (width + wordBits - 1) / wordBits;
-}
-
 /// What decides about two neighbours.
 template <class T>
 struct Rule
@@ -32,11 +25,7 @@ struct Rule
     [[gnu::always_inline]] uint64_t valid(Vec<T, N> v) const
     {
         constexpr uint64_t all = ~uint64_t{0} >> (wordBits - N);
-        const auto value = simd::broadcast<N>(speckleVal);
-        if constexpr (std::is_same_v<T, Lum32f>)
-            return ~simd::laneBits(simd::atMost(v, value) & simd::atMost(value, v)) & all;
-        else
-            return ~simd::laneBits(simd::equal(v, value)) & all;
+        return ~simd::laneBits(simd::equal(v, simd::broadcast<N>(speckleVal))) & all;
     }
 
     /// Bits of the lanes that differ little.

@@ -8,6 +8,13 @@
 
 namespace lumcv {
 
+inline constexpr int wordBits = 64;
+
+constexpr int64_t wordsOf(int64_t width)
+{
+    return (width + wordBits - 1) / wordBits;
+}
+
 class RunForest
 {
   public:
