@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "shapes.hpp"
+#include "smooth.hpp"
 
 namespace count {
 namespace {
@@ -38,23 +39,7 @@ void drawBox(Picture& picture, const LumiRect& box, const Colour& colour)
 
 Picture smoothed(const Picture& gray, int taps)
 {
-    if (taps == 1) {
-        return gray;
-    }
-    const LumiSize size = gray.size();
-    const Lum32f sigma = 0.15f * static_cast<Lum32f>(taps) + 0.35f;
-    Lum32s specSize = 0, bufferSize = 0;
-    check(lumiFilterGaussianGetBufferSize(size, taps, lumType8u, 1, &specSize, &bufferSize),
-          "lumiFilterGaussianGetBufferSize");
-    Block block = blockOf(specSize), buffer = blockOf(bufferSize);
-    auto* const spec = reinterpret_cast<LumFilterGaussianSpec*>(block.data());
-    check(lumiFilterGaussianInit(size, taps, sigma, lumBorderReplicate, lumType8u, 1, spec, buffer.data()),
-          "lumiFilterGaussianInit");
-    Picture result(gray.width(), gray.height(), 1);
-    check(lumiFilterGaussian_8u_C1R(gray.pixels(), gray.step(), result.pixels(), result.step(), size,
-                                    lumBorderReplicate, nullptr, spec, buffer.data()),
-          "lumiFilterGaussian_8u_C1R");
-    return result;
+    return taps == 1 ? gray : gallery::smoothed(gray, taps, 0.15f * static_cast<Lum32f>(taps) + 0.35f);
 }
 
 Picture objectMask(const Picture& smooth, const Options& options)

@@ -7,8 +7,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 constexpr Lum32f infinity = std::numeric_limits<Lum32f>::infinity();
 constexpr Lum32f notANumber = std::numeric_limits<Lum32f>::quiet_NaN();
 

@@ -8,8 +8,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 struct Lens
 {
     Lum32f fx, fy, cx, cy, k1, k2, p1, p2;

@@ -8,9 +8,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-using Query = LumStatus (*)(LumiSize, Lum32s*);
-
 enum class Family
 {
     Plain,
@@ -58,9 +55,8 @@ Run run(Family family, Fill fill)
     return [=](Choices& choices, const std::string& name) {
         Call call = beginCall(choices, name);
         const LumiSize size = call.arguments.size();
-        Lum32s bytes = -1;
-        if ((family == Family::Grad ? lumiFloodFillGetSize_Grad : lumiFloodFillGetSize)(size, &bytes) != lumOk)
-            fail("the size query failed");
+        const std::size_t bytes =
+            bytesOf(family == Family::Grad ? lumiFloodFillGetSize_Grad : lumiFloodFillGetSize, call);
         Order order{};
         order.seed = {choices.between(0, size.width - 1), choices.between(0, size.height - 1)};
         order.values = choices.between(1, 4);
@@ -68,7 +64,7 @@ Run run(Family family, Fill fill)
         order.minDelta = choices.between(0, 2);
         order.maxDelta = choices.between(0, 2);
         call.images = {{Role::Updated, elementOf<T>(), channels}};
-        call.blocks = {{Role::Scratch, std::size_t(bytes)}, {Role::Written, sizeof(LumiConnectedComp), Element::F64}};
+        call.blocks = {{Role::Scratch, bytes}, {Role::Written, sizeof(LumiConnectedComp), Element::F64}};
         call.prepare = [=](Arguments& a) { thinOut(a.image<T>(0), a.step(0), a.size(), channels, order.values); };
         // the seed is moved out of the image by the number of the anchor
         call.arguments.anchor = 0;
@@ -140,23 +136,9 @@ Run within(Family family,
     });
 }
 
-Run query(Query f)
-{
-    return [=](Choices& choices, const std::string& name) {
-        Call call = beginCall(choices, name);
-        call.violations.push_back({"many pixels", {lumErrSizeTooLarge}, [](Arguments& a) {
-                                       a.width = INT32_MAX;
-                                       a.height = INT32_MAX;
-                                   }});
-        call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
-        call.call = [=](const Arguments& a) { return f(a.size(), a.block<Lum32s>(0)); };
-        tryCall(choices, std::move(call));
-    };
-}
-
 const Targets targets{{
-    {"lumiFloodFillGetSize", query(lumiFloodFillGetSize)},
-    {"lumiFloodFillGetSize_Grad", query(lumiFloodFillGetSize_Grad)},
+    {"lumiFloodFillGetSize", roiQuery(lumiFloodFillGetSize)},
+    {"lumiFloodFillGetSize_Grad", roiQuery(lumiFloodFillGetSize_Grad)},
     {"lumiFloodFill_4Con_16u_C1IR", plain(lumiFloodFill_4Con_16u_C1IR)},
     {"lumiFloodFill_4Con_16u_C3IR", plain(lumiFloodFill_4Con_16u_C3IR)},
     {"lumiFloodFill_4Con_32f_C1IR", plain(lumiFloodFill_4Con_32f_C1IR)},

@@ -7,17 +7,12 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-using Query = LumStatus (*)(LumiSize, Lum32s*);
-
 // The norm stands in kernelSize, the labels in anchor and divisor; the number is the first block.
-Call labelCall(Choices& choices, const std::string& name, Query query, Lum32s limit)
+Call labelCall(Choices& choices, const std::string& name, RoiQuery query, Lum32s limit)
 {
     Call call = beginCall(choices, name);
-    Lum32s bytes = -1;
-    if (query(call.arguments.size(), &bytes) != lumOk || bytes < 0)
-        fail("the size query failed");
-    call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}, {Role::Scratch, std::size_t(bytes)}};
+    const std::size_t bytes = bytesOf(query, call);
+    call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}, {Role::Scratch, bytes}};
     Arguments& a = call.arguments;
     a.kernelSize = choices.between(0, 1);
     const Lum32s first[] = {1, 1, 2, 100, limit - 1};
@@ -37,7 +32,7 @@ Call labelCall(Choices& choices, const std::string& name, Query query, Lum32s li
 
 template <typename T>
 Run labelsInPlace(LumStatus (*label)(T*, Lum32s, LumiSize, Lum32s, Lum32s, LumiDistanceNorm, Lum32s*, Lum8u*),
-                  Query query)
+                  RoiQuery query)
 {
     return [=](Choices& choices, const std::string& name) {
         Call call = labelCall(choices, name, query, std::numeric_limits<T>::max());
@@ -61,20 +56,6 @@ void labels(Choices& choices, const std::string& name)
                                           a.anchor, a.divisor, a.kernelSize, a.block<Lum32s>(0), a.block<Lum8u>(1));
     };
     tryCall(choices, std::move(call));
-}
-
-Run labelsQuery(Query query)
-{
-    return [=](Choices& choices, const std::string& name) {
-        Call call = beginCall(choices, name);
-        call.violations.push_back({"many pixels", {lumErrSizeTooLarge}, [](Arguments& a) {
-                                       a.width = INT32_MAX;
-                                       a.height = INT32_MAX;
-                                   }});
-        call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
-        call.call = [=](const Arguments& a) { return query(a.size(), a.block<Lum32s>(0)); };
-        tryCall(choices, std::move(call));
-    };
 }
 
 // The norm stands in kernelSize, the largest speckle in anchor.
@@ -129,9 +110,9 @@ void specklesQuery(Choices& choices, const std::string& name)
 }
 
 const Targets targets{{
-    {"lumiLabelMarkersGetBufferSize_8u_C1R", labelsQuery(lumiLabelMarkersGetBufferSize_8u_C1R)},
-    {"lumiLabelMarkersGetBufferSize_16u_C1R", labelsQuery(lumiLabelMarkersGetBufferSize_16u_C1R)},
-    {"lumiLabelMarkersGetBufferSize_8u32s_C1R", labelsQuery(lumiLabelMarkersGetBufferSize_8u32s_C1R)},
+    {"lumiLabelMarkersGetBufferSize_8u_C1R", roiQuery(lumiLabelMarkersGetBufferSize_8u_C1R)},
+    {"lumiLabelMarkersGetBufferSize_16u_C1R", roiQuery(lumiLabelMarkersGetBufferSize_16u_C1R)},
+    {"lumiLabelMarkersGetBufferSize_8u32s_C1R", roiQuery(lumiLabelMarkersGetBufferSize_8u32s_C1R)},
     {"lumiLabelMarkers_8u_C1IR", labelsInPlace<Lum8u>(lumiLabelMarkers_8u_C1IR, lumiLabelMarkersGetBufferSize_8u_C1R)},
     {"lumiLabelMarkers_16u_C1IR",
      labelsInPlace<Lum16u>(lumiLabelMarkers_16u_C1IR, lumiLabelMarkersGetBufferSize_16u_C1R)},

@@ -5,9 +5,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-using Query = LumStatus (*)(LumiSize, Lum32s*);
-
 template <typename Height, typename Label>
 using Segment = LumStatus (*)(const Height*, Lum32s, Label*, Lum32s, LumiSize, Lum32u, LumiSegmentFlag, Lum8u*);
 
@@ -20,15 +17,13 @@ void addNorms(Call& call, std::initializer_list<int> wrong)
 }
 
 template <typename Height, typename Label>
-Call segmentCall(Choices& choices, const std::string& name, Query query, int channels)
+Call segmentCall(Choices& choices, const std::string& name, RoiQuery query, int channels)
 {
     Call call = beginCall(choices, name);
-    Lum32s bytes = -1;
-    if (query(call.arguments.size(), &bytes) != lumOk || bytes < 0)
-        fail("the size query failed");
+    const std::size_t bytes = bytesOf(query, call);
     call.images = {{Role::Read, elementOf<Height>(), channels}, {Role::Updated, elementOf<Label>()}};
     call.images[1].halfZero = !choices.oneIn(4);
-    call.blocks = {{Role::Scratch, std::size_t(bytes)}};
+    call.blocks = {{Role::Scratch, bytes}};
     const int boundaries[] = {0, 0, lumSegmentBound4, lumSegmentBound8, lumSegmentBound4 | lumSegmentBound8, 8 | 32};
     call.arguments.anchor = choices.oneOf(boundaries);
     return call;
@@ -44,7 +39,7 @@ void segment(Choices& choices, Call call, Segment<Height, Label> f)
     tryCall(choices, std::move(call));
 }
 
-Run gradient(Query query, Segment<Lum8u, Lum8u> f, int channels)
+Run gradient(RoiQuery query, Segment<Lum8u, Lum8u> f, int channels)
 {
     return [=](Choices& choices, const std::string& name) {
         Call call = segmentCall<Lum8u, Lum8u>(choices, name, query, channels);
@@ -55,7 +50,7 @@ Run gradient(Query query, Segment<Lum8u, Lum8u> f, int channels)
 }
 
 template <typename Height, typename Label>
-Run watershed(Query query, Segment<Height, Label> f)
+Run watershed(RoiQuery query, Segment<Height, Label> f)
 {
     return [=](Choices& choices, const std::string& name) {
         constexpr bool canFlood = sizeof(Height) == 1;
@@ -94,28 +89,14 @@ Run bound(LumStatus (*f)(Label*, Lum32s, LumiSize, Label, Lum32u))
     };
 }
 
-Run sizeQuery(Query query)
-{
-    return [=](Choices& choices, const std::string& name) {
-        Call call = beginCall(choices, name);
-        call.violations.push_back({"many pixels", {lumErrSizeTooLarge}, [](Arguments& a) {
-                                       a.width = INT32_MAX;
-                                       a.height = INT32_MAX;
-                                   }});
-        call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
-        call.call = [=](const Arguments& a) { return query(a.size(), a.block<Lum32s>(0)); };
-        tryCall(choices, std::move(call));
-    };
-}
-
 const Targets targets{{
-    {"lumiSegmentGradientGetBufferSize_8u_C1R", sizeQuery(lumiSegmentGradientGetBufferSize_8u_C1R)},
-    {"lumiSegmentGradientGetBufferSize_8u_C3R", sizeQuery(lumiSegmentGradientGetBufferSize_8u_C3R)},
+    {"lumiSegmentGradientGetBufferSize_8u_C1R", roiQuery(lumiSegmentGradientGetBufferSize_8u_C1R)},
+    {"lumiSegmentGradientGetBufferSize_8u_C3R", roiQuery(lumiSegmentGradientGetBufferSize_8u_C3R)},
     {"lumiSegmentGradient_8u_C1IR", gradient(lumiSegmentGradientGetBufferSize_8u_C1R, lumiSegmentGradient_8u_C1IR, 1)},
     {"lumiSegmentGradient_8u_C3IR", gradient(lumiSegmentGradientGetBufferSize_8u_C3R, lumiSegmentGradient_8u_C3IR, 3)},
-    {"lumiSegmentWatershedGetBufferSize_8u_C1R", sizeQuery(lumiSegmentWatershedGetBufferSize_8u_C1R)},
-    {"lumiSegmentWatershedGetBufferSize_8u16u_C1R", sizeQuery(lumiSegmentWatershedGetBufferSize_8u16u_C1R)},
-    {"lumiSegmentWatershedGetBufferSize_32f16u_C1R", sizeQuery(lumiSegmentWatershedGetBufferSize_32f16u_C1R)},
+    {"lumiSegmentWatershedGetBufferSize_8u_C1R", roiQuery(lumiSegmentWatershedGetBufferSize_8u_C1R)},
+    {"lumiSegmentWatershedGetBufferSize_8u16u_C1R", roiQuery(lumiSegmentWatershedGetBufferSize_8u16u_C1R)},
+    {"lumiSegmentWatershedGetBufferSize_32f16u_C1R", roiQuery(lumiSegmentWatershedGetBufferSize_32f16u_C1R)},
     {"lumiSegmentWatershed_8u_C1IR",
      watershed<Lum8u, Lum8u>(lumiSegmentWatershedGetBufferSize_8u_C1R, lumiSegmentWatershed_8u_C1IR)},
     {"lumiSegmentWatershed_8u16u_C1IR",

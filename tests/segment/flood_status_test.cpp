@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "segment/flood_fixture.hpp"
-#include "segment/size_query.hpp"
+#include "support/size_query.hpp"
 #include "support/status_order.hpp"
 #include "support/type_test.hpp"
 

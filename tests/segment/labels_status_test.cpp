@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "segment/labels_fixture.hpp"
-#include "segment/size_query.hpp"
 #include "support/isolated_rows.hpp"
+#include "support/size_query.hpp"
 #include "support/status_order.hpp"
 #include "support/type_test.hpp"
 
