@@ -9,25 +9,6 @@ namespace lumcv::test::watershed {
 namespace {
 
 constexpr int kFlags[] = {0, 64, 128, 192, 64 | 1, -1 & ~192};
-constexpr int kFlagCount = 6;
-
-template <class Form>
-void expectGeometry(const Geometry& geometry, int contents)
-{
-    Image<Lum8u> source(geometry.layout<Lum8u>(0, Form::channels));
-    Image<Lum8u> marker(geometry.layout<Lum8u>(1));
-    for (int i = 0; i < contents; ++i) {
-        const int number = geometry.number * contents + i;
-        draw(source, static_cast<Terrain>(number % kTerrains), static_cast<std::uint64_t>(number));
-        draw(marker, static_cast<Seeding>(number % kSeedings), static_cast<std::uint64_t>(number));
-        Call call;
-        call.norm = static_cast<unsigned>(number % 2);
-        call.flag = kFlags[number / 2 % kFlagCount];
-        call.guard = marker.layout().guard;
-        call.distance = static_cast<std::size_t>(number % 67);
-        expectSegments<Form>(source, marker, call);
-    }
-}
 
 using Forms = testing::Types<Gradient8uC1, Gradient8uC3>;
 TYPE_SUITE(Gradient, Forms);
@@ -35,28 +16,17 @@ TYPE_SUITE(GradientQuick, Forms);
 
 TYPE_TEST(GradientQuick, Sizes)
 {
-    forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5); });
+    forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5, 2, kFlags); });
 }
 
 TYPE_TEST(Gradient, Sizes)
 {
-    forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1); });
+    forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1, 2, kFlags); });
 }
 
 TYPE_TEST(Gradient, HigherImages)
 {
-    Geometry geometry;
-    for (const int height : {4, 6, 9, 17, 40}) {
-        for (const int width : {3, 4, 5, 8, 15, 16, 17, 18, 33, 34, 65, 70}) {
-            geometry.width = width;
-            geometry.height = height;
-            geometry.placement = geometry.number % 3;
-            SCOPED_TRACE(geometry);
-            expectGeometry<TypeParam>(geometry, 9);
-            ASSERT_FALSE(testing::Test::HasFailure());
-            ++geometry.number;
-        }
-    }
+    expectHigherImages<TypeParam>(2, kFlags);
 }
 
 TYPE_TEST(Gradient, EveryTerrainWithEverySeeding)

@@ -13,25 +13,6 @@ namespace {
 
 // bits that nobody knows change nothing
 constexpr int kFlags[] = {kByCost, kByCost | 64, kByCost | 128, kByCost | 192, kByCost | 0x7fffff3c, kByCost | 256};
-constexpr int kFlagCount = 6;
-
-template <class Form>
-void expectGeometry(const Geometry& geometry, int contents)
-{
-    Image<typename Form::Height> source(geometry.layout<typename Form::Height>(0));
-    Image<typename Form::Label> marker(geometry.layout<typename Form::Label>(1));
-    for (int i = 0; i < contents; ++i) {
-        const int number = geometry.number * contents + i;
-        draw(source, static_cast<Terrain>(number % kTerrains), static_cast<std::uint64_t>(number));
-        draw(marker, static_cast<Seeding>(number % kSeedings), static_cast<std::uint64_t>(number));
-        Call call;
-        call.norm = static_cast<unsigned>(number % 4);
-        call.flag = kFlags[number / 4 % kFlagCount];
-        call.guard = marker.layout().guard;
-        call.distance = static_cast<std::size_t>(number % 67);
-        expectSegments<Form>(source, marker, call);
-    }
-}
 
 using Forms = testing::Types<Watershed8u, Watershed8u16u, Watershed32f16u>;
 TYPE_SUITE(WatershedByCost, Forms);
@@ -39,28 +20,17 @@ TYPE_SUITE(WatershedByCostQuick, Forms);
 
 TYPE_TEST(WatershedByCostQuick, Sizes)
 {
-    forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5); });
+    forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5, 4, kFlags); });
 }
 
 TYPE_TEST(WatershedByCost, Sizes)
 {
-    forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1); });
+    forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1, 4, kFlags); });
 }
 
 TYPE_TEST(WatershedByCost, HigherImages)
 {
-    Geometry geometry;
-    for (const int height : {4, 6, 9, 17, 40}) {
-        for (const int width : {1, 2, 3, 4, 8, 15, 16, 17, 33, 65, 70}) {
-            geometry.width = width;
-            geometry.height = height;
-            geometry.placement = geometry.number % 3;
-            SCOPED_TRACE(geometry);
-            expectGeometry<TypeParam>(geometry, 9);
-            ASSERT_FALSE(testing::Test::HasFailure());
-            ++geometry.number;
-        }
-    }
+    expectHigherImages<TypeParam>(4, kFlags);
 }
 
 TYPE_TEST(WatershedByCost, EveryTerrainWithEverySeedingInEveryNorm)

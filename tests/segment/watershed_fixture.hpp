@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <ostream>
+#include <span>
 #include <type_traits>
 
 #include "segment/cost_sweep_reference.hpp"
@@ -15,6 +16,7 @@
 #include "support/compare.hpp"
 #include "support/placed_block.hpp"
 #include "support/placement.hpp"
+#include "support/sweep.hpp"
 
 namespace lumcv::test::watershed {
 
@@ -286,6 +288,44 @@ void expectSegments(const Image<typename Form::Height>& source, const Image<type
     EXPECT_TRUE(sameImage(expected, result)) << call << ", " << source.width() << " x " << source.height();
     EXPECT_TRUE(result.gapsIntact());
     EXPECT_TRUE(source.gapsIntact());
+}
+
+/// Terrains and seedings in turn, in as many calls as `contents` says, with each of the norms below `norms` and each of
+/// the flags.
+template <class Form>
+void expectGeometry(const Geometry& geometry, int contents, int norms, std::span<const int> flags)
+{
+    Image<typename Form::Height> source(geometry.layout<typename Form::Height>(0, Form::channels));
+    Image<typename Form::Label> marker(geometry.layout<typename Form::Label>(1));
+    for (int i = 0; i < contents; ++i) {
+        const int number = geometry.number * contents + i;
+        draw(source, static_cast<Terrain>(number % kTerrains), static_cast<std::uint64_t>(number));
+        draw(marker, static_cast<Seeding>(number % kSeedings), static_cast<std::uint64_t>(number));
+        Call call;
+        call.norm = static_cast<unsigned>(number % norms);
+        call.flag = flags[static_cast<std::size_t>(number / norms) % flags.size()];
+        call.guard = marker.layout().guard;
+        call.distance = static_cast<std::size_t>(number % 67);
+        expectSegments<Form>(source, marker, call);
+    }
+}
+
+/// The same for images of many rows.
+template <class Form>
+void expectHigherImages(int norms, std::span<const int> flags)
+{
+    Geometry geometry;
+    for (const int height : {4, 6, 9, 17, 40}) {
+        for (const int width : {1, 2, 3, 4, 5, 8, 15, 16, 17, 18, 33, 34, 65, 70}) {
+            geometry.width = width;
+            geometry.height = height;
+            geometry.placement = geometry.number % 3;
+            SCOPED_TRACE(geometry);
+            expectGeometry<Form>(geometry, 9, norms, flags);
+            ASSERT_FALSE(testing::Test::HasFailure());
+            ++geometry.number;
+        }
+    }
 }
 
 /// An image from the values of its pixels, row by row.

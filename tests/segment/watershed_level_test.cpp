@@ -17,25 +17,6 @@ constexpr int kFlags[] = {kByLevel,
                           kByLevel | 2,
                           kByLevel | 64 | 0x7fff03C,
                           kByLevel | 0x2000000};
-constexpr int kFlagCount = 8;
-
-template <class Form>
-void expectGeometry(const Geometry& geometry, int contents)
-{
-    Image<Lum8u> source(geometry.layout<Lum8u>(0));
-    Image<typename Form::Label> marker(geometry.layout<typename Form::Label>(1));
-    for (int i = 0; i < contents; ++i) {
-        const int number = geometry.number * contents + i;
-        draw(source, static_cast<Terrain>(number % kTerrains), static_cast<std::uint64_t>(number));
-        draw(marker, static_cast<Seeding>(number % kSeedings), static_cast<std::uint64_t>(number));
-        Call call;
-        call.norm = static_cast<unsigned>(number % 2);
-        call.flag = kFlags[number / 2 % kFlagCount];
-        call.guard = marker.layout().guard;
-        call.distance = static_cast<std::size_t>(number % 67);
-        expectSegments<Form>(source, marker, call);
-    }
-}
 
 using Forms = testing::Types<Watershed8u, Watershed8u16u>;
 TYPE_SUITE(WatershedByLevel, Forms);
@@ -43,28 +24,17 @@ TYPE_SUITE(WatershedByLevelQuick, Forms);
 
 TYPE_TEST(WatershedByLevelQuick, Sizes)
 {
-    forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5); });
+    forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 5, 2, kFlags); });
 }
 
 TYPE_TEST(WatershedByLevel, Sizes)
 {
-    forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1); });
+    forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 1, 2, kFlags); });
 }
 
 TYPE_TEST(WatershedByLevel, HigherImages)
 {
-    Geometry geometry;
-    for (const int height : {4, 6, 9, 17, 40}) {
-        for (const int width : {1, 2, 3, 4, 8, 15, 16, 17, 33, 65, 70}) {
-            geometry.width = width;
-            geometry.height = height;
-            geometry.placement = geometry.number % 3;
-            SCOPED_TRACE(geometry);
-            expectGeometry<TypeParam>(geometry, 9);
-            ASSERT_FALSE(testing::Test::HasFailure());
-            ++geometry.number;
-        }
-    }
+    expectHigherImages<TypeParam>(2, kFlags);
 }
 
 TYPE_TEST(WatershedByLevel, EveryTerrainWithEverySeeding)
