@@ -46,12 +46,12 @@ extern "C" {
  *    if the seed is in the last row, otherwise +1.
  * 2. The row `y - direction` of a span, if there is one, is scanned along the columns from `left` to `right`, and the
  *    row `y + direction`, in which the span was found, along those that its parent does not cover: from `left` to
- *    `parentLeft - 1`, then from `parentRight + 1` to `right`. With eight neighbours `left` and `right` stand for `left
- *    - 1` and `right + 1` here, as far as there are such columns. The first span has a parent without columns, from
+ *    `parentLeft - 1`, then from `parentRight + 1` to `right`. With eight neighbours `left` is one less here and
+ *    `right` one more, as far as there are such columns. The first span has a parent without columns, from
  *    `right + 1` to `right`.
  * 3. A pixel that passes in a scan is extended to a new span, and the scan goes on two columns behind its end. The new
- *    span is put on a stack. Its parent is the span of the scan, and its direction the same if it is in the row `y -
- *    direction`, otherwise the opposite.
+ *    span is put on a stack. Its parent is the span of the scan, and its direction the same if it has been found in the
+ *    row `y - direction`, otherwise the opposite.
  * 4. The span that was put on the stack last is taken from it and dealt with in the same way, until there is none.
  *
  * **Range** fills paint spans as soon as they are found. The new value may lie in the range; pixels that have been
@@ -412,7 +412,7 @@ LUMCV_API LumStatus lumiFloodFill_Range8Con_32f_C3IR(Lum32f* pImage, Lum32s imag
  * @retval lumErrNullPointer a pointer is null
  * @retval lumErrSize        the width or the height is below 1
  * @retval lumErrStep        `imageStep` is smaller than a row
- * @retval lumErrOutOfRange  the seed lies outside the ROI
+ * @retval lumErrOutOfRange  the seed lies outside the ROI; of floats also: a delta is below 0
  */
 LUMCV_API LumStatus lumiFloodFill_Grad4Con_8u_C1IR(Lum8u* pImage, Lum32s imageStep, LumiSize roiSize, LumiPoint seed,
                                                    Lum8u newVal, Lum8u minDelta, Lum8u maxDelta,
@@ -433,7 +433,6 @@ LUMCV_API LumStatus lumiFloodFill_Grad4Con_16u_C1IR(Lum16u* pImage, Lum32s image
  * one channel.
  * @copydetails lumiFloodFill_Grad4Con_8u_C1IR
  * @retval lumErrStepAlignment `imageStep` is not a multiple of 4
- * @retval lumErrOutOfRange also: a delta is below 0
  */
 LUMCV_API LumStatus lumiFloodFill_Grad4Con_32f_C1IR(Lum32f* pImage, Lum32s imageStep, LumiSize roiSize, LumiPoint seed,
                                                     Lum32f newVal, Lum32f minDelta, Lum32f maxDelta,
@@ -456,7 +455,7 @@ LUMCV_API LumStatus lumiFloodFill_Grad4Con_32f_C1IR(Lum32f* pImage, Lum32s image
  * @retval lumErrNullPointer a pointer is null
  * @retval lumErrSize        the width or the height is below 1
  * @retval lumErrStep        `imageStep` is smaller than a row
- * @retval lumErrOutOfRange  the seed lies outside the ROI
+ * @retval lumErrOutOfRange  the seed lies outside the ROI; of floats also: a delta is below 0
  */
 LUMCV_API LumStatus lumiFloodFill_Grad4Con_8u_C3IR(Lum8u* pImage, Lum32s imageStep, LumiSize roiSize, LumiPoint seed,
                                                    const Lum8u* pNewVal, const Lum8u* pMinDelta, const Lum8u* pMaxDelta,
@@ -478,7 +477,6 @@ LUMCV_API LumStatus lumiFloodFill_Grad4Con_16u_C3IR(Lum16u* pImage, Lum32s image
  * three channels.
  * @copydetails lumiFloodFill_Grad4Con_8u_C3IR
  * @retval lumErrStepAlignment `imageStep` is not a multiple of 4
- * @retval lumErrOutOfRange also: a delta is below 0
  */
 LUMCV_API LumStatus lumiFloodFill_Grad4Con_32f_C3IR(Lum32f* pImage, Lum32s imageStep, LumiSize roiSize, LumiPoint seed,
                                                     const Lum32f* pNewVal, const Lum32f* pMinDelta,
@@ -509,7 +507,6 @@ LUMCV_API LumStatus lumiFloodFill_Grad8Con_16u_C1IR(Lum16u* pImage, Lum32s image
  * one channel.
  * @copydetails lumiFloodFill_Grad4Con_8u_C1IR
  * @retval lumErrStepAlignment `imageStep` is not a multiple of 4
- * @retval lumErrOutOfRange also: a delta is below 0
  */
 LUMCV_API LumStatus lumiFloodFill_Grad8Con_32f_C1IR(Lum32f* pImage, Lum32s imageStep, LumiSize roiSize, LumiPoint seed,
                                                     Lum32f newVal, Lum32f minDelta, Lum32f maxDelta,
@@ -540,7 +537,6 @@ LUMCV_API LumStatus lumiFloodFill_Grad8Con_16u_C3IR(Lum16u* pImage, Lum32s image
  * three channels.
  * @copydetails lumiFloodFill_Grad4Con_8u_C3IR
  * @retval lumErrStepAlignment `imageStep` is not a multiple of 4
- * @retval lumErrOutOfRange also: a delta is below 0
  */
 LUMCV_API LumStatus lumiFloodFill_Grad8Con_32f_C3IR(Lum32f* pImage, Lum32s imageStep, LumiSize roiSize, LumiPoint seed,
                                                     const Lum32f* pNewVal, const Lum32f* pMinDelta,
