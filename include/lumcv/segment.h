@@ -645,9 +645,8 @@ LUMCV_API LumStatus lumiFloodFill_Grad8Con_32f_C3IR(Lum32f* pImage, Lum32s image
  * 3. #lumErrStep: a stride is smaller than a row.
  * 4. #lumErrStepAlignment: a stride is not a multiple of the size of an element.
  * 5. #lumErrMode: #lumSegmentByLevel for 32f heights.
- * 6. #lumErrArgument: a watershed is asked for with neither algorithm; or `norm` is above 1, for the sweep by cost
- * above
- *    3. If both algorithms are asked for, the flood by level is taken.
+ * 6. #lumErrArgument: a watershed is asked for with neither algorithm; or `norm` is above what the table above gives:
+ *    1, for the sweep by cost 3. If both algorithms are asked for, the flood by level is taken.
  *
  * This separates touching objects, given the distance of each pixel from the background, inverted, and a seed in each
  * object.
