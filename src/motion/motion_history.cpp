@@ -37,7 +37,14 @@ template <class T>
     for (int64_t y = 0; y < roiSize.height; ++y) {
         const T* const moves = silhouette.row(y);
         Lum32f* const stamps = history.row(y);
+        // the processor does not see a row's next page coming
+        const bool isLast = y + 1 == roiSize.height;
+        const int64_t ahead = isLast ? 0 : history.step, movesAhead = isLast ? 0 : silhouette.step;
         simd::eachOnce<lanesPerStep>(0, roiSize.width, [=](int64_t x, auto lanes) {
+            if constexpr (lanes > 1) {
+                simd::prefetch<lanes>(static_cast<const Lum32f*>(rowAt(stamps + x, ahead, 1)));
+                simd::prefetch<lanes>(rowAt(moves + x, movesAhead, 1));
+            }
             const auto zero = simd::broadcast<lanes>(0.0f);
             const auto before = simd::load<lanes>(stamps + x);
             const auto kept = simd::select(simd::less(before, simd::broadcast<lanes>(limit)), zero, before);
