@@ -1,5 +1,7 @@
 // A background model: a few weighted Gaussian modes for each pixel of colour video, which every frame updates and which
 // tell what belongs to the background, what is in front of it and what is a shadow.
+#include <cstring>
+
 #include "frame/block.hpp"
 #include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
@@ -70,6 +72,14 @@ Checks modelChecks(const void* pointer, LumiSize roiSize, Lum32s maxNGauss)
     return Checks{}.notNull(pointer).size(roiSize).require(maxNGauss >= 1, lumErrArgument);
 }
 
+/// A model may stand at any byte address.
+LumFGMMModel modelAt(const LumFGMMModel* pModel)
+{
+    LumFGMMModel model;
+    std::memcpy(&model, pModel, sizeof model);
+    return model;
+}
+
 void zeroBlock(Lum8u* block, Bytes bytes)
 {
     constexpr Lum32s most = 1 << 30;
@@ -89,7 +99,7 @@ LumStatus layState(LumiSize roiSize, Lum32s maxNGauss, const LumFGMMModel* pMode
     const int64_t pixels = int64_t{roiSize.width} * roiSize.height;
     state.size = widened(roiSize);
     state.capacity = maxNGauss;
-    state.model = *pModel;
+    state.model = modelAt(pModel);
     state.model.maxNGauss = static_cast<Lum32u>(maxNGauss);
     // counts and weights take no more than the 8 bytes that a mode has beside its group
     Room room(&state + 1, blockAlignment);
@@ -132,9 +142,10 @@ FrameRules rulesOf(const LumFGMMState& state, Lum64f learningRate)
         return checks.status();
     LumFGMMState& state = *alignedIn<LumFGMMState>(block);
     if (pModel) {
-        if (pModel->maxNGauss > state.capacity)
+        const LumFGMMModel model = modelAt(pModel);
+        if (model.maxNGauss > state.capacity)
             return lumErrArgument;
-        state.model = *pModel;
+        state.model = model;
     }
     ++state.frames;
     const FrameRules rules = rulesOf(state, learningRate);

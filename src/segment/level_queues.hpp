@@ -1,6 +1,7 @@
 // 256 queues of pixels, first in, first out, one for each level.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "lumcv/types.h"
@@ -57,10 +58,13 @@ class LevelQueues
         return pixel;
     }
 
-    /// The pixel that comes third after this one; at the end of a chunk or of the queue, any number.
+    /// The third pixel of a queue, to be asked for early; any number where a chunk or the queue ends before it.
     Lum32u guess(int level) const
     {
-        return head_[level][2];
+        const Lum32u* const head = head_[level];
+        constexpr uintptr_t lastWord = alignment - sizeof(Lum32u);
+        const auto* const last = reinterpret_cast<const Lum32u*>(reinterpret_cast<uintptr_t>(head) | lastWord);
+        return *std::min(head + 2, last);
     }
 
     /// The first level from this one on whose queue is not empty; `levels` if there is none.
