@@ -5,7 +5,6 @@
 // The format of the cascade is told in cascade.hpp, how the library is called in scan.cpp. The exit status is 0 on
 // success, also if nothing has been found, 1 if a file cannot be read or written or a call fails, and 2 for a wrong
 // command line.
-#include <charconv>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -15,6 +14,7 @@
 #include "program.hpp"
 #include "scan.hpp"
 #include "scene.hpp"
+#include "words.hpp"
 
 namespace {
 
@@ -32,14 +32,6 @@ struct Arguments
     detect::ScanOptions options;
 };
 
-template <typename T>
-bool take(std::string_view word, T least, T most, T& value)
-{
-    const char* last = word.data() + word.size();
-    const auto [end, error] = std::from_chars(word.data(), last, value);
-    return error == std::errc{} && end == last && value >= least && value <= most;
-}
-
 std::optional<Arguments> parse(int argc, char** argv)
 {
     Arguments arguments;
@@ -49,13 +41,13 @@ std::optional<Arguments> parse(int argc, char** argv)
         const std::string_view next = i + 1 < argc ? argv[i + 1] : "";
         bool good = true;
         if (word == "--smallest") {
-            good = take(next, 1, 1 << 20, arguments.options.smallest);
+            good = gallery::take(next, 1, 1 << 20, arguments.options.smallest);
             ++i;
         } else if (word == "--growth") {
-            good = take(next, 1.01, 2.0, arguments.options.growth);
+            good = gallery::take(next, 1.01, 2.0, arguments.options.growth);
             ++i;
         } else if (word == "--windows") {
-            good = take(next, 1, 1 << 20, arguments.options.fewestWindows);
+            good = gallery::take(next, 1, 1 << 20, arguments.options.fewestWindows);
             ++i;
         } else if (!word.starts_with("-") && files < std::size(arguments.files)) {
             arguments.files[files++] = word;

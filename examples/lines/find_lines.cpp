@@ -4,46 +4,23 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <string>
+#include <vector>
+
+#include "smooth.hpp"
 
 namespace lines {
 namespace {
 
+using gallery::check;
 using gallery::Picture;
 using Block = std::vector<Lum8u>;
 
 // cells of the plane of lines: one pixel, one degree
 constexpr LumiPointPolar cell = {1.0f, 0.0174532925f};
 
-void check(LumStatus status, const char* function)
-{
-    if (status != lumOk) {
-        throw gallery::Failure(std::string(function) + " returned the status " + std::to_string(status));
-    }
-}
-
 Block blockOf(Lum32s bytes)
 {
     return Block(static_cast<std::size_t>(bytes));
-}
-
-Picture smoothed(const Picture& gray)
-{
-    constexpr Lum32s taps = 5;
-    constexpr Lum32f sigma = 1.0f;
-    const LumiSize size = gray.size();
-    Lum32s specSize = 0, bufferSize = 0;
-    check(lumiFilterGaussianGetBufferSize(size, taps, lumType8u, 1, &specSize, &bufferSize),
-          "lumiFilterGaussianGetBufferSize");
-    Block block = blockOf(specSize), buffer = blockOf(bufferSize);
-    auto* const spec = reinterpret_cast<LumFilterGaussianSpec*>(block.data());
-    check(lumiFilterGaussianInit(size, taps, sigma, lumBorderReplicate, lumType8u, 1, spec, buffer.data()),
-          "lumiFilterGaussianInit");
-    Picture result(gray.width(), gray.height(), 1);
-    check(lumiFilterGaussian_8u_C1R(gray.pixels(), gray.step(), result.pixels(), result.step(), size,
-                                    lumBorderReplicate, nullptr, spec, buffer.data()),
-          "lumiFilterGaussian_8u_C1R");
-    return result;
 }
 
 // The query of the progressive transform stores the low 32 bits of a size that needs more.
@@ -70,7 +47,7 @@ bool isNear(const LumiPointPolar& a, const LumiPointPolar& b)
 
 Picture findEdges(const Picture& gray, const EdgeOptions& options)
 {
-    const Picture smooth = smoothed(gray);
+    const Picture smooth = gallery::smoothed(gray, 5, 1.0f);
     Lum32s bufferSize = 0;
     check(lumiCannyBorderGetSize(smooth.size(), lumFilterSobel, lumMask3x3, &bufferSize), "lumiCannyBorderGetSize");
     Block buffer = blockOf(bufferSize);

@@ -4,7 +4,6 @@
 //
 // How the library is called is told in find_lines.cpp. The exit status is 0 on success, also if nothing has been found,
 // 1 if a file cannot be read or written or a call fails, and 2 for a wrong command line.
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <optional>
@@ -16,6 +15,7 @@
 #include "program.hpp"
 #include "scene.hpp"
 #include "shapes.hpp"
+#include "words.hpp"
 
 namespace {
 
@@ -39,13 +39,6 @@ struct Arguments
     int strongest = 8;
 };
 
-bool take(std::string_view word, int least, int& value)
-{
-    const char* last = word.data() + word.size();
-    const auto [end, error] = std::from_chars(word.data(), last, value);
-    return error == std::errc{} && end == last && value >= least && value <= 10000;
-}
-
 std::optional<Arguments> parse(int argc, char** argv)
 {
     Arguments arguments;
@@ -67,7 +60,7 @@ std::optional<Arguments> parse(int argc, char** argv)
         bool good = false;
         for (const auto& option : options) {
             if (word == option.name && i + 1 < argc) {
-                good = take(argv[++i], option.least, option.value);
+                good = gallery::take(argv[++i], option.least, 10000, option.value);
                 break;
             }
         }

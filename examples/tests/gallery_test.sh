@@ -32,7 +32,11 @@ check_page()
         lumiCannyBorder_8u_C1R lumiFastN_8u_C1R lumiHoughLine_8u32f_C1R lumiHoughProbLine_8u32f_C1R \
         lumiPyramidLayerDown_8u_C1R lumiPyramidLayerUp_8u_C1R lumiOpticalFlowPyrLK_8u_C1R \
         lumiDistanceTransform_3x3_8u32f_C1R lumiDistanceTransform_5x5_8u32f_C1R lumiTrueDistanceTransform_8u32f_C1R \
-        lumiFastMarching_8u32f_C1R lumiInpaint_8u_C3R; do
+        lumiFastMarching_8u32f_C1R lumiInpaint_8u_C3R lumiFloodFill_Range8Con_8u_C3IR lumiFloodFill_Grad8Con_8u_C3IR \
+        lumiLabelMarkers_8u32s_C1R lumiSegmentWatershed_8u16u_C1IR lumiMarkSpeckles_8u_C1IR \
+        lumiFGMMForeground_8u_C3R lumiFGMMBackground_8u_C3R lumiUpdateMotionHistory_8u32f_C1IR \
+        lumiUndistortRadial_8u_C3R lumiCreateMapCameraUndistort_32f_C1R lumiCopySubpix_8u_C1R \
+        lumiCopySubpixIntersect_8u_C1R lumiSampleLine_8u_C3R lumiGradientColorToGray_8u_C3C1R; do
         grep -q "<summary>[^<]*$file" "$folder/index.html" || fail "$file is not on the page"
     done
 }

@@ -1,6 +1,5 @@
 #include "film.hpp"
 
-#include <algorithm>
 #include <cmath>
 
 #include "scene.hpp"
@@ -9,26 +8,6 @@
 namespace track {
 
 using gallery::Picture;
-
-std::vector<std::filesystem::path> framesOf(const std::filesystem::path& folder)
-{
-    std::error_code error;
-    std::vector<std::filesystem::path> files;
-    for (auto entry = std::filesystem::directory_iterator(folder, error);
-         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        if (entry->path().extension() == ".png") {
-            files.push_back(entry->path());
-        }
-    }
-    if (error) {
-        throw gallery::Failure("cannot read the folder '" + folder.string() + "': " + error.message());
-    }
-    if (files.empty()) {
-        throw gallery::Failure("the folder '" + folder.string() + "' holds no PNG files");
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
 
 MovingScene::MovingScene(int frames) : frames_(frames), scene_(gallery::drawScene()) {}
 

@@ -4,24 +4,25 @@
 //
 // How the library is called is in tracker.cpp. The exit status is 0 on success, 1 if a file cannot be read or written
 // or a call fails, and 2 for a wrong command line.
-#include <charconv>
 #include <cstdio>
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "film.hpp"
+#include "frames.hpp"
 #include "png_file.hpp"
 #include "program.hpp"
 #include "scene.hpp"
 #include "shapes.hpp"
 #include "tracker.hpp"
+#include "words.hpp"
 
 namespace {
 
 using gallery::Picture;
+using gallery::take;
 
 constexpr const char* usage =
     "usage: track [--from FOLDER] [--frames COUNT] [--corners COUNT] [--window PIXELS] [--plain FOLDER] FOLDER\n"
@@ -43,19 +44,6 @@ struct Arguments
     int frames = 24;
     track::TrackOptions options;
 };
-
-bool take(std::string_view word, int least, int most, int& value)
-{
-    const char* last = word.data() + word.size();
-    const auto [end, error] = std::from_chars(word.data(), last, value);
-    return error == std::errc{} && end == last && value >= least && value <= most;
-}
-
-bool take(std::string_view word, std::string& value)
-{
-    value = word;
-    return !word.empty();
-}
 
 std::optional<Arguments> parse(int argc, char** argv)
 {
@@ -89,22 +77,6 @@ std::optional<Arguments> parse(int argc, char** argv)
     return arguments;
 }
 
-void makeFolder(const std::string& folder)
-{
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) {
-        throw gallery::Failure("cannot make the folder '" + folder + "': " + error.message());
-    }
-}
-
-std::filesystem::path fileOf(const std::string& folder, int frame)
-{
-    char name[32];
-    std::snprintf(name, sizeof name, "frame-%04d.png", frame);
-    return std::filesystem::path(folder) / name;
-}
-
 // A colour of its own for each of a few neighbours in the list; lost ones are gray with a red cross.
 void draw(Picture& frame, const std::vector<track::Track>& tracks)
 {
@@ -134,7 +106,7 @@ void run(const Arguments& arguments)
     if (arguments.from.empty()) {
         frameAt = [scene = track::MovingScene(count)](int i) { return scene.frame(i); };
     } else {
-        const auto files = track::framesOf(arguments.from);
+        const auto files = gallery::framesOf(arguments.from);
         count = std::min(count, static_cast<int>(files.size()));
         frameAt = [files](int i) { return gallery::readPng(files[static_cast<std::size_t>(i)]); };
     }
@@ -142,9 +114,9 @@ void run(const Arguments& arguments)
     Picture frame = frameAt(0);
     const LumiSize size = frame.size();
     track::Tracker tracker(gallery::grayOf(frame), arguments.options);
-    makeFolder(arguments.to);
+    gallery::makeFolder(arguments.to);
     if (!arguments.plain.empty()) {
-        makeFolder(arguments.plain);
+        gallery::makeFolder(arguments.plain);
     }
     for (int i = 0; i < count; ++i) {
         if (i > 0) {
@@ -155,10 +127,10 @@ void run(const Arguments& arguments)
             tracker.follow(gallery::grayOf(frame));
         }
         if (!arguments.plain.empty()) {
-            gallery::writePng(fileOf(arguments.plain, i), frame);
+            gallery::writePng(gallery::frameFile(arguments.plain, "frame", i), frame);
         }
         draw(frame, tracker.tracks());
-        gallery::writePng(fileOf(arguments.to, i), frame);
+        gallery::writePng(gallery::frameFile(arguments.to, "frame", i), frame);
     }
     for (const track::Track& track : tracker.tracks()) {
         const track::Point first = track.path.front(), last = track.path.back();

@@ -7,8 +7,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename T, typename Weight>
 using Transform = LumStatus (*)(const Lum8u*, Lum32s, T*, Lum32s, LumiSize, const Weight*);
 

@@ -8,7 +8,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
 using Init = LumStatus (*)(LumiInpaintState**, const Lum32f*, Lum32s, const Lum8u*, Lum32s, LumiSize, Lum32f,
                            LumiInpaintMethod, Lum8u*, Lum8u*);
 using Apply = LumStatus (*)(const Lum8u*, Lum32s, Lum8u*, Lum32s, LumiSize, LumiInpaintState*, Lum8u*);

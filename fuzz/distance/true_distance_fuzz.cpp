@@ -5,17 +5,12 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-using Query = LumStatus (*)(LumiSize, Lum32s*);
-
-Call distanceCall(Choices& choices, const std::string& name, Query query)
+Call distanceCall(Choices& choices, const std::string& name, RoiQuery query)
 {
     Call call = beginCall(choices, name);
-    Lum32s bytes = -1;
-    if (query(call.arguments.size(), &bytes) != lumOk || bytes < 0)
-        fail("the size query failed");
+    const std::size_t bytes = bytesOf(query, call);
     call.images = {{Role::Mask, Element::U8}, {Role::Written, Element::F32}};
-    call.blocks = {{Role::Scratch, std::size_t(bytes)}};
+    call.blocks = {{Role::Scratch, bytes}};
     return call;
 }
 
@@ -44,24 +39,10 @@ void marching(Choices& choices, const std::string& name)
     tryCall(choices, std::move(call));
 }
 
-Run sizeQuery(Query query)
-{
-    return [=](Choices& choices, const std::string& name) {
-        Call call = beginCall(choices, name);
-        call.violations.push_back({"many pixels", {lumErrSizeTooLarge}, [](Arguments& a) {
-                                       a.width = INT32_MAX;
-                                       a.height = INT32_MAX;
-                                   }});
-        call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
-        call.call = [=](const Arguments& a) { return query(a.size(), a.block<Lum32s>(0)); };
-        tryCall(choices, std::move(call));
-    };
-}
-
 const Targets targets{{
-    {"lumiTrueDistanceTransformGetBufferSize_8u32f_C1R", sizeQuery(lumiTrueDistanceTransformGetBufferSize_8u32f_C1R)},
+    {"lumiTrueDistanceTransformGetBufferSize_8u32f_C1R", roiQuery(lumiTrueDistanceTransformGetBufferSize_8u32f_C1R)},
     {"lumiTrueDistanceTransform_8u32f_C1R", exact},
-    {"lumiFastMarchingGetBufferSize_8u32f_C1R", sizeQuery(lumiFastMarchingGetBufferSize_8u32f_C1R)},
+    {"lumiFastMarchingGetBufferSize_8u32f_C1R", roiQuery(lumiFastMarchingGetBufferSize_8u32f_C1R)},
     {"lumiFastMarching_8u32f_C1R", marching},
 }};
 

@@ -9,8 +9,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 struct Thresholds
 {
     Lum32f low, high;

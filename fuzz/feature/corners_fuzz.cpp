@@ -8,8 +8,6 @@ namespace {
 using namespace lumcv::fuzz;
 using lumcv::test::Margins;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename Number>
 void addWrong(Call& call, const std::string& name, std::initializer_list<Number> numbers, LumStatus status,
               Number Arguments::*number)

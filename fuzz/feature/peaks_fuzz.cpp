@@ -8,7 +8,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
 using Query = LumStatus (*)(Lum32s, Lum32s*);
 
 template <typename T>

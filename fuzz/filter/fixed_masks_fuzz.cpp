@@ -7,8 +7,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename S, typename D>
 using Filter = LumStatus (*)(const S*, Lum32s, D*, Lum32s, LumiSize, LumiMaskSize, LumiBorderType, S, Lum8u*);
 

@@ -8,8 +8,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename T>
 constexpr LumDataType typeCode()
 {

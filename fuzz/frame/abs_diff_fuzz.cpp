@@ -5,8 +5,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename T>
 Run difference(LumStatus (*f)(const T*, Lum32s, const T*, Lum32s, T*, Lum32s, LumiSize), int channels = 1)
 {

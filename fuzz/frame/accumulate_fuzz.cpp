@@ -13,8 +13,6 @@ ImageOperand read()
 
 const ImageOperand mask{Role::Mask, Element::U8}, accumulator{Role::Updated, Element::F32};
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 Run target(std::vector<ImageOperand> images, std::function<LumStatus(const Arguments&)> function)
 {
     return [=](Choices& choices, const std::string& name) {

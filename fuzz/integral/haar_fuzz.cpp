@@ -9,8 +9,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename W>
 using Init = LumStatus (*)(LumiHaarStageRecord*, const LumiRect*, const W*, const W*, const W*, const W*, const Lum32s*,
                            Lum32s);

@@ -5,8 +5,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 struct Mask
 {
     LumiSize size;

@@ -6,8 +6,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename Height>
 using Init = LumStatus (*)(LumiMorphGrayRecord*, LumiSize, const Height*, LumiSize, LumiPoint);
 

@@ -6,8 +6,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 using Init = LumStatus (*)(LumOptFlowPyrLKState**, LumiSize, Lum32s, Lum32s, Lum8u*);
 using Apply = LumStatus (*)(const LumiPyramidRecord*, const LumiPyramidRecord*, const Lum32f*, Lum32f*, Lum8s*, Lum32f*,
                             Lum32s, Lum32s, Lum32s, Lum32s, Lum32f, LumOptFlowPyrLKState*);

@@ -11,8 +11,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename T>
 using Tap = std::conditional_t<std::is_same_v<T, Lum32f>, Lum32f, Lum16s>;
 

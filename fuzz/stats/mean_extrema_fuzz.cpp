@@ -5,8 +5,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 // The part that all of them share: a source of one channel or three, perhaps a mask, perhaps a channel of interest.
 template <typename T>
 Call chooseCall(Choices& choices, const std::string& name, bool masked, bool ofInterest)

@@ -9,8 +9,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-using Run = std::function<void(Choices&, const std::string&)>;
-
 template <typename T>
 using Norm = LumStatus (*)(const T*, Lum32s, const Lum8u*, Lum32s, LumiSize, Lum64f*);
 template <typename T>

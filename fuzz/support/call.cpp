@@ -421,6 +421,28 @@ Call beginCall(Choices& choices, const std::string& name)
     return call;
 }
 
+Run roiQuery(RoiQuery query)
+{
+    return [=](Choices& choices, const std::string& name) {
+        Call call = beginCall(choices, name);
+        call.violations.push_back({"many pixels", {lumErrSizeTooLarge}, [](Arguments& a) {
+                                       a.width = INT32_MAX;
+                                       a.height = INT32_MAX;
+                                   }});
+        call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
+        call.call = [=](const Arguments& a) { return query(a.size(), a.block<Lum32s>(0)); };
+        tryCall(choices, std::move(call));
+    };
+}
+
+std::size_t bytesOf(RoiQuery query, const Call& call)
+{
+    Lum32s bytes = -1;
+    if (query(call.arguments.size(), &bytes) != lumOk || bytes < 0)
+        fail("the size query failed");
+    return std::size_t(bytes);
+}
+
 int chooseDivisor(Choices& choices)
 {
     const int divisors[] = {1, 1, 1, -1, 2, 3, 16, 256, 1000, -7, 32767, INT32_MAX, INT32_MIN};

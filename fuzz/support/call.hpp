@@ -172,12 +172,21 @@ int chooseDivisor(Choices& choices);
 int chooseBorder(Choices& choices);
 int chooseWrongBorder(Choices& choices);
 
-// A function to be fuzzed: makes one case of it.
+// Makes one case of a function.
+using Run = std::function<void(Choices&, const std::string& function)>;
+
+// A function to be fuzzed.
 struct Target
 {
     std::string function;
-    std::function<void(Choices&, const std::string& function)> run;
+    Run run;
 };
+
+// What many scratch queries look like: the size of the ROI alone decides, and may ask for more than 31 bits count.
+using RoiQuery = LumStatus (*)(LumiSize, Lum32s*);
+Run roiQuery(RoiQuery query);
+// The size that it gives for the ROI of a call.
+std::size_t bytesOf(RoiQuery query, const Call& call);
 
 // The targets of one file. A global object of this type enters them into the list.
 class Targets

@@ -11,9 +11,12 @@
 #include "feature.h"
 #include "filter.h"
 #include "frame.h"
+#include "geometry.h"
 #include "integral.h"
 #include "morph.h"
+#include "motion.h"
 #include "pyramid.h"
+#include "segment.h"
 #include "stats.h"
 #include "types.h"
 

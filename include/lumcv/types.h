@@ -48,6 +48,13 @@ typedef struct LumiPoint
     Lum32s y; /**< row */
 } LumiPoint;
 
+/** A place between pixels: column and row. */
+typedef struct LumiPoint32f
+{
+    Lum32f x; /**< column */
+    Lum32f y; /**< row */
+} LumiPoint32f;
+
 /** A pixel's place for the 64-bit entry points. */
 typedef struct LumiPointL
 {

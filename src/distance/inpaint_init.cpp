@@ -3,6 +3,7 @@
 
 #include "distance/inpaint_state.hpp"
 #include "frame/checks.hpp"
+#include "frame/room.hpp"
 #include "simd/simd.hpp"
 
 namespace lumcv {
@@ -172,23 +173,17 @@ LumStatus layState(LumiInpaintState& state, Lum8u* storage, const InpaintGeometr
     state.gradientStride = padded(4 * state.channels * geometry.width);
     state.normalStride = state.method == lumInpaintByFront ? state.distanceStride : 0;
 
-    Lum8u* next = storage;
-    const auto take = [&next](Bytes bytes) {
-        Lum8u* const taken = next;
-        next += static_cast<int64_t>(bytes);
-        return taken;
-    };
-    const Bytes n = geometry.side(), h = geometry.height;
-    state.pSpecWide = reinterpret_cast<LumiMorphMaskRecord*>(take(roundedUp(sizes.wideSpec, 16)));
-    state.pSpecCross = reinterpret_cast<LumiMorphMaskRecord*>(take(roundedUp(sizes.crossSpec, 16)));
-    next = alignedUp(next, inpaintAlignment);
-    state.pNeighbours = reinterpret_cast<InpaintNeighbour*>(take(padded(inpaintNeighbourBytes * n * n)));
-    state.pOrder = reinterpret_cast<InpaintEntry*>(take(padded(8 * Bytes{state.count})));
-    state.pMaskImage = take(state.maskStride * h);
-    state.pWorkImage = take(state.maskStride * h);
-    state.pDistance = reinterpret_cast<Lum32f*>(take(state.distanceStride * h));
-    state.pGradient = reinterpret_cast<Lum16s*>(take(state.gradientStride * h));
-    state.pNormal = reinterpret_cast<Lum16s*>(take(state.normalStride * h));
+    Room room(storage, inpaintAlignment);
+    const auto n = static_cast<int64_t>(geometry.side()), h = int64_t{geometry.height};
+    state.pSpecWide = reinterpret_cast<LumiMorphMaskRecord*>(room.take<Lum8u>(sizes.wideSpec, 8));
+    state.pSpecCross = reinterpret_cast<LumiMorphMaskRecord*>(room.take<Lum8u>(sizes.crossSpec, 8));
+    state.pNeighbours = reinterpret_cast<InpaintNeighbour*>(room.take<Lum8u>(inpaintNeighbourBytes * n * n));
+    state.pOrder = room.take<InpaintEntry>(state.count);
+    state.pMaskImage = room.take<Lum8u>(state.maskStride * h);
+    state.pWorkImage = room.take<Lum8u>(state.maskStride * h);
+    state.pDistance = reinterpret_cast<Lum32f*>(room.take<Lum8u>(state.distanceStride * h));
+    state.pGradient = reinterpret_cast<Lum16s*>(room.take<Lum8u>(state.gradientStride * h));
+    state.pNormal = reinterpret_cast<Lum16s*>(room.take<Lum8u>(state.normalStride * h));
 
     // the element is not needed once it has been analysed, and Init needs no other scratch: with a radius between two
     // whole numbers it has more than n * n positions

@@ -5,7 +5,7 @@
 #include "distance/transform_checks.hpp"
 #include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
-#include "frame/rounding.hpp"
+#include "frame/room.hpp"
 #include "lumcv/distance.h"
 #include "simd/simd.hpp"
 
@@ -52,22 +52,17 @@ struct RowScratch
 
     RowScratch(Lum8u* pBuffer, int64_t width)
     {
-        auto* next = reinterpret_cast<Lum32f*>(alignedUp(pBuffer, alignof(Lum32f)));
-        const auto take = [&](int64_t count) {
-            Lum32f* const taken = next;
-            next += count;
-            return taken;
-        };
-        squares = take(width);
-        reciprocals = take(width);
-        below = reinterpret_cast<Lum32s*>(take(width));
-        heights = take(width);
-        sums = take(width);
-        owners = reinterpret_cast<Lum32s*>(take(width));
-        starts = take(width + 1);
-        takers = reinterpret_cast<Lum32s*>(take(width));
-        vertices = take(width);
-        bases = take(width);
+        Room room(pBuffer);
+        squares = room.take<Lum32f>(width);
+        reciprocals = room.take<Lum32f>(width);
+        below = room.take<Lum32s>(width);
+        heights = room.take<Lum32f>(width);
+        sums = room.take<Lum32f>(width);
+        owners = room.take<Lum32s>(width);
+        starts = room.take<Lum32f>(width + 1);
+        takers = room.take<Lum32s>(width);
+        vertices = room.take<Lum32f>(width);
+        bases = room.take<Lum32f>(width);
         for (int64_t k = 0; k < width; ++k) {
             const auto number = static_cast<Lum32f>(k);
             squares[k] = number * number;

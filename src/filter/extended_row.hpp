@@ -9,7 +9,7 @@ namespace lumcv {
 
 /// Converts n elements, each value kept.
 template <class T, class Out>
-[[gnu::flatten]] inline void convertElements(const T* from, int64_t n, Out* to)
+[[gnu::flatten, gnu::noinline]] inline void convertElements(const T* from, int64_t n, Out* to)
 {
     simd::eachAtLeastOnce<64>(0, n, [&](int64_t x, auto lanes) {
         if constexpr (std::is_same_v<T, Out>)
@@ -47,7 +47,7 @@ struct ExtendedRow
     /// Copies the pixels [begin, end), converted to Out. The range meets the ROI or a side in memory, or lies beyond
     /// one end.
     template <class Out>
-    void read(int64_t begin, int64_t end, Out* to) const
+    [[gnu::noinline]] void read(int64_t begin, int64_t end, Out* to) const
     {
         const int64_t first = readableFrom(begin) < end ? readableFrom(begin) : end;
         const int64_t last = readableTo(end) > first ? readableTo(end) : first;

@@ -108,8 +108,9 @@ struct Extremes
     }
 };
 
-template <class Kept, int size, int channels, class T>
-[[gnu::always_inline]] inline Kept window(const T* first)
+/// Of pixels that are `channels` elements apart.
+template <class Kept, int size, class T>
+[[gnu::always_inline]] inline Kept window(const T* first, int64_t channels)
 {
     Kept kept = Kept::ofPixels(first);
     for (int i = 1; i < size; ++i)
@@ -131,17 +132,17 @@ template <int N, int carriedVectors, class T, class Body>
 
 /// What a square of `size` carries for each vector: place i holds what is kept of the last size - 1 - i rows of
 /// windows. These are the first of them.
-template <class Kept, int size, int channels, class T>
-[[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, T* carried, int64_t n)
+template <class Kept, int size, class T>
+[[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, int64_t channels, T* carried, int64_t n)
 {
     constexpr int place = Kept::vectors * Kept::N;
     const int64_t step = src.step;
     const T* const first = src.pixels;
     eachCarrying<Kept::N, Kept::vectors*(size - 1)>(n, carried, [=](int64_t x, T* places) {
-        Kept above = window<Kept, size, channels>(rowAt(first + x, step, size - 2));
+        Kept above = window<Kept, size>(rowAt(first + x, step, size - 2), channels);
         above.carry(places + (size - 2) * place);
         for (int i = size - 3; i >= 0; --i) {
-            above = joined(window<Kept, size, channels>(rowAt(first + x, step, i)), above);
+            above = joined(window<Kept, size>(rowAt(first + x, step, i), channels), above);
             above.carry(places + i * place);
         }
     });
@@ -149,9 +150,9 @@ template <class Kept, int size, int channels, class T>
 
 /// Computes `rows` output rows from as many new rows, of which `src` is the first window, and what is carried; replaces
 /// that by the new rows if these are enough. The rows that many further on are asked for.
-template <class Kept, int size, int channels, int rows, class Result, class T>
-[[gnu::flatten, gnu::noinline]] void advance(Result result, Plane<const T> src, Plane<T> dst, T* carried, int64_t n,
-                                             int64_t rowsAhead)
+template <class Kept, int size, int rows, class Result, class T>
+[[gnu::flatten, gnu::noinline]] void advance(Result result, Plane<const T> src, int64_t channels, Plane<T> dst,
+                                             T* carried, int64_t n, int64_t rowsAhead)
 {
     constexpr int N = Kept::N;
     constexpr int place = Kept::vectors * N;
@@ -167,7 +168,7 @@ template <class Kept, int size, int channels, int rows, class Result, class T>
             T* const to = rowAt(dstFirst + x, dstStep, i);
             simd::prefetch<N>(rowAt(first, srcAhead, 1));
             simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
-            fresh[i] = window<Kept, size, channels>(first);
+            fresh[i] = window<Kept, size>(first, channels);
             below = i == 0 ? fresh[0] : joined(below, fresh[i]);
             simd::store(to, result(joined(Kept::carriedAt(places + i * place), below)));
         }
@@ -194,11 +195,12 @@ int64_t squareBand(int64_t elements, int64_t carriedVectors, Scratch scratch)
     return band >= widestVector && carriedBytes <= scratch.bytes ? band : 0;
 }
 
-template <class Kept, int size, int channels, class Result, class T>
+template <class Kept, int size, class Result, class T>
 void square(Result result, Area<T> area, int64_t band, Scratch scratch)
 {
     constexpr int radius = size / 2;
     constexpr int step = size - 1;
+    const int64_t channels = area.channels;
     T* const carried = reinterpret_cast<T*>(scratch.begin);
     for (int64_t end = 0; end < area.elements;) {
         const int64_t begin = end + band <= area.elements ? end : area.elements - band;
@@ -207,15 +209,15 @@ void square(Result result, Area<T> area, int64_t band, Scratch scratch)
         const Plane<T> dst{area.dst.pixels + begin, area.dst.step};
         const auto srcFrom = [&](int64_t y) { return Plane<const T>{src.row(y), src.step}; };
         const auto dstFrom = [&](int64_t y) { return Plane<T>{dst.row(y), dst.step}; };
-        beginCarrying<Kept, size, channels>(src, carried, band);
+        beginCarrying<Kept, size>(src, channels, carried, band);
         int64_t y = 0;
         for (; y + step <= area.height; y += step) {
             const int64_t ahead = y + 2 * step <= area.height ? step : 0;
-            advance<Kept, size, channels, step>(result, srcFrom(y + step), dstFrom(y), carried, band, ahead);
+            advance<Kept, size, step>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, ahead);
         }
         const auto rest = [&]<int rows>(simd::Lanes<rows>) {
             if (area.height - y == rows)
-                advance<Kept, size, channels, rows>(result, srcFrom(y + step), dstFrom(y), carried, band, 0);
+                advance<Kept, size, rows>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, 0);
         };
         rest(simd::Lanes<1>{});
         if constexpr (step > 2) {
@@ -232,14 +234,7 @@ bool smallSquare(Result result, Area<T> area, Scratch scratch)
     const int64_t band = squareBand<T>(area.elements, Kept::vectors * (size - 1), scratch);
     if (band == 0)
         return false;
-    if (area.channels == 1)
-        square<Kept, size, 1>(result, area, band, scratch);
-    if constexpr (!std::is_same_v<T, Lum16u> && !std::is_same_v<T, Lum16s>) {
-        if (area.channels == 3)
-            square<Kept, size, 3>(result, area, band, scratch);
-        if (area.channels == 4)
-            square<Kept, size, 4>(result, area, band, scratch);
-    }
+    square<Kept, size>(result, area, band, scratch);
     return true;
 }
 

@@ -34,7 +34,7 @@ class LayerDown
           slots_(std::min<int64_t>(kernelSize_, srcRoi.height)),
           elements_((isEverySecond_ ? dstRoi.width : srcRoi.width) * channels),
           pitch_(rowPitch<Sample>(elements_)),
-          room_(record.room),
+          room_(record.room, rowAlignment),
           rows_(room_.take<const Sample*>(kernelSize_)),
           ring_(room_.take<Sample>(slots_ * pitch_)),
           extended_(room_.take<Input>((srcRoi.width + 2 * reach_ + 2) * channels))

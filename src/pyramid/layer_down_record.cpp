@@ -64,7 +64,7 @@ LumStatus layLayerDown(LumiPyramidLayerDownRecord** ppState, Size srcRoi, Lum32f
     if (layerChecks(checks, srcRoi, rate, kernelSize).failed())
         return checks.status();
 
-    Room room(pStateMem);
+    Room room(pStateMem, rowAlignment);
     auto* const record = room.take<LumiPyramidLayerDownRecord>(1, recordAlignment);
     auto* const taps = room.take<LayerTap<T>>(kernelSize, tapAlignment);
     normaliseKernel(pKernel, kernelSize, taps);

@@ -30,7 +30,7 @@ class LayerUp
           slots_(record.mostWeights),
           elements_(dstRoi.width * channels),
           pitch_(rowPitch<Lum32f>(elements_)),
-          room_(record.room),
+          room_(record.room, rowAlignment),
           ring_(room_.take<Lum32f>(slots_ * pitch_)),
           extended_(room_.take<Lum32f>((srcRoi.width + 2 * record.mostWeights) * channels))
     {
@@ -176,7 +176,7 @@ LumStatus layerUp(Plane<const T> src, Size srcRoi, Plane<T> dst, Size dstRoi, co
         return lumErrSize;
     if constexpr (std::is_integral_v<T>)
         if (pState->isBinomial) {
-            binomialUp<channels>(src, from, dst, to, Room(pState->room));
+            binomialUp<channels>(src, from, dst, to, Room(pState->room, rowAlignment));
             return lumOk;
         }
     LayerUp<T, channels>(*pState, src, from, dst, to).run();

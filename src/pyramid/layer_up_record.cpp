@@ -89,7 +89,7 @@ LumStatus layLayerUp(LumiPyramidLayerUpRecord** ppState, Size srcRoi, Lum32f rat
 
     const int64_t mostWeights = mostWeightsOf(kernelSize, rate);
     const int64_t side = longestSide({srcRoi.width, srcRoi.height}, rate);
-    Room room(pStateMem);
+    Room room(pStateMem, rowAlignment);
     auto* const record = room.take<LumiPyramidLayerUpRecord>(1, recordAlignment);
     auto* const taps = room.take<LayerTap<T>>(kernelSize, tapAlignment);
     auto* const firsts = room.take<Lum32s>(side);

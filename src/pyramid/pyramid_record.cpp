@@ -5,7 +5,7 @@
 
 #include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
-#include "frame/rounding.hpp"
+#include "frame/room.hpp"
 #include "lumcv/pyramid.h"
 #include "pyramid/level_sizes.hpp"
 
@@ -31,15 +31,6 @@ LumStatus pyramidSizes(Count* pPyrSize, Count* pBufSize, Lum32s level, Size roiS
                       Bytes{8} * std::max(size.width, size.height), pBufSize);
 }
 
-/// An array at the next multiple of 8; `place` moves behind it.
-template <class T>
-T* carved(Lum8u*& place, int64_t count)
-{
-    auto* const array = reinterpret_cast<T*>(alignedUp(place, 8));
-    place = reinterpret_cast<Lum8u*>(array + count);
-    return array;
-}
-
 template <class Size>
 LumStatus layPyramid(LumiPyramidRecord** ppPyr, Lum32s level, Size roiSize, Lum32f rate, Lum8u* pPyrMem,
                      const Lum8u* pBuffer)
@@ -52,11 +43,11 @@ LumStatus layPyramid(LumiPyramidRecord** ppPyr, Lum32s level, Size roiSize, Lum3
     LumiPyramidRecord record{};
     record.level = static_cast<Lum32s>(levelsBelow(size, rate, level));
     const int64_t count = int64_t{record.level} + 1;
-    Lum8u* place = pPyrMem + sizeof record;
-    record.pLayerSizes = carved<LumiSize>(place, count);
-    record.ppLayers = carved<void*>(place, count);
-    record.pLayerScales = carved<Lum64f>(place, count);
-    record.pLayerSteps = carved<Lum32s>(place, count);
+    Room room(pPyrMem + sizeof record, 8);
+    record.pLayerSizes = room.take<LumiSize>(count);
+    record.ppLayers = room.take<void*>(count);
+    record.pLayerScales = room.take<Lum64f>(count);
+    record.pLayerSteps = room.take<Lum32s>(count);
 
     const Lum64f reduction = 1.0 / static_cast<Lum64f>(rate);
     Lum64f scale = 1.0;

@@ -96,100 +96,26 @@ template <int N>
 #endif
 }
 
-/// The smaller one, of unsigned lanes.
+/// The smaller one.
 template <class T, int N>
-requires std::is_unsigned_v<T>
+requires std::is_integral_v<T>
 [[gnu::always_inline]] inline Vec<T, N> min(Vec<T, N> a, Vec<T, N> b)
 {
-    constexpr bool bytes = sizeof(T) == 1;
-    static_assert(bytes || sizeof(T) == 2);
-    using V = Vec<T, N>;
     if constexpr (kindOf<T, N> == Kind::pair)
         return {min(a.lo, b.lo), min(a.hi, b.hi)};
-    else if constexpr (N == 1)
+    else  // the compilers know the instruction behind this
         return {a.raw < b.raw ? a.raw : b.raw};
-    else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)(bytes ? _mm_min_epu8(bits(a.raw), bits(b.raw))
-                                        : _mm_min_epu16(bits(a.raw), bits(b.raw)))};
-#if defined(__AVX2__)
-    else if constexpr (sizeof(V) == 32)
-        return {(typename V::Raw)(bytes ? _mm256_min_epu8(bits(a.raw), bits(b.raw))
-                                        : _mm256_min_epu16(bits(a.raw), bits(b.raw)))};
-#endif
-#if defined(__AVX512BW__)
-    else
-        return {(typename V::Raw)(bytes ? _mm512_min_epu8(bits(a.raw), bits(b.raw))
-                                        : _mm512_min_epu16(bits(a.raw), bits(b.raw)))};
-#endif
 }
 
-/// The greater one, of unsigned lanes.
+/// The greater one.
 template <class T, int N>
-requires std::is_unsigned_v<T>
+requires std::is_integral_v<T>
 [[gnu::always_inline]] inline Vec<T, N> max(Vec<T, N> a, Vec<T, N> b)
 {
-    constexpr bool bytes = sizeof(T) == 1;
-    static_assert(bytes || sizeof(T) == 2);
-    using V = Vec<T, N>;
     if constexpr (kindOf<T, N> == Kind::pair)
         return {max(a.lo, b.lo), max(a.hi, b.hi)};
-    else if constexpr (N == 1)
+    else
         return {a.raw > b.raw ? a.raw : b.raw};
-    else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)(bytes ? _mm_max_epu8(bits(a.raw), bits(b.raw))
-                                        : _mm_max_epu16(bits(a.raw), bits(b.raw)))};
-#if defined(__AVX2__)
-    else if constexpr (sizeof(V) == 32)
-        return {(typename V::Raw)(bytes ? _mm256_max_epu8(bits(a.raw), bits(b.raw))
-                                        : _mm256_max_epu16(bits(a.raw), bits(b.raw)))};
-#endif
-#if defined(__AVX512BW__)
-    else
-        return {(typename V::Raw)(bytes ? _mm512_max_epu8(bits(a.raw), bits(b.raw))
-                                        : _mm512_max_epu16(bits(a.raw), bits(b.raw)))};
-#endif
-}
-
-/// The smaller one, of signed 32-bit lanes.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum32s, N> min(Vec<Lum32s, N> a, Vec<Lum32s, N> b)
-{
-    using V = Vec<Lum32s, N>;
-    if constexpr (kindOf<Lum32s, N> == Kind::pair)
-        return {min(a.lo, b.lo), min(a.hi, b.hi)};
-    else if constexpr (N == 1)
-        return {a.raw < b.raw ? a.raw : b.raw};
-    else if constexpr (N == 4)
-        return {(typename V::Raw)_mm_min_epi32(bits(a.raw), bits(b.raw))};
-#if defined(__AVX2__)
-    else if constexpr (N == 8)
-        return {(typename V::Raw)_mm256_min_epi32(bits(a.raw), bits(b.raw))};
-#endif
-#if defined(__AVX512BW__)
-    else
-        return {(typename V::Raw)_mm512_min_epi32(bits(a.raw), bits(b.raw))};
-#endif
-}
-
-/// The greater one, of signed 32-bit lanes.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum32s, N> max(Vec<Lum32s, N> a, Vec<Lum32s, N> b)
-{
-    using V = Vec<Lum32s, N>;
-    if constexpr (kindOf<Lum32s, N> == Kind::pair)
-        return {max(a.lo, b.lo), max(a.hi, b.hi)};
-    else if constexpr (N == 1)
-        return {a.raw > b.raw ? a.raw : b.raw};
-    else if constexpr (N == 4)
-        return {(typename V::Raw)_mm_max_epi32(bits(a.raw), bits(b.raw))};
-#if defined(__AVX2__)
-    else if constexpr (N == 8)
-        return {(typename V::Raw)_mm256_max_epi32(bits(a.raw), bits(b.raw))};
-#endif
-#if defined(__AVX512BW__)
-    else
-        return {(typename V::Raw)_mm512_max_epi32(bits(a.raw), bits(b.raw))};
-#endif
 }
 
 /// Clears the sign bit, of a not-a-number too.
@@ -280,45 +206,24 @@ template <class T, int N>
 #endif
 }
 
-/// The smaller one, of signed 16-bit lanes.
+/// (a * b) >> 16, of unsigned words.
 template <int N>
-[[gnu::always_inline]] inline Vec<Lum16s, N> min(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
+[[gnu::always_inline]] inline Vec<Lum16u, N> highProduct(Vec<Lum16u, N> a, Vec<Lum16u, N> b)
 {
-    using V = Vec<Lum16s, N>;
-    if constexpr (kindOf<Lum16s, N> == Kind::pair)
-        return {min(a.lo, b.lo), min(a.hi, b.hi)};
+    using V = Vec<Lum16u, N>;
+    if constexpr (kindOf<Lum16u, N> == Kind::pair)
+        return {highProduct(a.lo, b.lo), highProduct(a.hi, b.hi)};
     else if constexpr (N == 1)
-        return {a.raw < b.raw ? a.raw : b.raw};
+        return {static_cast<Lum16u>(Lum32u{a.raw} * b.raw >> 16)};
     else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)_mm_min_epi16(bits(a.raw), bits(b.raw))};
+        return {(typename V::Raw)_mm_mulhi_epu16(bits(a.raw), bits(b.raw))};
 #if defined(__AVX2__)
     else if constexpr (sizeof(V) == 32)
-        return {(typename V::Raw)_mm256_min_epi16(bits(a.raw), bits(b.raw))};
+        return {(typename V::Raw)_mm256_mulhi_epu16(bits(a.raw), bits(b.raw))};
 #endif
 #if defined(__AVX512BW__)
     else
-        return {(typename V::Raw)_mm512_min_epi16(bits(a.raw), bits(b.raw))};
-#endif
-}
-
-/// The greater one, of signed 16-bit lanes.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum16s, N> max(Vec<Lum16s, N> a, Vec<Lum16s, N> b)
-{
-    using V = Vec<Lum16s, N>;
-    if constexpr (kindOf<Lum16s, N> == Kind::pair)
-        return {max(a.lo, b.lo), max(a.hi, b.hi)};
-    else if constexpr (N == 1)
-        return {a.raw > b.raw ? a.raw : b.raw};
-    else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)_mm_max_epi16(bits(a.raw), bits(b.raw))};
-#if defined(__AVX2__)
-    else if constexpr (sizeof(V) == 32)
-        return {(typename V::Raw)_mm256_max_epi16(bits(a.raw), bits(b.raw))};
-#endif
-#if defined(__AVX512BW__)
-    else
-        return {(typename V::Raw)_mm512_max_epi16(bits(a.raw), bits(b.raw))};
+        return {(typename V::Raw)_mm512_mulhi_epu16(bits(a.raw), bits(b.raw))};
 #endif
 }
 

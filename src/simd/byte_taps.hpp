@@ -12,7 +12,7 @@ namespace lumcv::simd {
 template <int N>
 struct SplitWords
 {
-    static_assert(N >= registerLanes<Lum8u>, "even and odd pixels are those of whole registers");
+    static_assert(N >= 16, "even and odd pixels are those of whole registers");
     Vec<Lum16s, N / 2> even, odd;
 };
 
@@ -113,6 +113,13 @@ template <int even, int odd, int N>
             return {(typename V::Raw)_mm512_maddubs_epi16(bits(v.raw), pairs)};
 #endif
     }
+}
+
+/// The bytes as words.
+template <int N>
+[[gnu::always_inline]] inline SplitWords<N> evenOddWords(Vec<Lum8u, N> v)
+{
+    return {pairSums<1, 0>(v), pairSums<0, 1>(v)};
 }
 
 /// Bytes of a and of b in turn: a[0], b[0], a[1], b[1], and so on, N in all. Reads N / 2 of each.

@@ -352,4 +352,10 @@ template <int N>
 #endif
 }
 
+/// Four lanes, saturated to words.
+[[gnu::always_inline]] inline void storeWords(Lum16s* p, Vec<Lum32s, 4> v)
+{
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packs_epi32(bits(v.raw), bits(v.raw)));
+}
+
 }  // namespace lumcv::simd

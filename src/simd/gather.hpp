@@ -62,21 +62,4 @@ template <int N, class T>
     return {_mm_blendv_ps(_mm_set1_ps(-0.0f), v.raw, mask)};
 }
 
-/// Four lanes, saturated to words.
-[[gnu::always_inline]] inline void storeWords(Lum16s* p, Vec<Lum32s, 4> v)
-{
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packs_epi32(bits(v.raw), bits(v.raw)));
-}
-
-/// Of four pixels of three bytes the first and third go to `even` and the others to `odd`, as words. Reads 16 bytes and
-/// stores eight words to each, of which six are of use.
-[[gnu::always_inline]] inline void separateTriples(const Lum8u* p, Lum16s* even, Lum16s* odd)
-{
-    const __m128i pixels = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    const __m128i first = _mm_setr_epi8(0, -1, 1, -1, 2, -1, 6, -1, 7, -1, 8, -1, -1, -1, -1, -1);
-    const __m128i second = _mm_setr_epi8(3, -1, 4, -1, 5, -1, 9, -1, 10, -1, 11, -1, -1, -1, -1, -1);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(even), _mm_shuffle_epi8(pixels, first));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(odd), _mm_shuffle_epi8(pixels, second));
-}
-
 }  // namespace lumcv::simd

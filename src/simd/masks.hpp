@@ -1,6 +1,8 @@
 // Comparisons of all lanes: a mask says for each lane whether they hold, in the form that suits the level.
 #pragma once
 
+#include <bit>
+
 #include "simd/arithmetic.hpp"
 
 namespace lumcv::simd {
@@ -69,11 +71,28 @@ template <class T, int N>
     return greater(b, a);
 }
 
-/// a == b, of integers.
+/// a <= b, of floats. A not-a-number is not.
+template <int N>
+[[gnu::always_inline]] inline Mask<Lum32f, N> atMost(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    using M = Mask<Lum32f, N>;
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return {atMost(a.lo, b.lo), atMost(a.hi, b.hi)};
+    else if constexpr (N == 1)
+        return {a.raw <= b.raw};
+#if defined(__AVX512BW__)
+    else if constexpr (hasMaskRegister<Lum32f, N>)
+        return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_LE_OQ)};
+#endif
+    else
+        return M{(typename M::Raw)(a.raw <= b.raw)};
+}
+
+/// a == b, of integers or single-precision floats. A not-a-number equals nothing; zeros of both signs are equal.
 template <class T, int N>
 [[gnu::always_inline]] inline Mask<T, N> equal(Vec<T, N> a, Vec<T, N> b)
 {
-    static_assert(std::is_integral_v<T>);
+    static_assert(std::is_integral_v<T> || std::is_same_v<T, Lum32f>);
     using M = Mask<T, N>;
     if constexpr (kindOf<T, N> == Kind::pair)
         return {equal(a.lo, b.lo), equal(a.hi, b.hi)};
@@ -81,7 +100,9 @@ template <class T, int N>
         return {a.raw == b.raw};
 #if defined(__AVX512BW__)
     else if constexpr (hasMaskRegister<T, N>) {
-        if constexpr (sizeof(T) == 1)
+        if constexpr (std::is_floating_point_v<T>)
+            return M{_mm512_cmp_ps_mask(a.raw, b.raw, _CMP_EQ_OQ)};
+        else if constexpr (sizeof(T) == 1)
             return M{_mm512_cmpeq_epi8_mask(bits(a.raw), bits(b.raw))};
         else if constexpr (sizeof(T) == 2)
             return M{_mm512_cmpeq_epi16_mask(bits(a.raw), bits(b.raw))};
@@ -138,6 +159,16 @@ template <class T, int N>
         return {a.lo | b.lo, a.hi | b.hi};
     else
         return {(decltype(a.raw))(maskLanes(a) | maskLanes(b))};
+}
+
+/// a, but not b.
+template <class T, int N>
+[[gnu::always_inline]] inline Mask<T, N> without(Mask<T, N> a, Mask<T, N> b)
+{
+    if constexpr (kindOf<T, N> == Kind::pair)
+        return {without(a.lo, b.lo), without(a.hi, b.hi)};
+    else
+        return {(decltype(a.raw))(maskLanes(a) & ~maskLanes(b))};
 }
 
 /// x where the mask holds, otherwise y.
@@ -235,6 +266,37 @@ template <class T, int N>
 #endif
     else
         return !_mm256_testz_si256(bits(v.raw), bits(v.raw));
+}
+
+/// The bits in which a and b differ, of floats; those of both halves of a pair together.
+template <int N>
+[[gnu::always_inline]] inline auto differences(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    if constexpr (kindOf<Lum32f, N> == Kind::pair)
+        return differences(a.lo, b.lo) | differences(a.hi, b.hi);
+    else if constexpr (N == 1)
+        return std::bit_cast<Lum32s>(a.raw) ^ std::bit_cast<Lum32s>(b.raw);
+    else {
+        typedef Lum32s Lanes __attribute__((vector_size(N * sizeof(Lum32s))));
+        return (Lanes)a.raw ^ (Lanes)b.raw;
+    }
+}
+
+/// Whether the bits of a and b differ in any lane, of floats.
+template <int N>
+[[gnu::always_inline]] inline bool anyBitDiffers(Vec<Lum32f, N> a, Vec<Lum32f, N> b)
+{
+    const auto d = differences(a, b);
+    if constexpr (N == 1)
+        return d != 0;
+    else if constexpr (sizeof d == 16)
+        return !_mm_testz_si128(bits(d), bits(d));
+#if defined(__AVX512BW__)
+    else if constexpr (sizeof d == 64)
+        return _mm512_test_epi32_mask(bits(d), bits(d)) != 0;
+#endif
+    else
+        return !_mm256_testz_si256(bits(d), bits(d));
 }
 
 /// A bit for each lane that is not zero, the first one lowest, of integers.

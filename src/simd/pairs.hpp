@@ -100,4 +100,27 @@ template <int N>
         return {(typename Vec<Lum16s, N>::Raw)(v.raw ^ static_cast<Lum16u>(0x8000))};
 }
 
+/// Undoes it.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16u, N> decentred(Vec<Lum16s, N> v)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {decentred(v.lo), decentred(v.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<Lum16u>(v.raw + 0x8000)};
+    else
+        return {(typename Vec<Lum16u, N>::Raw)v.raw ^ static_cast<Lum16u>(0x8000)};
+}
+
+/// Of four pixels of three bytes the first and third go to `even` and the others to `odd`, as words. Reads 16 bytes and
+/// stores eight words to each, of which six are of use.
+[[gnu::always_inline]] inline void separateTriples(const Lum8u* p, Lum16s* even, Lum16s* odd)
+{
+    const __m128i pixels = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i first = _mm_setr_epi8(0, -1, 1, -1, 2, -1, 6, -1, 7, -1, 8, -1, -1, -1, -1, -1);
+    const __m128i second = _mm_setr_epi8(3, -1, 4, -1, 5, -1, 9, -1, 10, -1, 11, -1, -1, -1, -1, -1);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(even), _mm_shuffle_epi8(pixels, first));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(odd), _mm_shuffle_epi8(pixels, second));
+}
+
 }  // namespace lumcv::simd

@@ -1,7 +1,7 @@
 // Several floats for each pixel, gathered from and spread to vectors of one of them each.
 #pragma once
 
-#include "simd/halves.hpp"
+#include "simd/convert.hpp"
 
 namespace lumcv::simd {
 
@@ -96,6 +96,73 @@ template <int N>
         return {V{(__m256)_mm256_unpacklo_pd(ab01, ab23)}, V{(__m256)_mm256_unpackhi_pd(ab01, ab23)},
                 V{(__m256)_mm256_unpacklo_pd(c01, c23)}};
     }
+}
+
+/// The three bytes of each of N pixels, as floats.
+template <int N>
+[[gnu::always_inline]] inline Triple<N> loadTriples(const Lum8u* p)
+{
+    static_assert(N == 1 || N == 8 || N == 16);
+    using V = Vec<Lum32f, N>;
+    if constexpr (N == 1)
+        return {toFloat(loadWidened<1>(p)), toFloat(loadWidened<1>(p + 1)), toFloat(loadWidened<1>(p + 2))};
+    else if constexpr (N == 16) {
+        const auto lo = loadTriples<8>(p);
+        const auto hi = loadTriples<8>(p + 24);
+        return {joined(lo.a, hi.a), joined(lo.b, hi.b), joined(lo.c, hi.c)};
+    } else {
+        // four pixels each; the second four are the last 12 of 16 bytes
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i last = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
+        const auto channel = [=](int c) {
+            const __m128i places = _mm_add_epi32(_mm_setr_epi32(0, 3, 6, 9), _mm_set1_epi32(c - 256));
+            const __m128i low = _mm_shuffle_epi8(first, places);
+            const __m128i high = _mm_shuffle_epi8(last, _mm_add_epi32(places, _mm_set1_epi32(4)));
+            return V{_mm256_cvtepi32_ps(_mm256_insertf128_si256(_mm256_castsi128_si256(low), high, 1))};
+        };
+        return {channel(0), channel(1), channel(2)};
+    }
+}
+
+/// Stores three bytes for each of N pixels, a, b and c, whose lanes are rounded as by roundTo().
+template <int N>
+[[gnu::always_inline]] inline void storeTriples(Lum8u* p, Vec<Lum32f, N> a, Vec<Lum32f, N> b, Vec<Lum32f, N> c)
+{
+    static_assert(N == 1 || N == 8 || N == 16);
+    if constexpr (N == 1) {
+        store(p, roundTo<Lum8u>(a));
+        store(p + 1, roundTo<Lum8u>(b));
+        store(p + 2, roundTo<Lum8u>(c));
+    } else if constexpr (N == 16) {
+        storeTriples(p, lowerHalf(a), lowerHalf(b), lowerHalf(c));
+        storeTriples(p + 24, upperHalf(a), upperHalf(b), upperHalf(c));
+    } else {
+        const __m256i wideA = _mm256_cvtps_epi32(a.raw), wideB = _mm256_cvtps_epi32(b.raw);
+        const __m256i wideC = _mm256_cvtps_epi32(c.raw);
+        const auto fourPixels = [](Lum8u* to, __m128i fromA, __m128i fromB, __m128i fromC) {
+            const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(fromA, fromB), _mm_packs_epi32(fromC, fromC));
+            const __m128i order = _mm_setr_epi8(0, 4, 8, 1, 5, 9, 2, 6, 10, 3, 7, 11, -1, -1, -1, -1);
+            const __m128i inOrder = _mm_shuffle_epi8(bytes, order);
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(to), inOrder);
+            _mm_storeu_si32(to + 8, _mm_srli_si128(inOrder, 8));
+        };
+        fourPixels(p, _mm256_castsi256_si128(wideA), _mm256_castsi256_si128(wideB), _mm256_castsi256_si128(wideC));
+        fourPixels(p + 12, _mm256_extractf128_si256(wideA, 1), _mm256_extractf128_si256(wideB, 1),
+                   _mm256_extractf128_si256(wideC, 1));
+    }
+}
+
+/// Stores N lanes as bytes, rounded as by roundTo().
+template <int N>
+[[gnu::always_inline]] inline void storeBytes(Lum8u* p, Vec<Lum32f, N> v)
+{
+    static_assert(N == 1 || N == 8 || N == 16);
+    if constexpr (N == 8) {
+        const __m256i wide = _mm256_cvtps_epi32(v.raw);
+        const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(wide), _mm256_extractf128_si256(wide, 1));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(words, words));
+    } else
+        store(p, roundTo<Lum8u>(v));
 }
 
 /// Two floats for each of N pixels.

@@ -4,6 +4,7 @@
 
 #include "simd/convert.hpp"
 #include "simd/halves.hpp"
+#include "simd/sums.hpp"
 
 namespace lumcv::simd {
 
@@ -114,6 +115,33 @@ template <int N>
 [[gnu::always_inline]] inline WordSums<N> product(Vec<Lum16s, N> a, Lum16s k)
 {
     return products(a, k, broadcast<N>(Lum16s{0}), Lum16s{0});
+}
+
+/// a * a + b * b of pairs (a, b), modulo 2^32.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> squares(WordPairs<N> p)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {squares(p.lo), squares(p.hi)};
+    else if constexpr (N == 1)
+        return {Vec<Lum32s, 1>{p.first.raw} * Vec<Lum32s, 1>{p.first.raw} +
+                Vec<Lum32s, 1>{p.second.raw} * Vec<Lum32s, 1>{p.second.raw}};
+    else
+        return {neighbourProducts(p.low, p.low), neighbourProducts(p.high, p.high)};
+}
+
+/// Unsigned words, value for value.
+template <int N>
+[[gnu::always_inline]] inline WordSums<N> widened(Vec<Lum16u, N> v)
+{
+    if constexpr (kindOf<Lum16u, N> == Kind::pair)
+        return {widened(v.lo), widened(v.hi)};
+    else if constexpr (N == 1)
+        return {Vec<Lum32s, 1>{v.raw}};
+    else {
+        const auto withZeros = pairs(reinterpreted<Lum16s>(v), broadcast<N>(Lum16s{0}));
+        return {reinterpreted<Lum32s>(withZeros.low), reinterpreted<Lum32s>(withZeros.high)};
+    }
 }
 
 /// Applies an operation of 32-bit lanes.

@@ -8,18 +8,15 @@
 #include "distance/chamfer_fixture.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::distance {
 namespace {
 
-template <class T>
-class ChamferMemory : public testing::Test
-{
-};
 using Outputs = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(ChamferMemory, Outputs);
+TYPE_SUITE(ChamferMemory, Outputs);
 
-TYPED_TEST(ChamferMemory, RowsAlone)
+TYPE_TEST(ChamferMemory, RowsAlone)
 {
     const auto& weights = weightsOf<TypeParam>();
     std::size_t number = 0;
@@ -88,7 +85,7 @@ TEST(ChamferInPlaceQuick, SameResult)
 }
 
 // Large enough for whatever is done differently with images beyond the caches.
-TYPED_TEST(ChamferMemory, LargerThanTheCache)
+TYPE_TEST(ChamferMemory, LargerThanTheCache)
 {
     const auto& weights = weightsOf<TypeParam>();
     for (const int cacheBytes : {0, 1024}) {
@@ -101,7 +98,7 @@ TYPED_TEST(ChamferMemory, LargerThanTheCache)
     }
 }
 
-TYPED_TEST(ChamferMemory, ThreadsShareASource)
+TYPE_TEST(ChamferMemory, ThreadsShareASource)
 {
     const auto& weights = weightsOf<TypeParam>();
     Image<Lum8u> source(layoutOf(133, 29));

@@ -7,6 +7,7 @@
 
 #include "distance/chamfer_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::distance {
 namespace {
@@ -75,14 +76,10 @@ std::vector<Violation<Args<T>>> violations(std::size_t weights)
     return table;
 }
 
-template <class T>
-class ChamferStatusQuick : public testing::Test
-{
-};
 using Outputs = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(ChamferStatusQuick, Outputs);
+TYPE_SUITE(ChamferStatusQuick, Outputs);
 
-TYPED_TEST(ChamferStatusQuick, ChecksInOrder)
+TYPE_TEST(ChamferStatusQuick, ChecksInOrder)
 {
     Image<Lum8u> source(layoutOf(9, 4, 3));
     draw(source, Content::Even, 2);

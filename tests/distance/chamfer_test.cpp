@@ -6,22 +6,15 @@
 
 #include "distance/chamfer_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::distance {
 namespace {
 
-template <class T>
-class ChamferQuick : public testing::Test
-{
-};
 using Outputs = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(ChamferQuick, Outputs);
+TYPE_SUITE(ChamferQuick, Outputs);
 
-template <class T>
-class Chamfer : public testing::Test
-{
-};
-TYPED_TEST_SUITE(Chamfer, Outputs);
+TYPE_SUITE(Chamfer, Outputs);
 
 /// Every weight at least every few cases, with other contents each time.
 template <class T>
@@ -37,18 +30,18 @@ void expectGeometry(const Geometry& geometry, std::size_t weightsPerCase)
     EXPECT_TRUE(source.gapsIntact());
 }
 
-TYPED_TEST(ChamferQuick, Sizes)
+TYPE_TEST(ChamferQuick, Sizes)
 {
     forEachGeometry(Sweep::Quick, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 4); });
 }
 
-TYPED_TEST(Chamfer, Sizes)
+TYPE_TEST(Chamfer, Sizes)
 {
     forEachGeometry(Sweep::Full, [](const Geometry& geometry) { expectGeometry<TypeParam>(geometry, 3); });
 }
 
 // More rows than those that the last rows' rules concern.
-TYPED_TEST(Chamfer, HigherImages)
+TYPE_TEST(Chamfer, HigherImages)
 {
     Geometry geometry;
     for (const int height : {4, 6, 9, 21}) {
@@ -65,7 +58,7 @@ TYPED_TEST(Chamfer, HigherImages)
 }
 
 // Heights around every number of rows that may be worked on at once, and widths below and above what that takes.
-TYPED_TEST(Chamfer, BandsOfRows)
+TYPE_TEST(Chamfer, BandsOfRows)
 {
     Geometry geometry;
     for (const int height : {8, 15, 16, 17, 18, 31, 32, 33, 34, 63, 64, 65, 66, 67, 130}) {
@@ -82,7 +75,7 @@ TYPED_TEST(Chamfer, BandsOfRows)
 }
 
 // All contents with all weights.
-TYPED_TEST(Chamfer, EveryContentWithEveryWeight)
+TYPE_TEST(Chamfer, EveryContentWithEveryWeight)
 {
     for (const auto& weights : weightsOf<TypeParam>()) {
         for (int content = 0; content < static_cast<int>(Content::Count); ++content) {
@@ -94,7 +87,7 @@ TYPED_TEST(Chamfer, EveryContentWithEveryWeight)
     }
 }
 
-TYPED_TEST(ChamferQuick, WithoutZeroEverythingIsSaturated)
+TYPE_TEST(ChamferQuick, WithoutZeroEverythingIsSaturated)
 {
     for (const auto& weights : weightsOf<TypeParam>()) {
         for (const LumiSize size : {LumiSize{1, 1}, {2, 2}, {3, 9}, {9, 3}, {40, 5}}) {
@@ -112,7 +105,7 @@ TYPED_TEST(ChamferQuick, WithoutZeroEverythingIsSaturated)
     }
 }
 
-TYPED_TEST(ChamferQuick, SinglePixel)
+TYPE_TEST(ChamferQuick, SinglePixel)
 {
     for (const auto& weights : weightsOf<TypeParam>()) {
         for (const int value : {0, 1, 255}) {
@@ -139,7 +132,7 @@ Image<T> fromOneZero(int width, int height, int x, int y, const Weights<typename
 }
 
 // m1 >= 2 * m0: the city-block distance.
-TYPED_TEST(ChamferQuick, DiagonalThatNeverWins)
+TYPE_TEST(ChamferQuick, DiagonalThatNeverWins)
 {
     using Metric = typename Forms<TypeParam>::Metric;
     for (const Metric m1 : {Metric{4}, Metric{5}, Metric{100}}) {
@@ -155,7 +148,7 @@ TYPED_TEST(ChamferQuick, DiagonalThatNeverWins)
 
 // The step over two columns that only the last row knows. In the other rows a pixel takes a diagonal to the row before
 // and one back, where there is one that has been treated.
-TYPED_TEST(ChamferQuick, HeavyEdgeInTheLastRow)
+TYPE_TEST(ChamferQuick, HeavyEdgeInTheLastRow)
 {
     for (const int height : {2, 3, 6}) {
         const Image<TypeParam> result = fromOneZero<TypeParam>(20, height, 9, height - 1, {3, {10, 1, 0}});
@@ -182,7 +175,7 @@ TYPED_TEST(ChamferQuick, HeavyEdgeInTheLastRow)
 }
 
 // A knight's step as long as what it is made of leaves the 3x3 result, with the diagonal as it was given.
-TYPED_TEST(ChamferQuick, HandedOver)
+TYPE_TEST(ChamferQuick, HandedOver)
 {
     using Metric = typename Forms<TypeParam>::Metric;
     for (const Weights<Metric>& weights :
@@ -202,7 +195,7 @@ TYPED_TEST(ChamferQuick, HandedOver)
 }
 
 // All offsets of a regular mask within two pixels.
-TYPED_TEST(ChamferQuick, RegularMask)
+TYPE_TEST(ChamferQuick, RegularMask)
 {
     const Image<TypeParam> result = fromOneZero<TypeParam>(9, 9, 4, 4, {5, {5, 7, 11}});
     const int expected[3][3] = {{0, 5, 10}, {5, 7, 11}, {10, 11, 14}};
@@ -215,7 +208,7 @@ TYPED_TEST(ChamferQuick, RegularMask)
 }
 
 // Two knight's steps are shorter than two edge steps or two diagonals; the lengths are those of the extended mask.
-TYPED_TEST(ChamferQuick, ExtendedMask)
+TYPE_TEST(ChamferQuick, ExtendedMask)
 {
     const Image<TypeParam> result = fromOneZero<TypeParam>(11, 11, 5, 5, {5, {9, 8, 5}});
     EXPECT_EQ(result.at(6, 5), TypeParam{9});

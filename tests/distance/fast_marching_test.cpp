@@ -10,11 +10,11 @@
 
 #include "distance/contents.hpp"
 #include "distance/fast_marching_reference.hpp"
-#include "distance/size_query.hpp"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
 #include "support/placed_block.hpp"
+#include "support/size_query.hpp"
 #include "support/status_order.hpp"
 #include "support/sweep.hpp"
 

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "distance/contents.hpp"
-#include "distance/size_query.hpp"
 #include "distance/true_distance_reference.hpp"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
 #include "support/placed_block.hpp"
+#include "support/size_query.hpp"
 #include "support/status_order.hpp"
 #include "support/sweep.hpp"
 

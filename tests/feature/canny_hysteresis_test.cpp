@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "feature/canny_image_fixture.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::canny {
 namespace {
@@ -16,11 +17,7 @@ struct Place
     int y;
 };
 
-template <class T>
-class CannyHysteresis : public testing::Test
-{
-};
-TYPED_TEST_SUITE(CannyHysteresis, PlaneTypes, PlaneName);
+TYPE_SUITE(CannyHysteresis, PlaneTypes, PlaneName);
 
 // A path through the whole image: along row 0, down at its end, back along row 2, down, and so on; transposed, along
 // columns. Each pixel's gradient points away from the path, so that all of them survive.
@@ -81,7 +78,7 @@ struct Serpentine
     std::vector<Place> path;
 };
 
-TYPED_TEST(CannyHysteresis, SerpentineOfWeakPixels)
+TYPE_TEST(CannyHysteresis, SerpentineOfWeakPixels)
 {
     for (const bool transposed : {false, true}) {
         for (const LumiSize size : {LumiSize{4, 5}, {17, 9}, {31, 33}, {64, 31}, {65, 65}, {129, 35}, {300, 21}}) {
@@ -98,7 +95,7 @@ TYPED_TEST(CannyHysteresis, SerpentineOfWeakPixels)
 }
 
 // One pixel missing ends the chain.
-TYPED_TEST(CannyHysteresis, BrokenSerpentine)
+TYPE_TEST(CannyHysteresis, BrokenSerpentine)
 {
     for (const bool transposed : {false, true}) {
         for (const LumiSize size : {LumiSize{17, 9}, {65, 33}, {129, 35}}) {
@@ -117,7 +114,7 @@ TYPED_TEST(CannyHysteresis, BrokenSerpentine)
 }
 
 // Noise with a rare strong pixel: chains in all directions, and many that nothing reaches.
-TYPED_TEST(CannyHysteresis, FewStrongPixels)
+TYPE_TEST(CannyHysteresis, FewStrongPixels)
 {
     for (const int rarity : {20, 200, 5000}) {
         Planes<TypeParam> planes({211, 97}, Placement{});
@@ -133,7 +130,7 @@ TYPED_TEST(CannyHysteresis, FewStrongPixels)
 }
 
 // Three pixels in four survive, and all of them are strong.
-TYPED_TEST(CannyHysteresis, ThreeStrongPixelsInFour)
+TYPE_TEST(CannyHysteresis, ThreeStrongPixelsInFour)
 {
     for (const LumiSize size : {LumiSize{2, 2}, {7, 5}, {16, 16}, {33, 9}, {64, 64}, {131, 40}}) {
         Planes<TypeParam> planes(size, Placement{});
@@ -156,7 +153,7 @@ TYPED_TEST(CannyHysteresis, ThreeStrongPixelsInFour)
 }
 
 // A single row or column whose gradients all point out of it: every pixel is strong.
-TYPED_TEST(CannyHysteresis, EveryPixelStrong)
+TYPE_TEST(CannyHysteresis, EveryPixelStrong)
 {
     for (const int length : {1, 2, 5, 16, 63, 64, 65, 1000}) {
         for (const bool column : {false, true}) {

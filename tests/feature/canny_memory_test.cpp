@@ -8,6 +8,7 @@
 
 #include "feature/canny_image_fixture.hpp"
 #include "support/isolated_rows.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::canny {
 namespace {
@@ -36,14 +37,10 @@ testing::AssertionResult holds(const IsolatedRows<Lum8u>& image, const std::vect
     return image.slackIntact();
 }
 
-template <class T>
-class CannyMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(CannyMemory, PlaneTypes, PlaneName);
+TYPE_SUITE(CannyMemory, PlaneTypes, PlaneName);
 
 // Behind, or before, each row of each image lies an unreadable page, and the planes cannot be written.
-TYPED_TEST(CannyMemory, RowsOfPlanes)
+TYPE_TEST(CannyMemory, RowsOfPlanes)
 {
     using Exports = PlaneExports<TypeParam>;
     Random random(3);
@@ -74,7 +71,7 @@ TYPED_TEST(CannyMemory, RowsOfPlanes)
     }
 }
 
-TYPED_TEST(CannyMemory, ScratchAtAnyAddress)
+TYPE_TEST(CannyMemory, ScratchAtAnyAddress)
 {
     Random random(4);
     for (std::size_t distance = 0; distance < 64; ++distance) {
@@ -92,7 +89,7 @@ TYPED_TEST(CannyMemory, ScratchAtAnyAddress)
 }
 
 // Whatever the scratch holds when the call begins.
-TYPED_TEST(CannyMemory, SameBytesWithAnyScratch)
+TYPE_TEST(CannyMemory, SameBytesWithAnyScratch)
 {
     for (const LumiSize size : {LumiSize{5, 3}, {40, 4}, {77, 20}}) {
         Planes<TypeParam> planes(size, Placement{});
@@ -235,7 +232,7 @@ constexpr int kThreads = 2;
 constexpr int kRounds = 4;
 
 // Threads with their sources in common, each with its own destination and scratch.
-TYPED_TEST(CannyMemory, ThreadsSharePlanes)
+TYPE_TEST(CannyMemory, ThreadsSharePlanes)
 {
     const LumiSize size = {93, 31};
     Planes<TypeParam> planes(size, Placement{});

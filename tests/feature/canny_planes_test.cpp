@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "feature/canny_fixture.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::canny {
 namespace {
@@ -96,19 +97,11 @@ void sweepCase(LumiSize size, int number)
     expectPlaneEdges(planes, thresholds.low, thresholds.high);
 }
 
-template <class T>
-class CannyPlanes : public testing::Test
-{
-};
-TYPED_TEST_SUITE(CannyPlanes, PlaneTypes, PlaneName);
+TYPE_SUITE(CannyPlanes, PlaneTypes, PlaneName);
 
-template <class T>
-class CannyPlanesQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(CannyPlanesQuick, PlaneTypes, PlaneName);
+TYPE_SUITE(CannyPlanesQuick, PlaneTypes, PlaneName);
 
-TYPED_TEST(CannyPlanesQuick, FewSizes)
+TYPE_TEST(CannyPlanesQuick, FewSizes)
 {
     int number = 0;
     for (const int width : {1, 3, 4, 8, 17, 35, 66}) {
@@ -118,7 +111,7 @@ TYPED_TEST(CannyPlanesQuick, FewSizes)
     }
 }
 
-TYPED_TEST(CannyPlanes, EveryWidth)
+TYPE_TEST(CannyPlanes, EveryWidth)
 {
     int number = 100;
     std::vector<int> widths;
@@ -137,7 +130,7 @@ TYPED_TEST(CannyPlanes, EveryWidth)
     }
 }
 
-TYPED_TEST(CannyPlanes, SmallSizes)
+TYPE_TEST(CannyPlanes, SmallSizes)
 {
     int number = 2000;
     for (int height = 1; height <= 6; ++height) {
@@ -150,7 +143,7 @@ TYPED_TEST(CannyPlanes, SmallSizes)
     }
 }
 
-TYPED_TEST(CannyPlanes, WideAndTall)
+TYPE_TEST(CannyPlanes, WideAndTall)
 {
     int number = 5000;
     for (const LumiSize size : {LumiSize{1100, 7}, {1919, 5}, {4097, 3}, {3, 900}, {16, 500}, {97, 101}}) {
@@ -196,7 +189,7 @@ struct Drawing
 
 using Pixels = std::vector<std::pair<int, int>>;
 
-TYPED_TEST(CannyPlanesQuick, OnePixelImage)
+TYPE_TEST(CannyPlanesQuick, OnePixelImage)
 {
     Drawing<TypeParam> drawing({1, 1});
     drawing.pixel(0, 0, 3, 4);
@@ -208,7 +201,7 @@ TYPED_TEST(CannyPlanesQuick, OnePixelImage)
     EXPECT_EQ(drawing.edgesOf(PlaneForm::WideL2, 4, 5), Pixels{});
 }
 
-TYPED_TEST(CannyPlanesQuick, NoGradientNoEdge)
+TYPE_TEST(CannyPlanesQuick, NoGradientNoEdge)
 {
     Drawing<TypeParam> drawing({37, 9});
     for (const PlaneForm form : kPlaneForms) {
@@ -217,7 +210,7 @@ TYPED_TEST(CannyPlanesQuick, NoGradientNoEdge)
 }
 
 // Of a run of equal magnitudes along the gradient, the pixel at its begin stays; of a diagonal one, none.
-TYPED_TEST(CannyPlanesQuick, FirstPixelOfARunStays)
+TYPE_TEST(CannyPlanesQuick, FirstPixelOfARunStays)
 {
     constexpr int kFirst = 3;
     constexpr int kLast = 12;
@@ -240,7 +233,7 @@ TYPED_TEST(CannyPlanesQuick, FirstPixelOfARunStays)
 }
 
 // A run that fills the row begins at the edge of the ROI, beyond which there is nothing.
-TYPED_TEST(CannyPlanesQuick, RunOfAWholeRow)
+TYPE_TEST(CannyPlanesQuick, RunOfAWholeRow)
 {
     for (const int width : {2, 3, 4, 5, 8, 9, 16, 17, 33, 40}) {
         Drawing<TypeParam> drawing({width, 5});
@@ -256,7 +249,7 @@ TYPED_TEST(CannyPlanesQuick, RunOfAWholeRow)
 }
 
 // The neighbours that each direction compares: a greater one on either side removes the pixel, one elsewhere does not.
-TYPED_TEST(CannyPlanesQuick, NeighboursOfEachDirection)
+TYPE_TEST(CannyPlanesQuick, NeighboursOfEachDirection)
 {
     struct Case
     {
@@ -290,7 +283,7 @@ TYPED_TEST(CannyPlanesQuick, NeighboursOfEachDirection)
     }
 }
 
-TYPED_TEST(CannyPlanesQuick, ExactlyTheThreshold)
+TYPE_TEST(CannyPlanesQuick, ExactlyTheThreshold)
 {
     Drawing<TypeParam> drawing({30, 3});
     drawing.pixel(10, 1, 60, 40);

@@ -5,6 +5,7 @@
 
 #include "feature/corner_fixture.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::corners {
 namespace {
@@ -19,19 +20,11 @@ EigenParameters eigenParameters(int number)
     return p;
 }
 
-template <class S>
-class Eigen : public testing::Test
-{
-};
-TYPED_TEST_SUITE(Eigen, SourceTypes, SourceName);
+TYPE_SUITE(Eigen, SourceTypes, SourceName);
 
-template <class S>
-class EigenQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(EigenQuick, SourceTypes, SourceName);
+TYPE_SUITE(EigenQuick, SourceTypes, SourceName);
 
-TYPED_TEST(EigenQuick, SomeSizes)
+TYPE_TEST(EigenQuick, SomeSizes)
 {
     int number = 0;
     for (const LumiSize size : {LumiSize{1, 1}, LumiSize{5, 2}, LumiSize{17, 3}, LumiSize{34, 9}, LumiSize{70, 4}}) {
@@ -43,7 +36,7 @@ TYPED_TEST(EigenQuick, SomeSizes)
     }
 }
 
-TYPED_TEST(Eigen, EveryBorder)
+TYPE_TEST(Eigen, EveryBorder)
 {
     int number = 0;
     for (LumiBorderType border = 0; border < 256; ++border) {
@@ -62,7 +55,7 @@ TYPED_TEST(Eigen, EveryBorder)
     }
 }
 
-TYPED_TEST(Eigen, EveryWidthAndHeight)
+TYPE_TEST(Eigen, EveryWidthAndHeight)
 {
     int number = 0;
     for (int width = 1; width <= 70; ++width) {
@@ -75,7 +68,7 @@ TYPED_TEST(Eigen, EveryWidthAndHeight)
     }
 }
 
-TYPED_TEST(Eigen, WideAndTall)
+TYPE_TEST(Eigen, WideAndTall)
 {
     int number = 0;
     for (const LumiSize size : {LumiSize{255, 5}, LumiSize{256, 4}, LumiSize{257, 3}, LumiSize{1100, 6},
@@ -90,7 +83,7 @@ TYPED_TEST(Eigen, WideAndTall)
 }
 
 // Images far larger than the caches that are reported.
-TYPED_TEST(Eigen, LargerThanTheCaches)
+TYPE_TEST(Eigen, LargerThanTheCaches)
 {
     const ReportedCacheSize reported(lumOk, 1);
     for (int i = 0; i < 10; ++i) {
@@ -102,7 +95,7 @@ TYPED_TEST(Eigen, LargerThanTheCaches)
 }
 
 // Of floats: up to the largest, denormals, infinities and values that are not numbers.
-TYPED_TEST(Eigen, ExtremeValues)
+TYPE_TEST(Eigen, ExtremeValues)
 {
     for (int number = 0; number < 40; ++number) {
         FilterSetting setting = placed({3 + number, 5}, 4 * number);
@@ -154,7 +147,7 @@ Image<S> imageOf(LumiSize size, int (*value)(int x, int y))
     return image;
 }
 
-TYPED_TEST(EigenQuick, AConstantImageGivesZeros)
+TYPE_TEST(EigenQuick, AConstantImageGivesZeros)
 {
     using E = Exports<TypeParam>;
     const auto image = imageOf<TypeParam>({19, 6}, [](int, int) { return 200; });
@@ -168,7 +161,7 @@ TYPED_TEST(EigenQuick, AConstantImageGivesZeros)
 }
 
 // One bright pixel: around it the squares of dx and of dy have the same sum, their product has none.
-TYPED_TEST(EigenQuick, ARoundCornerHasFixedVectors)
+TYPE_TEST(EigenQuick, ARoundCornerHasFixedVectors)
 {
     using E = Exports<TypeParam>;
     const auto image = imageOf<TypeParam>({9, 9}, [](int x, int y) { return x == 4 && y == 4 ? 100 : 0; });
@@ -184,7 +177,7 @@ TYPED_TEST(EigenQuick, ARoundCornerHasFixedVectors)
 }
 
 // In the middle of a straight edge the determinant is 0.
-TYPED_TEST(EigenQuick, AnEdgeHasNoVectors)
+TYPE_TEST(EigenQuick, AnEdgeHasNoVectors)
 {
     using E = Exports<TypeParam>;
     const auto image = imageOf<TypeParam>({12, 9}, [](int x, int) { return x < 6 ? 0 : 255; });
@@ -196,7 +189,7 @@ TYPED_TEST(EigenQuick, AnEdgeHasNoVectors)
 
 // A quadrant of ones: across its corner the image falls along both axes, so dx and dy have the same sign as the images
 // of right minus left and bottom minus top; Scharr's vectors keep the sign of b, both Sobel types turn it.
-TYPED_TEST(EigenQuick, SobelTurnsTheVectorsScharrDoesNot)
+TYPE_TEST(EigenQuick, SobelTurnsTheVectorsScharrDoesNot)
 {
     using E = Exports<TypeParam>;
     const auto image = imageOf<TypeParam>({10, 10}, [](int x, int y) { return x < 5 && y < 5 ? 250 : 0; });
@@ -216,7 +209,7 @@ TYPED_TEST(EigenQuick, SobelTurnsTheVectorsScharrDoesNot)
     EXPECT_GT(sobel[0], sobel[1]);
 }
 
-TYPED_TEST(EigenQuick, NegatedSobelHasTheSameSmallerEigenvalue)
+TYPE_TEST(EigenQuick, NegatedSobelHasTheSameSmallerEigenvalue)
 {
     using E = Exports<TypeParam>;
     const auto image = imageOf<TypeParam>({23, 11}, [](int x, int y) { return (x * x * 7 + y * y * x * 3) % 251; });
@@ -228,7 +221,7 @@ TYPED_TEST(EigenQuick, NegatedSobelHasTheSameSmallerEigenvalue)
 
 // The products beyond the ROI are borderValue itself, not its square and not 0: on a slope along the rows, all of whose
 // sides lie in memory, they alone make dy.
-TYPED_TEST(EigenQuick, TheBorderValueStandsForProducts)
+TYPE_TEST(EigenQuick, TheBorderValueStandsForProducts)
 {
     using E = Exports<TypeParam>;
     Image<TypeParam> image(Layout{6, 6, 1, 0, Guard::After, Margins::all(1)});
@@ -244,7 +237,7 @@ TYPED_TEST(EigenQuick, TheBorderValueStandsForProducts)
 }
 
 // With all four sides in memory and no valid mode the products are mirrored.
-TYPED_TEST(EigenQuick, AllSidesInMemoryWithoutAModeMirrorTheProducts)
+TYPE_TEST(EigenQuick, AllSidesInMemoryWithoutAModeMirrorTheProducts)
 {
     using E = Exports<TypeParam>;
     Image<TypeParam> image(Layout{13, 7, 1, 0, Guard::After, Margins::all(2)});
@@ -263,7 +256,7 @@ TYPED_TEST(EigenQuick, AllSidesInMemoryWithoutAModeMirrorTheProducts)
 }
 
 // The stride of the six floats is only held against four bytes for each pixel.
-TYPED_TEST(EigenQuick, OneRowOfVectorsMayHaveAStrideOfFourBytesForEachPixel)
+TYPE_TEST(EigenQuick, OneRowOfVectorsMayHaveAStrideOfFourBytesForEachPixel)
 {
     using E = Exports<TypeParam>;
     const auto image = imageOf<TypeParam>({8, 1}, [](int x, int) { return x * x; });
@@ -279,7 +272,7 @@ TYPED_TEST(EigenQuick, OneRowOfVectorsMayHaveAStrideOfFourBytesForEachPixel)
     EXPECT_TRUE(destination.gapsIntact());
 }
 
-TYPED_TEST(Eigen, RowsBetweenUnreadablePages)
+TYPE_TEST(Eigen, RowsBetweenUnreadablePages)
 {
     int number = 0;
     for (const LumiBorderType border : kBorders) {
@@ -299,7 +292,7 @@ TYPED_TEST(Eigen, RowsBetweenUnreadablePages)
 }
 
 // Scratch of the told size does at any address, and what it held does not matter.
-TYPED_TEST(Eigen, ScratchAtEveryAddress)
+TYPE_TEST(Eigen, ScratchAtEveryAddress)
 {
     for (int distance = 0; distance < 64; ++distance) {
         for (const Guard guard : {Guard::After, Guard::Before}) {

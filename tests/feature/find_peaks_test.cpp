@@ -8,6 +8,7 @@
 #include "support/placed_block.hpp"
 #include "support/status_order.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test {
 namespace {
@@ -120,18 +121,10 @@ void drawPlateaus(Image<T>& image, Random& random)
     image.forEach(Area::Roi, [&](T& element, int, int, int) { element = static_cast<T>(random.between(-2, 3)); });
 }
 
-template <class T>
-class FindPeaks : public ::testing::Test
-{
-};
 using PeakTypes = ::testing::Types<Lum32f, Lum32s>;
-TYPED_TEST_SUITE(FindPeaks, PeakTypes);
+TYPE_SUITE(FindPeaks, PeakTypes);
 
-template <class T>
-class FindPeaksQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(FindPeaksQuick, PeakTypes);
+TYPE_SUITE(FindPeaksQuick, PeakTypes);
 
 template <class T>
 void sweep(Sweep extent, Values values)
@@ -159,7 +152,7 @@ void sweep(Sweep extent, Values values)
     });
 }
 
-TYPED_TEST(FindPeaksQuick, MatchesTheSearch)
+TYPE_TEST(FindPeaksQuick, MatchesTheSearch)
 {
     for (const int height : {2, 3, 8}) {
         for (const int width : {2, 3, 4, 5, 9, 17, 34}) {
@@ -173,17 +166,17 @@ TYPED_TEST(FindPeaksQuick, MatchesTheSearch)
     }
 }
 
-TYPED_TEST(FindPeaks, EveryGeometryOfOrdinaryValues)
+TYPE_TEST(FindPeaks, EveryGeometryOfOrdinaryValues)
 {
     sweep<TypeParam>(Sweep::Full, Values::Ordinary);
 }
 
-TYPED_TEST(FindPeaks, EveryGeometryOfExtremeValues)
+TYPE_TEST(FindPeaks, EveryGeometryOfExtremeValues)
 {
     sweep<TypeParam>(Sweep::Full, Values::Extreme);
 }
 
-TYPED_TEST(FindPeaks, TallImagesAndWideBorders)
+TYPE_TEST(FindPeaks, TallImagesAndWideBorders)
 {
     for (const int height : {7, 16, 31}) {
         for (const int width : {6, 13, 40, 75}) {
@@ -198,7 +191,7 @@ TYPED_TEST(FindPeaks, TallImagesAndWideBorders)
     }
 }
 
-TYPED_TEST(FindPeaksQuick, ABorderOfHalfTheSizeLeavesNothing)
+TYPE_TEST(FindPeaksQuick, ABorderOfHalfTheSizeLeavesNothing)
 {
     Image<TypeParam> image({4, 6});
     image.forEach(Area::Roi, [](TypeParam& element, int, int, int) { element = 9; });
@@ -206,7 +199,7 @@ TYPED_TEST(FindPeaksQuick, ABorderOfHalfTheSizeLeavesNothing)
     EXPECT_TRUE(peaksOf<TypeParam>(image, TypeParam{0}, 24, lumPeakNormInf, 2).empty());
 }
 
-TYPED_TEST(FindPeaksQuick, EveryPixelOfAPlateauCountsUntilTheLimit)
+TYPE_TEST(FindPeaksQuick, EveryPixelOfAPlateauCountsUntilTheLimit)
 {
     Image<TypeParam> image({7, 5});
     image.forEach(Area::Roi, [](TypeParam& element, int, int, int) { element = 9; });
@@ -217,7 +210,7 @@ TYPED_TEST(FindPeaksQuick, EveryPixelOfAPlateauCountsUntilTheLimit)
     expectPeaks<TypeParam>(image, TypeParam{9}, 35, lumPeakNormInf, 1);  // 9 is not above 9
 }
 
-TYPED_TEST(FindPeaksQuick, ZeroIsAPeakBelowNothingButANegativeThreshold)
+TYPE_TEST(FindPeaksQuick, ZeroIsAPeakBelowNothingButANegativeThreshold)
 {
     Image<TypeParam> image({5, 5});
     image.forEach(Area::Roi, [](TypeParam& element, int, int, int) { element = 0; });
@@ -228,7 +221,7 @@ TYPED_TEST(FindPeaksQuick, ZeroIsAPeakBelowNothingButANegativeThreshold)
     expectPeaks<TypeParam>(image, TypeParam{-1}, 25, lumPeakNormInf, 1);
 }
 
-TYPED_TEST(FindPeaksQuick, ADiagonalNeighbourDoesNotCountInThePlus)
+TYPE_TEST(FindPeaksQuick, ADiagonalNeighbourDoesNotCountInThePlus)
 {
     Image<TypeParam> image({3, 3});
     image.forEach(Area::Roi, [](TypeParam& element, int, int, int) { element = 1; });
@@ -304,7 +297,7 @@ struct PeakArguments
     }
 };
 
-TYPED_TEST(FindPeaksQuick, ChecksInOrder)
+TYPE_TEST(FindPeaksQuick, ChecksInOrder)
 {
     using T = TypeParam;
     using Args = PeakArguments<T>;
@@ -341,7 +334,7 @@ TYPED_TEST(FindPeaksQuick, ChecksInOrder)
                });
 }
 
-TYPED_TEST(FindPeaksQuick, Queries)
+TYPE_TEST(FindPeaksQuick, Queries)
 {
     const auto query = std::is_same_v<TypeParam, Lum32f> ? lumiFindPeaks3x3GetBufferSize_32f_C1R
                                                          : lumiFindPeaks3x3GetBufferSize_32s_C1R;

@@ -5,21 +5,14 @@
 
 #include "feature/corner_fixture.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::corners {
 namespace {
 
-template <class S>
-class Harris : public testing::Test
-{
-};
-TYPED_TEST_SUITE(Harris, SourceTypes, SourceName);
+TYPE_SUITE(Harris, SourceTypes, SourceName);
 
-template <class S>
-class HarrisQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(HarrisQuick, SourceTypes, SourceName);
+TYPE_SUITE(HarrisQuick, SourceTypes, SourceName);
 
 FilterSetting ordinary(LumiSize size, int seed)
 {
@@ -28,7 +21,7 @@ FilterSetting ordinary(LumiSize size, int seed)
     return setting;
 }
 
-TYPED_TEST(HarrisQuick, SomeSizes)
+TYPE_TEST(HarrisQuick, SomeSizes)
 {
     int number = 0;
     for (const LumiSize size : {LumiSize{1, 1}, LumiSize{6, 2}, LumiSize{17, 8}, LumiSize{34, 12}, LumiSize{105, 9}}) {
@@ -40,7 +33,7 @@ TYPED_TEST(HarrisQuick, SomeSizes)
     }
 }
 
-TYPED_TEST(Harris, EveryBorder)
+TYPE_TEST(Harris, EveryBorder)
 {
     int number = 0;
     for (LumiBorderType border = 0; border < 256; ++border) {
@@ -59,7 +52,7 @@ TYPED_TEST(Harris, EveryBorder)
     }
 }
 
-TYPED_TEST(Harris, EveryWidthAndHeight)
+TYPE_TEST(Harris, EveryWidthAndHeight)
 {
     int number = 0;
     for (int width = 1; width <= 70; ++width) {
@@ -73,7 +66,7 @@ TYPED_TEST(Harris, EveryWidthAndHeight)
     }
 }
 
-TYPED_TEST(Harris, EveryWindow)
+TYPE_TEST(Harris, EveryWindow)
 {
     int number = 0;
     for (const int window : {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
@@ -90,7 +83,7 @@ TYPED_TEST(Harris, EveryWindow)
 }
 
 // Wherever an image is cut for the sake of the caches, the result is that of the whole.
-TYPED_TEST(Harris, SizesAroundTheTiles)
+TYPE_TEST(Harris, SizesAroundTheTiles)
 {
     int number = 0;
     for (const int window : {1, 2, 3, 5, 14}) {
@@ -104,7 +97,7 @@ TYPED_TEST(Harris, SizesAroundTheTiles)
     }
 }
 
-TYPED_TEST(Harris, TilesWithEachKindOfBorder)
+TYPE_TEST(Harris, TilesWithEachKindOfBorder)
 {
     int number = 3;
     for (const LumiBorderType border : kBorders) {
@@ -117,7 +110,7 @@ TYPED_TEST(Harris, TilesWithEachKindOfBorder)
     }
 }
 
-TYPED_TEST(Harris, WideAndTall)
+TYPE_TEST(Harris, WideAndTall)
 {
     int number = 0;
     for (const LumiSize size : {LumiSize{255, 9}, LumiSize{256, 12}, LumiSize{257, 4}, LumiSize{1100, 11},
@@ -131,7 +124,7 @@ TYPED_TEST(Harris, WideAndTall)
 }
 
 // Images far larger than the caches that are reported.
-TYPED_TEST(Harris, LargerThanTheCaches)
+TYPE_TEST(Harris, LargerThanTheCaches)
 {
     const ReportedCacheSize reported(lumOk, 1);
     for (int i = 0; i < 10; ++i) {
@@ -143,7 +136,7 @@ TYPED_TEST(Harris, LargerThanTheCaches)
 }
 
 // Of floats: up to the largest, denormals, infinities and values that are not numbers.
-TYPED_TEST(Harris, ExtremeValues)
+TYPE_TEST(Harris, ExtremeValues)
 {
     for (int number = 0; number < 30; ++number) {
         FilterSetting setting = placed({3 + 2 * number, 9}, 4 * number);
@@ -153,7 +146,7 @@ TYPED_TEST(Harris, ExtremeValues)
     }
 }
 
-TYPED_TEST(Harris, WeightsAndScales)
+TYPE_TEST(Harris, WeightsAndScales)
 {
     int number = 0;
     for (const Lum32f k : {0.0f, 0.06f, -0.5f, 1e30f}) {
@@ -179,7 +172,7 @@ TEST(HarrisOfFloats, TinyAndHugeMagnitudes)
 }
 
 // The fourth power is an integer of 32 bits that wraps; 65 to the fourth is no number of single precision.
-TYPED_TEST(HarrisQuick, TheFourthPowerIsAWrappedInteger)
+TYPE_TEST(HarrisQuick, TheFourthPowerIsAWrappedInteger)
 {
     int number = 1;
     for (const int window : {65, 77, 91, 255, 257, 300}) {
@@ -206,7 +199,7 @@ std::vector<Lum32f> responseOf(const Image<S>& image, HarrisParameters p, Lum32f
     return result;
 }
 
-TYPED_TEST(HarrisQuick, AConstantImageGivesZeros)
+TYPE_TEST(HarrisQuick, AConstantImageGivesZeros)
 {
     Image<TypeParam> image({30, 12});
     image.forEach(Area::Roi, [](TypeParam& element, int, int, int) { element = 131; });
@@ -230,7 +223,7 @@ Image<S> brightPixel(LumiSize size, int x, int y)
 }
 
 // The pixel beside the bright one has dx = -20 and dy = 0, the diagonal one -10 and 10.
-TYPED_TEST(HarrisQuick, AWindowOfOneTakesTheProductsAndTheScaleAsTheyAre)
+TYPE_TEST(HarrisQuick, AWindowOfOneTakesTheProductsAndTheScaleAsTheyAre)
 {
     const auto image = brightPixel<TypeParam>({9, 9}, 4, 4);
     const auto response = responseOf(image, withWindow({}, 1), 0.3f);
@@ -241,7 +234,7 @@ TYPED_TEST(HarrisQuick, AWindowOfOneTakesTheProductsAndTheScaleAsTheyAre)
     EXPECT_EQ(response[4 * 9 + 4], 0.0f);
 }
 
-TYPED_TEST(HarrisQuick, TheScaleIsMultipliedByTheFourthPowerOfTheWindow)
+TYPE_TEST(HarrisQuick, TheScaleIsMultipliedByTheFourthPowerOfTheWindow)
 {
     const auto image = brightPixel<TypeParam>({9, 9}, 4, 4);
     const Lum32f A = 1200 * (1.0f / 9);
@@ -249,7 +242,7 @@ TYPED_TEST(HarrisQuick, TheScaleIsMultipliedByTheFourthPowerOfTheWindow)
     EXPECT_EQ(responseOf(image, withWindow({}, 3), 0.7f)[40], (A * A - 0.04f * ((A + A) * (A + A))) * S);
 }
 
-TYPED_TEST(HarrisQuick, AWindowOf256GivesZeros)
+TYPE_TEST(HarrisQuick, AWindowOf256GivesZeros)
 {
     const auto image = brightPixel<TypeParam>({9, 7}, 4, 3);
     EXPECT_EQ(responseOf(image, withWindow({}, 256)), std::vector<Lum32f>(63, 0.0f));
@@ -259,7 +252,7 @@ TYPED_TEST(HarrisQuick, AWindowOf256GivesZeros)
 }
 
 // The products reach from 4 to 6; windows of two pixels see them from 3 on, but not at 7.
-TYPED_TEST(HarrisQuick, AnEvenWindowReachesFartherToTheRightAndTheBottom)
+TYPE_TEST(HarrisQuick, AnEvenWindowReachesFartherToTheRightAndTheBottom)
 {
     const auto response = responseOf(brightPixel<TypeParam>({11, 11}, 5, 5), withWindow({}, 2));
     for (int y = 0; y < 11; ++y) {
@@ -271,7 +264,7 @@ TYPED_TEST(HarrisQuick, AnEvenWindowReachesFartherToTheRightAndTheBottom)
 }
 
 // Two pixels between a constant border: dy is 0, and the window counts no products but those of the two pixels.
-TYPED_TEST(HarrisQuick, ProductsBesideAConstantBorderAreZeroWhateverItsValue)
+TYPE_TEST(HarrisQuick, ProductsBesideAConstantBorderAreZeroWhateverItsValue)
 {
     Image<TypeParam> image({2, 1});
     image.at(0, 0) = 3;
@@ -284,7 +277,7 @@ TYPED_TEST(HarrisQuick, ProductsBesideAConstantBorderAreZeroWhateverItsValue)
 }
 
 // On a side in memory the window takes the products of the pixels that are there, also where the mode is constant.
-TYPED_TEST(HarrisQuick, OnSidesInMemoryTheWindowSeesRealProducts)
+TYPE_TEST(HarrisQuick, OnSidesInMemoryTheWindowSeesRealProducts)
 {
     const HarrisParameters p = withWindow({}, 3);
     Image<TypeParam> wide({12, 9});
@@ -330,7 +323,7 @@ TEST(HarrisOfFloatsQuick, RunningSumsKeepWhatWasRoundedAlongTheWholeRow)
     EXPECT_NE(result[15 * width + 390], responseOf(quiet, p)[15 * width + 390]);
 }
 
-TYPED_TEST(Harris, RowsBetweenUnreadablePages)
+TYPE_TEST(Harris, RowsBetweenUnreadablePages)
 {
     int number = 0;
     for (const LumiBorderType border : kBorders) {
@@ -350,7 +343,7 @@ TYPED_TEST(Harris, RowsBetweenUnreadablePages)
     }
 }
 
-TYPED_TEST(Harris, ScratchAtEveryAddress)
+TYPE_TEST(Harris, ScratchAtEveryAddress)
 {
     for (int distance = 0; distance < 64; ++distance) {
         for (const Guard guard : {Guard::After, Guard::Before}) {

@@ -10,24 +10,17 @@
 #include "filter/column_pipeline_fixture.hpp"
 #include "filter/pipeline_query.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test {
 namespace {
 
-template <typename V>
-class ColumnPipelineChecksQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ColumnPipelineChecksQuick, ColumnVariants, VariantName);
+TYPE_SUITE(ColumnPipelineChecksQuick, ColumnVariants, VariantName);
 
 // Variants with pixels of three bytes or more.
-template <typename V>
-class WidePixelColumnPipelineQuick : public testing::Test
-{
-};
 using WidePixelColumnVariants = testing::Types<Column_32f_C1, Column_32f_C3, Column_16s_C3, Column_16s8u_C3,
                                                Column_16s8s_C3, Column_16u_C3, Column_Low_16s_C3>;
-TYPED_TEST_SUITE(WidePixelColumnPipelineQuick, WidePixelColumnVariants, VariantName);
+TYPE_SUITE(WidePixelColumnPipelineQuick, WidePixelColumnVariants, VariantName);
 
 // What a violation changes of a valid call, the same for all variants.
 struct ColumnStatusArguments
@@ -122,7 +115,7 @@ void expectColumnStatusOrder(const ColumnStatusArguments& valid, int pixelBytes,
     expectStatusOrder(valid, table);
 }
 
-TYPED_TEST(ColumnPipelineChecksQuick, StatusOrder)
+TYPE_TEST(ColumnPipelineChecksQuick, StatusOrder)
 {
     ColumnOperands<TypeParam> operands(statusCase());
     expectColumnStatusOrder(statusArguments(operands), TypeParam::pixelBytes, sizeof(typename TypeParam::Destination),
@@ -131,7 +124,7 @@ TYPED_TEST(ColumnPipelineChecksQuick, StatusOrder)
 
 // How many rows are looked at follows from the kernel's size even where that is not a size at all: none if the sum is
 // not above 0.
-TYPED_TEST(ColumnPipelineChecksQuick, NullRowsOfKernelsWithoutTaps)
+TYPE_TEST(ColumnPipelineChecksQuick, NullRowsOfKernelsWithoutTaps)
 {
     ColumnOperands<TypeParam> operands(statusCase());
     const auto status = [&](int kernelSize, int nullRow) {
@@ -151,7 +144,7 @@ TYPED_TEST(ColumnPipelineChecksQuick, NullRowsOfKernelsWithoutTaps)
     }
 }
 
-TYPED_TEST(ColumnPipelineChecksQuick, NullRowAnywhere)
+TYPE_TEST(ColumnPipelineChecksQuick, NullRowAnywhere)
 {
     for (const int height : {1, 2, 3, 8}) {
         for (const int kernelSize : {1, 2, 3, 5, 8}) {
@@ -172,7 +165,7 @@ TYPED_TEST(ColumnPipelineChecksQuick, NullRowAnywhere)
     }
 }
 
-TYPED_TEST(ColumnPipelineChecksQuick, StrideEqualToRowIsAccepted)
+TYPE_TEST(ColumnPipelineChecksQuick, StrideEqualToRowIsAccepted)
 {
     ColumnCase c = statusCase();
     c.height = 1;
@@ -184,7 +177,7 @@ TYPED_TEST(ColumnPipelineChecksQuick, StrideEqualToRowIsAccepted)
 }
 
 // The bytes of a row are a product modulo 2^32: an absurd width gets past the stride and is stopped by the scratch.
-TYPED_TEST(WidePixelColumnPipelineQuick, RowBytesWrap)
+TYPE_TEST(WidePixelColumnPipelineQuick, RowBytesWrap)
 {
     constexpr unsigned long long modulus = 1ull << 32;
     constexpr unsigned long long width = (modulus + TypeParam::pixelBytes - 1) / TypeParam::pixelBytes;
@@ -200,7 +193,7 @@ TYPED_TEST(WidePixelColumnPipelineQuick, RowBytesWrap)
     EXPECT_EQ(lumErrStep, TypeParam::call(arguments));
 }
 
-TYPED_TEST(ColumnPipelineChecksQuick, BufferSizes)
+TYPE_TEST(ColumnPipelineChecksQuick, BufferSizes)
 {
     for (const int kernelSize : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 64, 100, 1000, 100000}) {
         for (const int width : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 640, 1919, 1920, 1921, 1000000}) {
@@ -236,14 +229,14 @@ TEST(ColumnPipelineBufferSize, KnownValues)
 }
 
 // Each query has either the width or the kernel in its formula.
-TYPED_TEST(ColumnPipelineChecksQuick, BufferSizeBeyond32Bits)
+TYPE_TEST(ColumnPipelineChecksQuick, BufferSizeBeyond32Bits)
 {
     Lum32s size = -1;
     EXPECT_EQ(lumErrSizeTooLarge, TypeParam::query({INT_MAX, 4}, INT_MAX, &size));
     EXPECT_EQ(-1, size);
 }
 
-TYPED_TEST(ColumnPipelineChecksQuick, QueryStatusOrder)
+TYPE_TEST(ColumnPipelineChecksQuick, QueryStatusOrder)
 {
     expectQueryStatusOrder(TypeParam::query);
 }

@@ -11,41 +11,26 @@
 #include "filter/column_pipeline_fixture.hpp"
 #include "support/max_cache_size.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test {
 namespace {
 
-template <typename V>
-class ColumnPipelineQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ColumnPipelineQuick, ColumnVariants, VariantName);
+TYPE_SUITE(ColumnPipelineQuick, ColumnVariants, VariantName);
 
-template <typename V>
-class ColumnPipeline : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ColumnPipeline, ColumnVariants, VariantName);
+TYPE_SUITE(ColumnPipeline, ColumnVariants, VariantName);
 
 // Variants with a divisor and negative results.
-template <typename V>
-class SignedColumnPipelineQuick : public testing::Test
-{
-};
 using SignedColumnVariants = testing::Types<Column_16s_C1, Column_16s_C3, Column_16s8s_C1, Column_16s8s_C3,
                                             Column_Low_16s_C1, Column_Low_16s_C3>;
-TYPED_TEST_SUITE(SignedColumnPipelineQuick, SignedColumnVariants, VariantName);
+TYPE_SUITE(SignedColumnPipelineQuick, SignedColumnVariants, VariantName);
 
 // Variants that sum in single precision and round to integers.
-template <typename V>
-class RoundedColumnPipelineQuick : public testing::Test
-{
-};
 using RoundedColumnVariants = testing::Types<Column_16s_C1, Column_16s_C3, Column_16s8u_C1, Column_16s8u_C3,
                                              Column_16s8s_C1, Column_16s8s_C3, Column_16u_C1, Column_16u_C3>;
-TYPED_TEST_SUITE(RoundedColumnPipelineQuick, RoundedColumnVariants, VariantName);
+TYPE_SUITE(RoundedColumnPipelineQuick, RoundedColumnVariants, VariantName);
 
-TYPED_TEST(ColumnPipelineQuick, MatchesReference)
+TYPE_TEST(ColumnPipelineQuick, MatchesReference)
 {
     int number = 0;
     for (const int width : {1, 4, 15, 16, 33, 67}) {
@@ -58,7 +43,7 @@ TYPED_TEST(ColumnPipelineQuick, MatchesReference)
     }
 }
 
-TYPED_TEST(ColumnPipeline, MatchesReferenceOverWidthsAndKernels)
+TYPE_TEST(ColumnPipeline, MatchesReferenceOverWidthsAndKernels)
 {
     int number = 0;
     for (const int width : sweepWidths()) {
@@ -77,7 +62,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOverWidthsAndKernels)
     }
 }
 
-TYPED_TEST(ColumnPipeline, MatchesReferenceOverDivisorsAndCoefficients)
+TYPE_TEST(ColumnPipeline, MatchesReferenceOverDivisorsAndCoefficients)
 {
     int number = 0;
     for (const int divisor :
@@ -98,7 +83,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOverDivisorsAndCoefficients)
     }
 }
 
-TYPED_TEST(ColumnPipeline, MatchesReferenceWhereEverythingIsAligned)
+TYPE_TEST(ColumnPipeline, MatchesReferenceWhereEverythingIsAligned)
 {
     int number = 0;
     for (const int width : {16, 32, 48, 64, 65, 79, 128, 160, 320}) {
@@ -114,7 +99,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceWhereEverythingIsAligned)
     }
 }
 
-TYPED_TEST(ColumnPipeline, MatchesReferenceOnTallAndWideImages)
+TYPE_TEST(ColumnPipeline, MatchesReferenceOnTallAndWideImages)
 {
     int number = 0;
     for (const int kernelSize : {1, 3, 5, 7, 24}) {
@@ -129,7 +114,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOnTallAndWideImages)
 }
 
 // Images of half a million and a million pixels, whose rows may be stored past the cache.
-TYPED_TEST(ColumnPipeline, MatchesReferenceOnLargeImages)
+TYPE_TEST(ColumnPipeline, MatchesReferenceOnLargeImages)
 {
     const ReportedCacheSize reported(0, 0x10000);
     for (const int kernelSize : {3, 4, 5}) {
@@ -150,7 +135,7 @@ TYPED_TEST(ColumnPipeline, MatchesReferenceOnLargeImages)
     ASSERT_TRUE(matchesReference<TypeParam>(c));
 }
 
-TYPED_TEST(ColumnPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
+TYPE_TEST(ColumnPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
 {
     for (int offset = 0; offset < 64; ++offset) {
         for (const Placement placement : {Placement::PageAfter, Placement::PageBefore}) {
@@ -169,7 +154,7 @@ TYPED_TEST(ColumnPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
 }
 
 // The scratch of most integer variants does not grow with the kernel.
-TYPED_TEST(ColumnPipeline, ThousandTapsOverNarrowRows)
+TYPE_TEST(ColumnPipeline, ThousandTapsOverNarrowRows)
 {
     for (const int width : {1, 2, 15, 16, 17}) {
         for (const int scratchOffset : {0, 63}) {
@@ -184,7 +169,7 @@ TYPED_TEST(ColumnPipeline, ThousandTapsOverNarrowRows)
 }
 
 // Pointers to the same row again and again are how a caller gets its borders above and below.
-TYPED_TEST(ColumnPipelineQuick, RowsMayRepeat)
+TYPE_TEST(ColumnPipelineQuick, RowsMayRepeat)
 {
     for (const int kernelSize : {3, 4, 5, 9}) {
         ColumnCase c = drawnColumnCase(kernelSize);
@@ -199,7 +184,7 @@ TYPED_TEST(ColumnPipelineQuick, RowsMayRepeat)
     }
 }
 
-TYPED_TEST(ColumnPipeline, ThreadsWorkOnBands)
+TYPE_TEST(ColumnPipeline, ThreadsWorkOnBands)
 {
     constexpr int bands = 4;
     ColumnCase c;
@@ -229,7 +214,7 @@ TYPED_TEST(ColumnPipeline, ThreadsWorkOnBands)
     EXPECT_TRUE(operands.destinationAsExpected());
 }
 
-TYPED_TEST(ColumnPipelineQuick, KernelIsNotReversed)
+TYPE_TEST(ColumnPipelineQuick, KernelIsNotReversed)
 {
     for (const auto value : filterFlatRows<TypeParam>({1, 2, 3}, 37, {20, 5, 1}, 1)) {
         ASSERT_EQ(1 * 20 + 2 * 5 + 3 * 1, value);
@@ -242,7 +227,7 @@ TYPED_TEST(ColumnPipelineQuick, KernelIsNotReversed)
     }
 }
 
-TYPED_TEST(ColumnPipelineQuick, OneTapCopiesThroughTheScale)
+TYPE_TEST(ColumnPipelineQuick, OneTapCopiesThroughTheScale)
 {
     for (const auto value : filterFlatRows<TypeParam>({77}, 37, {1}, 1)) {
         ASSERT_EQ(77, value);
@@ -252,14 +237,14 @@ TYPED_TEST(ColumnPipelineQuick, OneTapCopiesThroughTheScale)
     }
 }
 
-TYPED_TEST(SignedColumnPipelineQuick, DivisorMinusOneNegates)
+TYPE_TEST(SignedColumnPipelineQuick, DivisorMinusOneNegates)
 {
     for (const auto value : filterFlatRows<TypeParam>({55, 20}, 37, {1, 3}, -1)) {
         ASSERT_EQ(-115, value);
     }
 }
 
-TYPED_TEST(RoundedColumnPipelineQuick, TiesGoToEven)
+TYPE_TEST(RoundedColumnPipelineQuick, TiesGoToEven)
 {
     const int halves[][2] = {{1, 0}, {2, 1}, {3, 2}, {5, 2}, {7, 4}, {249, 124}, {251, 126}};
     for (const auto& half : halves) {
@@ -273,7 +258,7 @@ TYPED_TEST(RoundedColumnPipelineQuick, TiesGoToEven)
     }
 }
 
-TYPED_TEST(RoundedColumnPipelineQuick, SumsBeyond32BitsSaturateToTheirSide)
+TYPE_TEST(RoundedColumnPipelineQuick, SumsBeyond32BitsSaturateToTheirSide)
 {
     using Row = typename TypeParam::Row;
     using Destination = typename TypeParam::Destination;

@@ -2,15 +2,12 @@
 #include "filter/derivative_fixture.hpp"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::derivatives {
 namespace {
 
-template <class S>
-class DerivativeServices : public testing::Test
-{
-};
-TYPED_TEST_SUITE(DerivativeServices, SourceTypes, ServiceName);
+TYPE_SUITE(DerivativeServices, SourceTypes, ServiceName);
 
 // A random image through one of the two ways to call a service, against the reference.
 template <class S, template <class> class SourceImage = Image>
@@ -82,7 +79,7 @@ std::vector<int> outerProduct(const std::vector<int>& down, const std::vector<in
 }
 
 // SobelX alone is the left side minus the right one.
-TYPED_TEST(DerivativeServices, KernelsAndTheirSigns)
+TYPE_TEST(DerivativeServices, KernelsAndTheirSigns)
 {
     using V = std::vector<int>;
     EXPECT_EQ((kernelOf<TypeParam>(lumDerivSobelX, lumMask3x3)), (V{1, 0, -1, 2, 0, -2, 1, 0, -1}));
@@ -95,7 +92,7 @@ TYPED_TEST(DerivativeServices, KernelsAndTheirSigns)
     EXPECT_EQ((kernelOf<TypeParam>(lumDerivSobelXNeg, lumMask5x5)), outerProduct({1, 4, 6, 4, 1}, {-1, -2, 0, 2, 1}));
 }
 
-TYPED_TEST(DerivativeServices, RampsAndFlatImages)
+TYPE_TEST(DerivativeServices, RampsAndFlatImages)
 {
     using D = typename Services<TypeParam>::Destination;
     FilterSetting setting;
@@ -129,7 +126,7 @@ TYPED_TEST(DerivativeServices, RampsAndFlatImages)
     }
 }
 
-TYPED_TEST(DerivativeServices, EveryBorder)
+TYPE_TEST(DerivativeServices, EveryBorder)
 {
     int number = 0;
     for (LumiBorderType border = 0; border < 256; ++border) {
@@ -155,7 +152,7 @@ TYPED_TEST(DerivativeServices, EveryBorder)
     }
 }
 
-TYPED_TEST(DerivativeServices, EveryWidthAndHeight)
+TYPE_TEST(DerivativeServices, EveryWidthAndHeight)
 {
     int number = 0;
     for (const LumDerivCode code : kCodes) {
@@ -181,7 +178,7 @@ TYPED_TEST(DerivativeServices, EveryWidthAndHeight)
 }
 
 // Every row of the source alone between unreadable pages; the scratch of exactly its size at every address.
-TYPED_TEST(DerivativeServices, RowsBetweenUnreadablePages)
+TYPE_TEST(DerivativeServices, RowsBetweenUnreadablePages)
 {
     int number = 0;
     for (const int width : {1, 2, 3, 4, 7, 8, 15, 16, 17, 18, 31, 33, 64, 65, 130}) {
@@ -205,7 +202,7 @@ TYPED_TEST(DerivativeServices, RowsBetweenUnreadablePages)
 }
 
 // Strides are not held against the width: the rows of the source may overlap.
-TYPED_TEST(DerivativeServices, RowsOfTheSourceMayOverlap)
+TYPE_TEST(DerivativeServices, RowsOfTheSourceMayOverlap)
 {
     using D = typename Services<TypeParam>::Destination;
     std::vector<TypeParam> pixels;

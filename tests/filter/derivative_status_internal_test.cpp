@@ -3,6 +3,7 @@
 
 #include "filter/derivative_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::derivatives {
 namespace {
@@ -10,11 +11,7 @@ namespace {
 constexpr int kIntMax = std::numeric_limits<int>::max();
 constexpr int kIntMin = std::numeric_limits<int>::min();
 
-template <class S>
-class DerivativeStatus : public testing::Test
-{
-};
-TYPED_TEST_SUITE(DerivativeStatus, SourceTypes, ServiceName);
+TYPE_SUITE(DerivativeStatus, SourceTypes, ServiceName);
 
 template <class S>
 struct FilterArgs
@@ -45,7 +42,7 @@ struct FilterArgs
 };
 
 // No stride is too short; the mask comes before the border.
-TYPED_TEST(DerivativeStatus, ChecksInOrder)
+TYPE_TEST(DerivativeStatus, ChecksInOrder)
 {
     using Args = FilterArgs<TypeParam>;
     FilterSetting setting;

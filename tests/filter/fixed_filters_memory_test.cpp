@@ -8,27 +8,16 @@
 #include "filter/fixed_filters_fixture.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::fixed_filters {
 namespace {
 
-template <class C>
-class FixedFiltersMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FixedFiltersMemory, AllCases, CaseName);
+TYPE_SUITE(FixedFiltersMemory, AllCases, CaseName);
 
-template <class C>
-class FixedFiltersMemoryQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FixedFiltersMemoryQuick, AllCases, CaseName);
+TYPE_SUITE(FixedFiltersMemoryQuick, AllCases, CaseName);
 
-template <class C>
-class FixedFiltersLarge : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FixedFiltersLarge, AllCases, CaseName);
+TYPE_SUITE(FixedFiltersLarge, AllCases, CaseName);
 
 // Every row of source and destination alone between unreadable pages, the source read-only.
 template <class C>
@@ -84,19 +73,19 @@ void sweepIsolatedRows(const std::vector<int>& widths)
     }
 }
 
-TYPED_TEST(FixedFiltersMemory, RowsBetweenUnreadablePages)
+TYPE_TEST(FixedFiltersMemory, RowsBetweenUnreadablePages)
 {
     sweepIsolatedRows<TypeParam>({1,  2,  3,  4,  5,  7,  8,  9,   15,  16,  17,  18,  19,  31,  32,
                                   33, 34, 47, 49, 63, 64, 65, 100, 127, 128, 129, 130, 200, 255, 257});
 }
 
-TYPED_TEST(FixedFiltersMemoryQuick, RowsBetweenUnreadablePages)
+TYPE_TEST(FixedFiltersMemoryQuick, RowsBetweenUnreadablePages)
 {
     sweepIsolatedRows<TypeParam>({1, 10, 33, 70});
 }
 
 // Scratch of exactly the queried size at every byte address.
-TYPED_TEST(FixedFiltersMemory, ScratchStandsAnywhere)
+TYPE_TEST(FixedFiltersMemory, ScratchStandsAnywhere)
 {
     int number = 0;
     for (const LumiMaskSize mask : kMasks) {
@@ -118,7 +107,7 @@ TYPED_TEST(FixedFiltersMemory, ScratchStandsAnywhere)
 }
 
 // The scratch of every width: the pitches of its rows step at other widths than its other parts.
-TYPED_TEST(FixedFiltersMemory, ScratchOfEveryWidth)
+TYPE_TEST(FixedFiltersMemory, ScratchOfEveryWidth)
 {
     for (const LumiMaskSize mask : kMasks) {
         for (int width = 1; width <= 200; ++width) {
@@ -137,7 +126,7 @@ TYPED_TEST(FixedFiltersMemory, ScratchOfEveryWidth)
 }
 
 // Source and destination rows at every alignment: rows of odd length follow each other without a gap.
-TYPED_TEST(FixedFiltersMemory, RowsStandAnywhere)
+TYPE_TEST(FixedFiltersMemory, RowsStandAnywhere)
 {
     int number = 0;
     for (const LumiMaskSize mask : kMasks) {
@@ -187,7 +176,7 @@ struct Bench
     PlacedBlock scratch;
 };
 
-TYPED_TEST(FixedFiltersMemoryQuick, ScratchHoldsNothingAndServesSmallerImages)
+TYPE_TEST(FixedFiltersMemoryQuick, ScratchHoldsNothingAndServesSmallerImages)
 {
     using D = typename TypeParam::Destination;
     for (const LumiMaskSize mask : kMasks) {
@@ -210,7 +199,7 @@ TYPED_TEST(FixedFiltersMemoryQuick, ScratchHoldsNothingAndServesSmallerImages)
 }
 
 // What the destination held before does not count, also where it is read between two passes.
-TYPED_TEST(FixedFiltersMemoryQuick, DestinationIsOnlyWritten)
+TYPE_TEST(FixedFiltersMemoryQuick, DestinationIsOnlyWritten)
 {
     using D = typename TypeParam::Destination;
     for (const LumiMaskSize mask : kMasks) {
@@ -227,7 +216,7 @@ TYPED_TEST(FixedFiltersMemoryQuick, DestinationIsOnlyWritten)
     }
 }
 
-TYPED_TEST(FixedFiltersMemoryQuick, ThreadsFilterOneSource)
+TYPE_TEST(FixedFiltersMemoryQuick, ThreadsFilterOneSource)
 {
     using D = typename TypeParam::Destination;
     for (const LumiMaskSize mask : kMasks) {
@@ -283,7 +272,7 @@ void expectSameAtEveryReport(const FilterSetting& setting, LumiMaskSize mask, co
     }
 }
 
-TYPED_TEST(FixedFiltersLarge, EveryReport)
+TYPE_TEST(FixedFiltersLarge, EveryReport)
 {
     const int bytesPerPixel = std::is_same_v<typename TypeParam::Source, Lum32f> ? 8 : 2;
     for (const LumiMaskSize mask : kMasks) {
@@ -307,7 +296,7 @@ TYPED_TEST(FixedFiltersLarge, EveryReport)
 }
 
 // Destination rows of every length at every alignment, written past the cache.
-TYPED_TEST(FixedFiltersLarge, RowsStandAnywhere)
+TYPE_TEST(FixedFiltersLarge, RowsStandAnywhere)
 {
     const ReportedCacheSize reported(lumOk, 1);
     int number = 0;
@@ -333,14 +322,14 @@ TYPED_TEST(FixedFiltersLarge, RowsStandAnywhere)
     }
 }
 
-TYPED_TEST(FixedFiltersLarge, RowsBetweenUnreadablePages)
+TYPE_TEST(FixedFiltersLarge, RowsBetweenUnreadablePages)
 {
     const ReportedCacheSize reported(lumOk, 1);
     sweepIsolatedRows<TypeParam>({1, 2, 7, 15, 17, 33, 64, 65, 129, 257});
 }
 
 // Around 0x100000 pixels, in one row, in one column and in between.
-TYPED_TEST(FixedFiltersLarge, AroundAMillionPixels)
+TYPE_TEST(FixedFiltersLarge, AroundAMillionPixels)
 {
     const std::vector<Report> reports = {{lumErrGeneric, 1}, {lumOk, 1}};
     for (const LumiMaskSize mask : kMasks) {
@@ -362,7 +351,7 @@ TYPED_TEST(FixedFiltersLarge, AroundAMillionPixels)
 }
 
 // From 0x200000 pixels on, 8u images may be too large for the caches.
-TYPED_TEST(FixedFiltersLarge, TwoMillionPixels)
+TYPE_TEST(FixedFiltersLarge, TwoMillionPixels)
 {
     if constexpr (std::is_same_v<typename TypeParam::Source, Lum8u>) {
         FilterSetting setting;
@@ -373,7 +362,7 @@ TYPED_TEST(FixedFiltersLarge, TwoMillionPixels)
     }
 }
 
-TYPED_TEST(FixedFiltersLarge, SingleRowsAndColumns)
+TYPE_TEST(FixedFiltersLarge, SingleRowsAndColumns)
 {
     const ReportedCacheSize reported(lumOk, 1);
     int number = 0;

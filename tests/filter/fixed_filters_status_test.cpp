@@ -3,6 +3,7 @@
 
 #include "filter/fixed_filters_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::fixed_filters {
 namespace {
@@ -12,11 +13,7 @@ constexpr int kIntMin = std::numeric_limits<int>::min();
 constexpr int kWidth = 11;
 constexpr int kHeight = 5;
 
-template <class C>
-class FixedFiltersStatusQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FixedFiltersStatusQuick, AllCases, CaseName);
+TYPE_SUITE(FixedFiltersStatusQuick, AllCases, CaseName);
 
 template <class C>
 struct Operands
@@ -130,7 +127,7 @@ std::vector<Violation<ApplyArgs<C>>> applyOrder()
 }
 
 // The mask comes last, behind the border.
-TYPED_TEST(FixedFiltersStatusQuick, ChecksInOrder)
+TYPE_TEST(FixedFiltersStatusQuick, ChecksInOrder)
 {
     for (const LumiMaskSize mask : kMasks) {
         Operands<TypeParam> operands(mask);
@@ -138,7 +135,7 @@ TYPED_TEST(FixedFiltersStatusQuick, ChecksInOrder)
     }
 }
 
-TYPED_TEST(FixedFiltersStatusQuick, EveryBorderValue)
+TYPE_TEST(FixedFiltersStatusQuick, EveryBorderValue)
 {
     for (const LumiMaskSize mask : kMasks) {
         Operands<TypeParam> operands(mask);
@@ -150,7 +147,7 @@ TYPED_TEST(FixedFiltersStatusQuick, EveryBorderValue)
     }
 }
 
-TYPED_TEST(FixedFiltersStatusQuick, EveryMask)
+TYPE_TEST(FixedFiltersStatusQuick, EveryMask)
 {
     Operands<TypeParam> operands(lumMask5x5);
     for (LumiMaskSize mask = -1; mask <= 300; ++mask) {
@@ -164,7 +161,7 @@ TYPED_TEST(FixedFiltersStatusQuick, EveryMask)
 }
 
 // Rows as long as the strides are accepted, and so is any stride of a single row.
-TYPED_TEST(FixedFiltersStatusQuick, StridesThatPass)
+TYPE_TEST(FixedFiltersStatusQuick, StridesThatPass)
 {
     for (const LumiMaskSize mask : kMasks) {
         Operands<TypeParam> operands(mask);
@@ -185,7 +182,7 @@ Wide expectedSize(int width, LumiMaskSize mask)
     return bufferSize<typename C::Operator, typename C::Source>(width, mask);
 }
 
-TYPED_TEST(FixedFiltersStatusQuick, BufferSizes)
+TYPE_TEST(FixedFiltersStatusQuick, BufferSizes)
 {
     for (const LumiMaskSize mask : kMasks) {
         for (int width = 1; width < 300; ++width) {
@@ -199,7 +196,7 @@ TYPED_TEST(FixedFiltersStatusQuick, BufferSizes)
 }
 
 // The largest size that 32 bits hold is given, the next is refused.
-TYPED_TEST(FixedFiltersStatusQuick, BufferSizeTooLarge)
+TYPE_TEST(FixedFiltersStatusQuick, BufferSizeTooLarge)
 {
     for (const LumiMaskSize mask : kMasks) {
         int fits = 1;
@@ -237,7 +234,7 @@ struct QueryArgs
     }
 };
 
-TYPED_TEST(FixedFiltersStatusQuick, QueryChecksInOrder)
+TYPE_TEST(FixedFiltersStatusQuick, QueryChecksInOrder)
 {
     using Q = QueryArgs<TypeParam>;
     const PlacedBlock result(sizeof(Lum32s));

@@ -4,6 +4,7 @@
 
 #include "filter/fixed_filters_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::fixed_filters {
 namespace {
@@ -209,20 +210,12 @@ TEST(FixedFiltersQuick, OneRowByHand)
     EXPECT_EQ(laplacian(lumBorderConstant), (std::vector<Lum16s>{392, 384, 376, 368}));
 }
 
-template <class C>
-class FixedFiltersQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FixedFiltersQuick, AllCases, CaseName);
+TYPE_SUITE(FixedFiltersQuick, AllCases, CaseName);
 
-template <class C>
-class FixedFilters : public testing::Test
-{
-};
-TYPED_TEST_SUITE(FixedFilters, AllCases, CaseName);
+TYPE_SUITE(FixedFilters, AllCases, CaseName);
 
 // The derivatives of a flat image vanish, and the lowpass gives the image back up to its rounding.
-TYPED_TEST(FixedFiltersQuick, FlatImages)
+TYPE_TEST(FixedFiltersQuick, FlatImages)
 {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Destination;
@@ -245,7 +238,7 @@ TYPED_TEST(FixedFiltersQuick, FlatImages)
     }
 }
 
-TYPED_TEST(FixedFiltersQuick, MatchesTheReference)
+TYPE_TEST(FixedFiltersQuick, MatchesTheReference)
 {
     int number = 0;
     for (const LumiMaskSize mask : kMasks) {
@@ -256,7 +249,7 @@ TYPED_TEST(FixedFiltersQuick, MatchesTheReference)
 }
 
 // Every mode with every combination of sides in memory, on images below and above the mask.
-TYPED_TEST(FixedFilters, EveryBorder)
+TYPE_TEST(FixedFilters, EveryBorder)
 {
     int number = 0;
     for (LumiBorderType border = 0; border < 256; ++border) {
@@ -281,7 +274,7 @@ TYPED_TEST(FixedFilters, EveryBorder)
     }
 }
 
-TYPED_TEST(FixedFilters, EveryWidth)
+TYPE_TEST(FixedFilters, EveryWidth)
 {
     int number = 0;
     for (const LumiMaskSize mask : kMasks) {
@@ -302,7 +295,7 @@ TYPED_TEST(FixedFilters, EveryWidth)
     }
 }
 
-TYPED_TEST(FixedFilters, EveryWidthUpToTwoVectors)
+TYPE_TEST(FixedFilters, EveryWidthUpToTwoVectors)
 {
     int number = 1;
     for (const LumiMaskSize mask : kMasks) {
@@ -319,7 +312,7 @@ TYPED_TEST(FixedFilters, EveryWidthUpToTwoVectors)
     }
 }
 
-TYPED_TEST(FixedFilters, EveryHeight)
+TYPE_TEST(FixedFilters, EveryHeight)
 {
     int number = 2;
     for (const LumiMaskSize mask : kMasks) {
@@ -336,7 +329,7 @@ TYPED_TEST(FixedFilters, EveryHeight)
 }
 
 // Infinities, not-a-numbers, denormals and numbers whose sums overflow, in images of floats.
-TYPED_TEST(FixedFilters, ExtremeValues)
+TYPE_TEST(FixedFilters, ExtremeValues)
 {
     int number = 3;
     for (const LumiMaskSize mask : kMasks) {

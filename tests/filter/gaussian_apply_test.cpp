@@ -4,6 +4,7 @@
 
 #include "filter/gaussian_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::gaussian {
 namespace {
@@ -80,19 +81,11 @@ TEST(GaussianQuick, OneRowUnderMirrorIsItsOwnNeighbour)
     EXPECT_EQ(mirrored, (std::vector<Lum8u>{10, 48, 86, 124, 162, 200}));
 }
 
-template <class Format>
-class GaussianQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(GaussianQuick, AllFormats, FormatName);
+TYPE_SUITE(GaussianQuick, AllFormats, FormatName);
 
-template <class Format>
-class Gaussian : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(Gaussian, AllFormats, FormatName);
+TYPE_SUITE(Gaussian, AllFormats, FormatName);
 
-TYPED_TEST(GaussianQuick, MatchesTheReference)
+TYPE_TEST(GaussianQuick, MatchesTheReference)
 {
     int seed = 0;
     for (const Lum32s kernelSize : kKernelSizes) {
@@ -114,7 +107,7 @@ TYPED_TEST(GaussianQuick, MatchesTheReference)
 }
 
 // An impulse of 1 shows the products of the taps, each rounded once.
-TYPED_TEST(GaussianQuick, ImpulseShowsTheTaps)
+TYPE_TEST(GaussianQuick, ImpulseShowsTheTaps)
 {
     if constexpr (TypeParam::dataType == lumType32f) {
         for (const Lum32s kernelSize : kKernelSizes) {
@@ -151,7 +144,7 @@ TYPED_TEST(GaussianQuick, ImpulseShowsTheTaps)
 }
 
 // A flat image stays what it is: the taps sum to one, and what they miss of it is far from half an integer.
-TYPED_TEST(GaussianQuick, FlatIntegersStay)
+TYPE_TEST(GaussianQuick, FlatIntegersStay)
 {
     using T = typename TypeParam::Element;
     if constexpr (TypeParam::dataType != lumType32f) {
@@ -185,7 +178,7 @@ TYPED_TEST(GaussianQuick, FlatIntegersStay)
 }
 
 // With a tiny sigma the outer taps are zero and the centre is one.
-TYPED_TEST(GaussianQuick, TinySigmaCopies)
+TYPE_TEST(GaussianQuick, TinySigmaCopies)
 {
     using T = typename TypeParam::Element;
     for (const Lum32s kernelSize : kKernelSizes) {
@@ -213,7 +206,7 @@ TYPED_TEST(GaussianQuick, TinySigmaCopies)
 
 // Every mode with every combination of sides in memory, and 240 with any low bits, on images below and above the
 // kernel.
-TYPED_TEST(Gaussian, EveryBorder)
+TYPE_TEST(Gaussian, EveryBorder)
 {
     const LumiSize sizes[] = {{1, 1}, {5, 1}, {1, 5}, {2, 2}, {9, 4}, {40, 6}, {66, 35}};
     int seed = 0;
@@ -273,7 +266,7 @@ Setting placed(int width, int height, Lum32s kernelSize, int seed)
     return setting;
 }
 
-TYPED_TEST(Gaussian, EveryWidth)
+TYPE_TEST(Gaussian, EveryWidth)
 {
     int seed = 0;
     for (const Lum32s kernelSize : kKernelSizes) {
@@ -291,7 +284,7 @@ TYPED_TEST(Gaussian, EveryWidth)
     }
 }
 
-TYPED_TEST(Gaussian, EveryWidthUpToTwoVectors)
+TYPE_TEST(Gaussian, EveryWidthUpToTwoVectors)
 {
     int seed = 3;
     for (int width = 1; width <= 140; ++width) {
@@ -306,7 +299,7 @@ TYPED_TEST(Gaussian, EveryWidthUpToTwoVectors)
     }
 }
 
-TYPED_TEST(Gaussian, EveryHeight)
+TYPE_TEST(Gaussian, EveryHeight)
 {
     int seed = 1;
     for (const Lum32s kernelSize : kKernelSizes) {
@@ -323,7 +316,7 @@ TYPED_TEST(Gaussian, EveryHeight)
     }
 }
 
-TYPED_TEST(Gaussian, EveryKernelUpTo41)
+TYPE_TEST(Gaussian, EveryKernelUpTo41)
 {
     int seed = 2;
     for (Lum32s kernelSize = 3; kernelSize <= 41; kernelSize += 2) {
@@ -341,7 +334,7 @@ TYPED_TEST(Gaussian, EveryKernelUpTo41)
     }
 }
 
-TYPED_TEST(Gaussian, KernelsLargerThanTheImage)
+TYPE_TEST(Gaussian, KernelsLargerThanTheImage)
 {
     int seed = 0;
     for (const Lum32s kernelSize : {63, 65, 101, 257}) {
@@ -359,7 +352,7 @@ TYPED_TEST(Gaussian, KernelsLargerThanTheImage)
     }
 }
 
-TYPED_TEST(Gaussian, EverySigma)
+TYPE_TEST(Gaussian, EverySigma)
 {
     using Limits = std::numeric_limits<Lum32f>;
     int seed = 0;
@@ -380,7 +373,7 @@ TYPED_TEST(Gaussian, EverySigma)
 }
 
 // Infinities, not-a-numbers, denormals and numbers whose sums overflow.
-TYPED_TEST(Gaussian, ExtremeValues)
+TYPE_TEST(Gaussian, ExtremeValues)
 {
     int seed = 0;
     for (const Lum32s kernelSize : kKernelSizes) {

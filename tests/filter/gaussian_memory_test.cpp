@@ -8,29 +8,18 @@
 #include "filter/gaussian_fixture.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::gaussian {
 namespace {
 
 constexpr Lum32s kKernelSizes[] = {3, 5, 7, 9, 15, 31};
 
-template <class Format>
-class GaussianMemory : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(GaussianMemory, AllFormats, FormatName);
+TYPE_SUITE(GaussianMemory, AllFormats, FormatName);
 
-template <class Format>
-class GaussianMemoryQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(GaussianMemoryQuick, AllFormats, FormatName);
+TYPE_SUITE(GaussianMemoryQuick, AllFormats, FormatName);
 
-template <class Format>
-class GaussianLarge : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(GaussianLarge, AllFormats, FormatName);
+TYPE_SUITE(GaussianLarge, AllFormats, FormatName);
 
 // Every row of source and destination alone between unreadable pages, the source read-only.
 template <class Format>
@@ -61,7 +50,7 @@ void expectRowsRespected(const Setting& setting)
     EXPECT_TRUE(scratch.intact());
 }
 
-TYPED_TEST(GaussianMemory, RowsBetweenUnreadablePages)
+TYPE_TEST(GaussianMemory, RowsBetweenUnreadablePages)
 {
     const int widths[] = {1,  2,  3,  5,  7,  8,  9,   15,  16,  17,  21,  31,
                           32, 33, 47, 63, 64, 65, 100, 127, 128, 129, 200, 257};
@@ -93,7 +82,7 @@ TYPED_TEST(GaussianMemory, RowsBetweenUnreadablePages)
     }
 }
 
-TYPED_TEST(GaussianMemoryQuick, RowsBetweenUnreadablePages)
+TYPE_TEST(GaussianMemoryQuick, RowsBetweenUnreadablePages)
 {
     int seed = 0;
     for (const Lum32s kernelSize : {3, 5, 7, 9}) {
@@ -112,7 +101,7 @@ TYPED_TEST(GaussianMemoryQuick, RowsBetweenUnreadablePages)
 }
 
 // Records and scratch of exactly the queried sizes at every byte address.
-TYPED_TEST(GaussianMemory, BlocksStandAnywhere)
+TYPE_TEST(GaussianMemory, BlocksStandAnywhere)
 {
     int seed = 0;
     for (const Lum32s kernelSize : kKernelSizes) {
@@ -137,7 +126,7 @@ TYPED_TEST(GaussianMemory, BlocksStandAnywhere)
 }
 
 // Destination and source rows at every alignment: rows of odd length follow each other without a gap.
-TYPED_TEST(GaussianMemory, RowsStandAnywhere)
+TYPE_TEST(GaussianMemory, RowsStandAnywhere)
 {
     int seed = 0;
     for (const Lum32s kernelSize : {3, 5, 7, 9}) {
@@ -192,7 +181,7 @@ struct Bench
 };
 
 // One record and one scratch block for any image that is not larger, one after the other.
-TYPED_TEST(GaussianMemoryQuick, OneRecordServesSmallerImages)
+TYPE_TEST(GaussianMemoryQuick, OneRecordServesSmallerImages)
 {
     using T = typename TypeParam::Element;
     for (const Lum32s kernelSize : {3, 5, 7, 15}) {
@@ -216,7 +205,7 @@ TYPED_TEST(GaussianMemoryQuick, OneRecordServesSmallerImages)
     }
 }
 
-TYPED_TEST(GaussianMemoryQuick, ScratchHoldsNothing)
+TYPE_TEST(GaussianMemoryQuick, ScratchHoldsNothing)
 {
     using T = typename TypeParam::Element;
     Setting setting;
@@ -233,7 +222,7 @@ TYPED_TEST(GaussianMemoryQuick, ScratchHoldsNothing)
 }
 
 // The rows of the source may overlap: a stride need only reach the width in pixels.
-TYPED_TEST(GaussianMemoryQuick, SourceRowsMayOverlap)
+TYPE_TEST(GaussianMemoryQuick, SourceRowsMayOverlap)
 {
     using T = typename TypeParam::Element;
     constexpr int width = 32;
@@ -279,7 +268,7 @@ TYPED_TEST(GaussianMemoryQuick, SourceRowsMayOverlap)
 }
 
 // No stride is refused for its alignment; that of a single row is never used.
-TYPED_TEST(GaussianMemoryQuick, StrideOfASingleRow)
+TYPE_TEST(GaussianMemoryQuick, StrideOfASingleRow)
 {
     using T = typename TypeParam::Element;
     Setting setting;
@@ -296,7 +285,7 @@ TYPED_TEST(GaussianMemoryQuick, StrideOfASingleRow)
 }
 
 // A record is read by any number of threads, each with its own scratch.
-TYPED_TEST(GaussianMemoryQuick, ThreadsShareARecord)
+TYPE_TEST(GaussianMemoryQuick, ThreadsShareARecord)
 {
     using T = typename TypeParam::Element;
     Setting setting;
@@ -367,7 +356,7 @@ Setting largeSetting(int width, int height, Lum32s kernelSize, LumiBorderType bo
     return setting;
 }
 
-TYPED_TEST(GaussianLarge, AskedFromTheThresholdOn)
+TYPE_TEST(GaussianLarge, AskedFromTheThresholdOn)
 {
     // the threshold less one is a prime, so it is one row or one column
     expectLarge<TypeParam>(largeSetting(kLargePixels - 1, 1, 3, lumBorderMirror), 0, {{0, 1}});
@@ -379,7 +368,7 @@ TYPED_TEST(GaussianLarge, AskedFromTheThresholdOn)
 }
 
 // Below, equal, above; nonsense; and a failure with a number that must not be trusted.
-TYPED_TEST(GaussianLarge, EveryReport)
+TYPE_TEST(GaussianLarge, EveryReport)
 {
     constexpr int pixels = 1024 * 513;
     expectLarge<TypeParam>(largeSetting(1024, 513, 5, lumBorderMirror), 1,
@@ -395,7 +384,7 @@ TYPED_TEST(GaussianLarge, EveryReport)
 }
 
 // Rows at every alignment, of odd widths, in every class of kernels.
-TYPED_TEST(GaussianLarge, RowsStandAnywhere)
+TYPE_TEST(GaussianLarge, RowsStandAnywhere)
 {
     int number = 0;
     for (const Lum32s kernelSize : {3, 5, 7, 9}) {
@@ -409,7 +398,7 @@ TYPED_TEST(GaussianLarge, RowsStandAnywhere)
     }
 }
 
-TYPED_TEST(GaussianLarge, NarrowImages)
+TYPE_TEST(GaussianLarge, NarrowImages)
 {
     for (const int width : {2, 3, 5, 17, 33}) {
         expectLarge<TypeParam>(largeSetting(width, kLargePixels / width + 1, width == 3 ? 5 : 3, lumBorderMirror), 1,

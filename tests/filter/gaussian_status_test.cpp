@@ -4,15 +4,12 @@
 
 #include "filter/gaussian_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::gaussian {
 namespace {
 
-template <class Format>
-class GaussianStatusQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(GaussianStatusQuick, AllFormats, FormatName);
+TYPE_SUITE(GaussianStatusQuick, AllFormats, FormatName);
 
 constexpr Lum64s kWidth = 10;
 constexpr Lum64s kHeight = 8;
@@ -172,23 +169,23 @@ void expectApplyOrder(Apply way)
     expectStatusOrder(ApplyArgs<Format>(operands), applyOrder<Format>(way));
 }
 
-TYPED_TEST(GaussianStatusQuick, ChecksInOrder)
+TYPE_TEST(GaussianStatusQuick, ChecksInOrder)
 {
     expectApplyOrder<TypeParam>(Apply::Ordinary);
 }
 
-TYPED_TEST(GaussianStatusQuick, LargeChecksInOrder)
+TYPE_TEST(GaussianStatusQuick, LargeChecksInOrder)
 {
     expectApplyOrder<TypeParam>(Apply::Large);
 }
 
-TYPED_TEST(GaussianStatusQuick, BorderFromRecordChecksInOrder)
+TYPE_TEST(GaussianStatusQuick, BorderFromRecordChecksInOrder)
 {
     expectApplyOrder<TypeParam>(Apply::BorderFromRecord);
 }
 
 // The ordinary entries ask for a positive stride before they look at the width, the large ones only compare the two.
-TYPED_TEST(GaussianStatusQuick, StrideZeroAndWidthZero)
+TYPE_TEST(GaussianStatusQuick, StrideZeroAndWidthZero)
 {
     for (const Apply way : kAllWays) {
         Operands<TypeParam> operands(way);
@@ -205,7 +202,7 @@ TYPED_TEST(GaussianStatusQuick, StrideZeroAndWidthZero)
 }
 
 // The kernel size that counts is refused wherever it stands, before it is used for anything.
-TYPED_TEST(GaussianStatusQuick, RecordWithoutAKernel)
+TYPE_TEST(GaussianStatusQuick, RecordWithoutAKernel)
 {
     for (const Apply way : kAllWays) {
         Operands<TypeParam> operands(way);
@@ -221,7 +218,7 @@ TYPED_TEST(GaussianStatusQuick, RecordWithoutAKernel)
     }
 }
 
-TYPED_TEST(GaussianStatusQuick, EveryBorderValue)
+TYPE_TEST(GaussianStatusQuick, EveryBorderValue)
 {
     // margins on all sides, as some of the values ask for them
     using T = typename TypeParam::Element;
@@ -251,7 +248,7 @@ TYPED_TEST(GaussianStatusQuick, EveryBorderValue)
     }
 }
 
-TYPED_TEST(GaussianStatusQuick, LargeGeometryIsRefused)
+TYPE_TEST(GaussianStatusQuick, LargeGeometryIsRefused)
 {
     using Args = ApplyArgs<TypeParam>;
     Operands<TypeParam> operands(Apply::Large);

@@ -9,31 +9,20 @@
 #include "filter/pipeline_query.hpp"
 #include "filter/row_pipeline_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test {
 namespace {
 
-template <typename V>
-class RowPipelineChecksQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(RowPipelineChecksQuick, RowVariants, VariantName);
+TYPE_SUITE(RowPipelineChecksQuick, RowVariants, VariantName);
 
-template <typename V>
-class ThreeChannelRowPipelineQuick : public testing::Test
-{
-};
 using ThreeChannelRowVariants = testing::Types<Row_32f_C3, Row_16s_C3, Row_16u_C3, Row_8u16s_C3, Row_Low_16s_C3>;
-TYPED_TEST_SUITE(ThreeChannelRowPipelineQuick, ThreeChannelRowVariants, VariantName);
+TYPE_SUITE(ThreeChannelRowPipelineQuick, ThreeChannelRowVariants, VariantName);
 
 // Variants with pixels of three bytes or more.
-template <typename V>
-class WidePixelRowPipelineQuick : public testing::Test
-{
-};
 using WidePixelRowVariants =
     testing::Types<Row_32f_C1, Row_32f_C3, Row_16s_C3, Row_16u_C3, Row_8u16s_C3, Row_Low_16s_C3>;
-TYPED_TEST_SUITE(WidePixelRowPipelineQuick, WidePixelRowVariants, VariantName);
+TYPE_SUITE(WidePixelRowPipelineQuick, WidePixelRowVariants, VariantName);
 
 // What a violation changes of a valid call, the same for all variants.
 struct RowStatusArguments
@@ -152,14 +141,14 @@ void expectRowStatusOrder(const RowStatusArguments& valid, int pixelBytes, int e
     expectStatusOrder(valid, table);
 }
 
-TYPED_TEST(RowPipelineChecksQuick, StatusOrder)
+TYPE_TEST(RowPipelineChecksQuick, StatusOrder)
 {
     const RowOperands<TypeParam> operands(statusCase());
     expectRowStatusOrder(statusArguments(operands), TypeParam::pixelBytes, sizeof(typename TypeParam::Source),
                          !TypeParam::floating);
 }
 
-TYPED_TEST(RowPipelineChecksQuick, NullRowAnywhere)
+TYPE_TEST(RowPipelineChecksQuick, NullRowAnywhere)
 {
     for (const int height : {1, 2, 4, 6, 7, 16, 17}) {
         RowCase c;
@@ -179,7 +168,7 @@ TYPED_TEST(RowPipelineChecksQuick, NullRowAnywhere)
     }
 }
 
-TYPED_TEST(RowPipelineChecksQuick, StrideEqualToRowIsAccepted)
+TYPE_TEST(RowPipelineChecksQuick, StrideEqualToRowIsAccepted)
 {
     RowCase c;
     c.width = 5;
@@ -194,7 +183,7 @@ TYPED_TEST(RowPipelineChecksQuick, StrideEqualToRowIsAccepted)
 
 // The bytes of a row are a product modulo 2^32: an absurd width gets past the stride and is stopped by the border
 // value.
-TYPED_TEST(WidePixelRowPipelineQuick, RowBytesWrap)
+TYPE_TEST(WidePixelRowPipelineQuick, RowBytesWrap)
 {
     constexpr unsigned long long modulus = 1ull << 32;
     constexpr unsigned long long width = (modulus + TypeParam::pixelBytes - 1) / TypeParam::pixelBytes;
@@ -214,7 +203,7 @@ TYPED_TEST(WidePixelRowPipelineQuick, RowBytesWrap)
 }
 
 // Every value from 0 to 255 and some beyond: accepted are 240 and whatever holds mode 1, 3 or 6 in its low four bits.
-TYPED_TEST(RowPipelineChecksQuick, AcceptsBorderValues)
+TYPE_TEST(RowPipelineChecksQuick, AcceptsBorderValues)
 {
     RowCase c;
     c.width = 6;
@@ -236,7 +225,7 @@ TYPED_TEST(RowPipelineChecksQuick, AcceptsBorderValues)
     }
 }
 
-TYPED_TEST(ThreeChannelRowPipelineQuick, NeedsNoBorderValuesUnlessConstant)
+TYPE_TEST(ThreeChannelRowPipelineQuick, NeedsNoBorderValuesUnlessConstant)
 {
     RowCase c;
     c.width = 9;
@@ -253,7 +242,7 @@ TYPED_TEST(ThreeChannelRowPipelineQuick, NeedsNoBorderValuesUnlessConstant)
     }
 }
 
-TYPED_TEST(ThreeChannelRowPipelineQuick, ConstantNeedsBorderValuesAndSaysSoLast)
+TYPE_TEST(ThreeChannelRowPipelineQuick, ConstantNeedsBorderValuesAndSaysSoLast)
 {
     RowCase c;
     c.width = 9;
@@ -268,7 +257,7 @@ TYPED_TEST(ThreeChannelRowPipelineQuick, ConstantNeedsBorderValuesAndSaysSoLast)
     EXPECT_EQ(lumErrBorder, TypeParam::call(arguments));
 }
 
-TYPED_TEST(RowPipelineChecksQuick, BufferSizeBeyond32Bits)
+TYPE_TEST(RowPipelineChecksQuick, BufferSizeBeyond32Bits)
 {
     const Lum64s one = TypeParam::bufferSize(1);
     const Lum64s scale = TypeParam::bufferSize(2) - one;
@@ -282,7 +271,7 @@ TYPED_TEST(RowPipelineChecksQuick, BufferSizeBeyond32Bits)
     EXPECT_EQ(-1, size);
 }
 
-TYPED_TEST(RowPipelineChecksQuick, BufferSizes)
+TYPE_TEST(RowPipelineChecksQuick, BufferSizes)
 {
     for (const int kernelSize : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 64, 100, 1000, 100000}) {
         for (const LumiSize roiSize :
@@ -294,7 +283,7 @@ TYPED_TEST(RowPipelineChecksQuick, BufferSizes)
     }
 }
 
-TYPED_TEST(RowPipelineChecksQuick, QueryStatusOrder)
+TYPE_TEST(RowPipelineChecksQuick, QueryStatusOrder)
 {
     expectQueryStatusOrder(TypeParam::query);
 }

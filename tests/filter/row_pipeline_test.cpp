@@ -9,40 +9,25 @@
 
 #include "filter/row_pipeline_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test {
 namespace {
 
-template <typename V>
-class RowPipelineQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(RowPipelineQuick, RowVariants, VariantName);
+TYPE_SUITE(RowPipelineQuick, RowVariants, VariantName);
 
-template <typename V>
-class RowPipeline : public testing::Test
-{
-};
-TYPED_TEST_SUITE(RowPipeline, RowVariants, VariantName);
+TYPE_SUITE(RowPipeline, RowVariants, VariantName);
 
 // Variants with a divisor and negative results.
-template <typename V>
-class SignedRowPipelineQuick : public testing::Test
-{
-};
 using SignedRowVariants =
     testing::Types<Row_16s_C1, Row_16s_C3, Row_8u16s_C1, Row_8u16s_C3, Row_Low_16s_C1, Row_Low_16s_C3>;
-TYPED_TEST_SUITE(SignedRowPipelineQuick, SignedRowVariants, VariantName);
+TYPE_SUITE(SignedRowPipelineQuick, SignedRowVariants, VariantName);
 
 // Variants that sum in single precision and round to integers.
-template <typename V>
-class RoundedRowPipelineQuick : public testing::Test
-{
-};
 using RoundedRowVariants = testing::Types<Row_16s_C1, Row_16s_C3, Row_16u_C1, Row_16u_C3, Row_8u16s_C1, Row_8u16s_C3>;
-TYPED_TEST_SUITE(RoundedRowPipelineQuick, RoundedRowVariants, VariantName);
+TYPE_SUITE(RoundedRowPipelineQuick, RoundedRowVariants, VariantName);
 
-TYPED_TEST(RowPipelineQuick, MatchesReference)
+TYPE_TEST(RowPipelineQuick, MatchesReference)
 {
     int number = 0;
     for (const int width : {1, 4, 16, 33, 65}) {
@@ -56,7 +41,7 @@ TYPED_TEST(RowPipelineQuick, MatchesReference)
     }
 }
 
-TYPED_TEST(RowPipeline, MatchesReferenceOverWidthsAndKernels)
+TYPE_TEST(RowPipeline, MatchesReferenceOverWidthsAndKernels)
 {
     int number = 0;
     for (const int width : sweepWidths()) {
@@ -80,7 +65,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOverWidthsAndKernels)
     }
 }
 
-TYPED_TEST(RowPipeline, MatchesReferenceOverBordersAndAnchors)
+TYPE_TEST(RowPipeline, MatchesReferenceOverBordersAndAnchors)
 {
     int number = 0;
     for (const int width : {1, 2, 3, 5, 32, 33, 35}) {
@@ -101,7 +86,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOverBordersAndAnchors)
     }
 }
 
-TYPED_TEST(RowPipeline, MatchesReferenceOverDivisorsAndCoefficients)
+TYPE_TEST(RowPipeline, MatchesReferenceOverDivisorsAndCoefficients)
 {
     int number = 0;
     for (const int divisor :
@@ -123,7 +108,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOverDivisorsAndCoefficients)
     }
 }
 
-TYPED_TEST(RowPipeline, MatchesReferenceOnLongRowsAndManyRows)
+TYPE_TEST(RowPipeline, MatchesReferenceOnLongRowsAndManyRows)
 {
     int number = 0;
     for (const int kernelSize : {1, 3, 5, 7, 24}) {
@@ -138,7 +123,7 @@ TYPED_TEST(RowPipeline, MatchesReferenceOnLongRowsAndManyRows)
     }
 }
 
-TYPED_TEST(RowPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
+TYPE_TEST(RowPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
 {
     for (int offset = 0; offset < 64; ++offset) {
         for (const Placement placement : {Placement::PageAfter, Placement::PageBefore}) {
@@ -157,7 +142,7 @@ TYPED_TEST(RowPipeline, WorksInScratchOfQueriedSizeAtAnyAddress)
     }
 }
 
-TYPED_TEST(RowPipeline, LongKernelOnNarrowRow)
+TYPE_TEST(RowPipeline, LongKernelOnNarrowRow)
 {
     for (const int width : {1, 2, 7, 33}) {
         for (const LumiBorderType borderType : borderTypes) {
@@ -173,7 +158,7 @@ TYPED_TEST(RowPipeline, LongKernelOnNarrowRow)
     }
 }
 
-TYPED_TEST(RowPipeline, ThreadsWorkOnBands)
+TYPE_TEST(RowPipeline, ThreadsWorkOnBands)
 {
     constexpr int bands = 4;
     RowCase c;
@@ -205,7 +190,7 @@ TYPED_TEST(RowPipeline, ThreadsWorkOnBands)
     EXPECT_TRUE(operands.rowsAsExpected());
 }
 
-TYPED_TEST(RowPipelineQuick, OneTapCopiesThroughTheScale)
+TYPE_TEST(RowPipelineQuick, OneTapCopiesThroughTheScale)
 {
     using Source = typename TypeParam::Source;
     std::vector<Source> row(40 * TypeParam::channels);
@@ -220,7 +205,7 @@ TYPED_TEST(RowPipelineQuick, OneTapCopiesThroughTheScale)
     }
 }
 
-TYPED_TEST(SignedRowPipelineQuick, DivisorMinusOneNegates)
+TYPE_TEST(SignedRowPipelineQuick, DivisorMinusOneNegates)
 {
     std::vector<typename TypeParam::Source> row(40 * TypeParam::channels, 100);
     row[0] = 7;
@@ -231,7 +216,7 @@ TYPED_TEST(SignedRowPipelineQuick, DivisorMinusOneNegates)
 }
 
 // 1 2 3 with two pixels before and three behind it.
-TYPED_TEST(RowPipelineQuick, KernelIsNotReversedAndEachBorderIsItself)
+TYPE_TEST(RowPipelineQuick, KernelIsNotReversedAndEachBorderIsItself)
 {
     using Source = typename TypeParam::Source;
     constexpr int channels = TypeParam::channels;
@@ -264,7 +249,7 @@ TYPED_TEST(RowPipelineQuick, KernelIsNotReversedAndEachBorderIsItself)
     EXPECT_EQ((Three{20, 21, 22}), filtered(6, 5, lumBorderConstant | lumBorderInMemRight));
 }
 
-TYPED_TEST(RowPipelineQuick, OnePixelMirrorsToItself)
+TYPE_TEST(RowPipelineQuick, OnePixelMirrorsToItself)
 {
     using Source = typename TypeParam::Source;
     std::vector<Source> pixel;
@@ -282,7 +267,7 @@ TYPED_TEST(RowPipelineQuick, OnePixelMirrorsToItself)
     }
 }
 
-TYPED_TEST(RoundedRowPipelineQuick, TiesGoToEven)
+TYPE_TEST(RoundedRowPipelineQuick, TiesGoToEven)
 {
     std::vector<typename TypeParam::Source> row(40 * TypeParam::channels);
     for (std::size_t i = 0; i < row.size(); ++i) {
@@ -296,7 +281,7 @@ TYPED_TEST(RoundedRowPipelineQuick, TiesGoToEven)
 }
 
 // 64 products of 32767 and the largest element are far above 32 bits.
-TYPED_TEST(RoundedRowPipelineQuick, SumsBeyond32BitsSaturateToTheirSide)
+TYPE_TEST(RoundedRowPipelineQuick, SumsBeyond32BitsSaturateToTheirSide)
 {
     using Source = typename TypeParam::Source;
     using Row = typename TypeParam::Row;
@@ -311,15 +296,11 @@ TYPED_TEST(RoundedRowPipelineQuick, SumsBeyond32BitsSaturateToTheirSide)
     }
 }
 
-template <typename V>
-class LowRowPipeline : public testing::Test
-{
-};
 using LowRowVariants = testing::Types<Row_Low_16s_C1, Row_Low_16s_C3>;
-TYPED_TEST_SUITE(LowRowPipeline, LowRowVariants, VariantName);
+TYPE_SUITE(LowRowPipeline, LowRowVariants, VariantName);
 
 // 32767 * 32767 * 5 is above 2^32; its low 32 bits are what is stored with saturation.
-TYPED_TEST(LowRowPipeline, SumsWrapAndTheirStoresSaturate)
+TYPE_TEST(LowRowPipeline, SumsWrapAndTheirStoresSaturate)
 {
     const std::vector<Lum16s> row(60 * TypeParam::channels, 32767);
     const auto filtered = [&](std::vector<Lum16s> kernel, int divisor) {
@@ -335,7 +316,7 @@ TYPED_TEST(LowRowPipeline, SumsWrapAndTheirStoresSaturate)
     EXPECT_EQ(all(32767), filtered({32767, 32767, 32767, 32767, 32767}, 1));
 }
 
-TYPED_TEST(LowRowPipeline, ScaleIsTruncatedAndNothingIsRounded)
+TYPE_TEST(LowRowPipeline, ScaleIsTruncatedAndNothingIsRounded)
 {
     const std::vector<Lum16s> row(60 * TypeParam::channels, 30);
     const auto filtered = [&](Lum16s coefficient, int divisor) {
@@ -358,7 +339,7 @@ TYPED_TEST(LowRowPipeline, ScaleIsTruncatedAndNothingIsRounded)
 
 // Symmetric five taps around the pixel with divisor 1 have a path of their own; above 0x80000 pixels it writes past the
 // cache. The images stand on both sides of that number.
-TYPED_TEST(LowRowPipeline, SymmetricFiveTapsOnBothSidesOfTheLargeImage)
+TYPE_TEST(LowRowPipeline, SymmetricFiveTapsOnBothSidesOfTheLargeImage)
 {
     const LumiSize sizes[] = {{4096, 128}, {524287, 1}, {524289, 1}, {174763, 3}, {2047, 257}, {35, 14980}};
     int number = 0;
@@ -381,7 +362,7 @@ TYPED_TEST(LowRowPipeline, SymmetricFiveTapsOnBothSidesOfTheLargeImage)
     }
 }
 
-TYPED_TEST(LowRowPipeline, FiveTapsNearTheSymmetricOnes)
+TYPE_TEST(LowRowPipeline, FiveTapsNearTheSymmetricOnes)
 {
     const std::vector<std::vector<Lum16s>> kernels = {
         {1, 4, 6, 4, 1}, {1, 4, 6, 4, 2}, {1, 4, 6, 5, 1}, {-32768, 32767, -32768, 32767, -32768}, {0, 0, 0, 0, 0}};

@@ -4,6 +4,7 @@
 
 #include "filter/separable_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::separable {
 namespace {
@@ -226,17 +227,9 @@ TEST(SeparableQuick, ScaleFactorIsNotRead)
     }
 }
 
-template <class C>
-class SeparableQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SeparableQuick, AllCases, CaseName);
+TYPE_SUITE(SeparableQuick, AllCases, CaseName);
 
-template <class C>
-class Separable : public testing::Test
-{
-};
-TYPED_TEST_SUITE(Separable, AllCases, CaseName);
+TYPE_SUITE(Separable, AllCases, CaseName);
 
 // The settings of a sweep go through channel counts, kernel types and entries in turn.
 template <class C>
@@ -264,7 +257,7 @@ void expectInTurn(int number, Setting setting, LumiSize kernelSize)
     expectFiltered<C>(turn.entry, setting, kernel);
 }
 
-TYPED_TEST(SeparableQuick, MatchesTheReference)
+TYPE_TEST(SeparableQuick, MatchesTheReference)
 {
     int number = 0;
     for (const LumiSize kernelSize : {LumiSize{1, 1}, LumiSize{3, 3}, LumiSize{5, 5}, LumiSize{4, 2}, LumiSize{7, 9}}) {
@@ -275,7 +268,7 @@ TYPED_TEST(SeparableQuick, MatchesTheReference)
     }
 }
 
-TYPED_TEST(SeparableQuick, KernelOfASingleOneCopies)
+TYPE_TEST(SeparableQuick, KernelOfASingleOneCopies)
 {
     using S = typename TypeParam::Source;
     for (const int channels : kChannels) {
@@ -311,7 +304,7 @@ TYPED_TEST(SeparableQuick, KernelOfASingleOneCopies)
 constexpr LumiSize kKernelSizes[] = {{3, 3}, {5, 5}, {3, 5}, {5, 3}, {1, 4}, {7, 1}, {2, 6}, {8, 8}, {9, 7}};
 
 // Every mode with every combination of sides in memory, on images below and above the kernel.
-TYPED_TEST(Separable, EveryBorder)
+TYPE_TEST(Separable, EveryBorder)
 {
     const LumiSize sizes[] = {{1, 1}, {5, 1}, {1, 5}, {2, 2}, {9, 4}, {40, 6}};
     int number = 0;
@@ -335,7 +328,7 @@ TYPED_TEST(Separable, EveryBorder)
     }
 }
 
-TYPED_TEST(Separable, EveryWidth)
+TYPE_TEST(Separable, EveryWidth)
 {
     int number = 0;
     for (const LumiSize kernelSize : kKernelSizes) {
@@ -354,7 +347,7 @@ TYPED_TEST(Separable, EveryWidth)
     }
 }
 
-TYPED_TEST(Separable, EveryWidthUpToTwoVectors)
+TYPE_TEST(Separable, EveryWidthUpToTwoVectors)
 {
     int number = 1;
     for (int width = 1; width <= 70; ++width) {
@@ -369,7 +362,7 @@ TYPED_TEST(Separable, EveryWidthUpToTwoVectors)
     }
 }
 
-TYPED_TEST(Separable, EveryHeight)
+TYPE_TEST(Separable, EveryHeight)
 {
     int number = 2;
     for (const LumiSize kernelSize : kKernelSizes) {
@@ -385,7 +378,7 @@ TYPED_TEST(Separable, EveryHeight)
     }
 }
 
-TYPED_TEST(Separable, EveryKernelUpTo18)
+TYPE_TEST(Separable, EveryKernelUpTo18)
 {
     int number = 3;
     for (Lum32s kw = 1; kw <= 18; ++kw) {
@@ -402,7 +395,7 @@ TYPED_TEST(Separable, EveryKernelUpTo18)
 }
 
 // The ring does in the bytes of the formula: nearly all its rows come from the border.
-TYPED_TEST(Separable, KernelsTallerAndWiderThanTheImage)
+TYPE_TEST(Separable, KernelsTallerAndWiderThanTheImage)
 {
     int number = 4;
     for (const LumiSize kernelSize : {LumiSize{3, 400}, LumiSize{400, 3}, LumiSize{5, 129}, LumiSize{66, 65}}) {
@@ -423,7 +416,7 @@ TYPED_TEST(Separable, KernelsTallerAndWiderThanTheImage)
 }
 
 // More rows than the kernel has: the ring of 400 rows turns round.
-TYPED_TEST(Separable, RingOf400RowsTurnsRound)
+TYPE_TEST(Separable, RingOf400RowsTurnsRound)
 {
     int number = 5;
     for (const LumiSize kernelSize : {LumiSize{1, 400}, LumiSize{3, 399}}) {
@@ -437,7 +430,7 @@ TYPED_TEST(Separable, RingOf400RowsTurnsRound)
 }
 
 // Infinities, not-a-numbers, denormals and numbers whose sums overflow, in images of floats.
-TYPED_TEST(Separable, ExtremeValues)
+TYPE_TEST(Separable, ExtremeValues)
 {
     int number = 6;
     for (const LumiSize kernelSize : kKernelSizes) {

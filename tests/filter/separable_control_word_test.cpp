@@ -1,64 +1,11 @@
 // The control words of the floating-point units, vector and x87: as before after every return, and no trap by a
 // denormal, whatever the caller has unmasked.
-#include <immintrin.h>
-
-#include <functional>
-
 #include "filter/separable_arguments.hpp"
+#include "support/control_words.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::separable {
 namespace {
-
-// of the vector unit's word: what is set and not what has happened
-constexpr unsigned kControlBits = 0xffc0;
-constexpr unsigned kDenormalMask = 0x0100;
-constexpr unsigned kAllMasked = 0x1f80;
-
-struct ControlWords
-{
-    unsigned vector;
-    Lum16u x87;
-
-    static ControlWords current()
-    {
-        ControlWords words{_mm_getcsr(), 0};
-        asm volatile("fnstcw %0" : "=m"(words.x87));
-        return words;
-    }
-    void set() const
-    {
-        asm volatile("fnclex\n\tfldcw %0" : : "m"(x87));
-        _mm_setcsr(vector);
-    }
-};
-
-struct Outcome
-{
-    LumStatus status;
-    ControlWords before;
-    ControlWords after;
-};
-
-// Nothing but the call runs under the given words.
-Outcome callUnder(const ControlWords& words, const std::function<LumStatus()>& call)
-{
-    const ControlWords usual = ControlWords::current();
-    words.set();
-    Outcome outcome{};
-    outcome.before = ControlWords::current();
-    outcome.status = call();
-    outcome.after = ControlWords::current();
-    usual.set();
-    return outcome;
-}
-
-void expectWordsKept(const Outcome& outcome, const ControlWords& words)
-{
-    ASSERT_EQ(outcome.before.vector & kControlBits, words.vector & kControlBits) << "the word was not set";
-    ASSERT_EQ(outcome.before.x87, words.x87) << "the x87 word was not set";
-    EXPECT_EQ(outcome.after.vector & kControlBits, words.vector & kControlBits);
-    EXPECT_EQ(outcome.after.x87, words.x87);
-}
 
 // All masked; denormals unmasked; and with them invalid operations, divisions by zero and overflows, which no call here
 // has. The x87 word 0x037f masks everything, 0x037d unmasks denormals, 0x0372 invalid, zero and overflow too.
@@ -79,11 +26,7 @@ constexpr ControlWords kOtherArithmetic[] = {
     {(kAllMasked & ~kDenormalMask) | 0x002f, 0x037d},
 };
 
-template <class C>
-class SeparableControlWordsQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SeparableControlWordsQuick, AllCases, CaseName);
+TYPE_SUITE(SeparableControlWordsQuick, AllCases, CaseName);
 
 // Denormals wherever there are floats: pixels, border values, coefficients.
 template <class T>
@@ -109,7 +52,7 @@ Kernel denormalKernel(LumDataType kernelType, LumiSize size)
     return kernel;
 }
 
-TYPED_TEST(SeparableControlWordsQuick, DenormalsDoNotTrap)
+TYPE_TEST(SeparableControlWordsQuick, DenormalsDoNotTrap)
 {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Destination;
@@ -161,7 +104,7 @@ TYPED_TEST(SeparableControlWordsQuick, DenormalsDoNotTrap)
     }
 }
 
-TYPED_TEST(SeparableControlWordsQuick, KeptAfterEveryError)
+TYPE_TEST(SeparableControlWordsQuick, KeptAfterEveryError)
 {
     for (const Entry entry : kBothEntries) {
         for (const int channels : kChannels) {
@@ -186,7 +129,7 @@ TYPED_TEST(SeparableControlWordsQuick, KeptAfterEveryError)
 }
 
 // Init copies denormal coefficients, and refuses, without touching the words.
-TYPED_TEST(SeparableControlWordsQuick, KeptByInitAndQueries)
+TYPE_TEST(SeparableControlWordsQuick, KeptByInitAndQueries)
 {
     for (const LumDataType kernelType : TypeParam::kernelTypes) {
         const Kernel kernel = denormalKernel(kernelType, {5, 3});

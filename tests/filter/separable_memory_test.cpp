@@ -8,27 +8,16 @@
 #include "filter/separable_fixture.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::separable {
 namespace {
 
-template <class C>
-class SeparableMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SeparableMemory, AllCases, CaseName);
+TYPE_SUITE(SeparableMemory, AllCases, CaseName);
 
-template <class C>
-class SeparableMemoryQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SeparableMemoryQuick, AllCases, CaseName);
+TYPE_SUITE(SeparableMemoryQuick, AllCases, CaseName);
 
-template <class C>
-class SeparableLarge : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SeparableLarge, AllCases, CaseName);
+TYPE_SUITE(SeparableLarge, AllCases, CaseName);
 
 template <class C>
 Kernel kernelOf(LumiSize size, int number)
@@ -100,19 +89,19 @@ void sweepIsolatedRows(const std::vector<int>& widths, const std::vector<LumiSiz
     }
 }
 
-TYPED_TEST(SeparableMemory, RowsBetweenUnreadablePages)
+TYPE_TEST(SeparableMemory, RowsBetweenUnreadablePages)
 {
     sweepIsolatedRows<TypeParam>({1, 2, 3, 5, 8, 9, 15, 17, 21, 31, 33, 47, 64, 65, 127, 130, 257},
                                  {{1, 1}, {3, 3}, {5, 5}, {7, 2}, {4, 9}});
 }
 
-TYPED_TEST(SeparableMemoryQuick, RowsBetweenUnreadablePages)
+TYPE_TEST(SeparableMemoryQuick, RowsBetweenUnreadablePages)
 {
     sweepIsolatedRows<TypeParam>({1, 10, 33, 70}, {{3, 3}, {5, 5}, {2, 6}});
 }
 
 // Records and scratch of exactly the queried sizes at every byte address.
-TYPED_TEST(SeparableMemory, BlocksStandAnywhere)
+TYPE_TEST(SeparableMemory, BlocksStandAnywhere)
 {
     int number = 0;
     for (const LumiSize kernelSize : {LumiSize{1, 1}, LumiSize{3, 3}, LumiSize{5, 5}, LumiSize{6, 7}}) {
@@ -137,7 +126,7 @@ TYPED_TEST(SeparableMemory, BlocksStandAnywhere)
 }
 
 // Source and destination rows at every alignment: rows of odd length follow each other without a gap.
-TYPED_TEST(SeparableMemory, RowsStandAnywhere)
+TYPE_TEST(SeparableMemory, RowsStandAnywhere)
 {
     int number = 0;
     for (const LumiSize kernelSize : {LumiSize{3, 3}, LumiSize{5, 5}, LumiSize{4, 7}}) {
@@ -200,7 +189,7 @@ struct Bench
 
 // One record, laid by either Init, and one scratch block for any image that is not larger, one after the other, through
 // both entries.
-TYPED_TEST(SeparableMemoryQuick, OneRecordServesSmallerImages)
+TYPE_TEST(SeparableMemoryQuick, OneRecordServesSmallerImages)
 {
     using D = typename TypeParam::Destination;
     int number = 0;
@@ -227,7 +216,7 @@ TYPED_TEST(SeparableMemoryQuick, OneRecordServesSmallerImages)
     }
 }
 
-TYPED_TEST(SeparableMemoryQuick, ScratchHoldsNothing)
+TYPE_TEST(SeparableMemoryQuick, ScratchHoldsNothing)
 {
     using D = typename TypeParam::Destination;
     for (const LumiSize kernelSize : {LumiSize{3, 3}, LumiSize{5, 5}, LumiSize{6, 8}}) {
@@ -246,7 +235,7 @@ TYPED_TEST(SeparableMemoryQuick, ScratchHoldsNothing)
 }
 
 // A record is read by any number of threads, each with its own scratch.
-TYPED_TEST(SeparableMemoryQuick, ThreadsShareARecord)
+TYPE_TEST(SeparableMemoryQuick, ThreadsShareARecord)
 {
     using D = typename TypeParam::Destination;
     Setting setting;
@@ -275,7 +264,7 @@ TYPED_TEST(SeparableMemoryQuick, ThreadsShareARecord)
 }
 
 // Odd widths and rows at odd addresses, beyond 0x80000 pixels; whatever the cache is said to hold changes no pixel.
-TYPED_TEST(SeparableLarge, CacheSizeChangesNoPixel)
+TYPE_TEST(SeparableLarge, CacheSizeChangesNoPixel)
 {
     using D = typename TypeParam::Destination;
     struct Report

@@ -1,17 +1,14 @@
 // What the separable filter refuses, and in which order: the alignment of the strides comes last, behind the border,
 // and a record that was never initialised behind the strides.
 #include "filter/separable_arguments.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::separable {
 namespace {
 
-template <class C>
-class SeparableStatusQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(SeparableStatusQuick, AllCases, CaseName);
+TYPE_SUITE(SeparableStatusQuick, AllCases, CaseName);
 
-TYPED_TEST(SeparableStatusQuick, ChecksInOrder)
+TYPE_TEST(SeparableStatusQuick, ChecksInOrder)
 {
     for (const int channels : kChannels) {
         for (const LumDataType kernelType : TypeParam::kernelTypes) {
@@ -22,7 +19,7 @@ TYPED_TEST(SeparableStatusQuick, ChecksInOrder)
     }
 }
 
-TYPED_TEST(SeparableStatusQuick, LargeChecksInOrder)
+TYPE_TEST(SeparableStatusQuick, LargeChecksInOrder)
 {
     for (const int channels : kChannels) {
         for (const LumDataType kernelType : TypeParam::kernelTypes) {
@@ -33,7 +30,7 @@ TYPED_TEST(SeparableStatusQuick, LargeChecksInOrder)
     }
 }
 
-TYPED_TEST(SeparableStatusQuick, EveryBorderValue)
+TYPE_TEST(SeparableStatusQuick, EveryBorderValue)
 {
     for (const Entry entry : kBothEntries) {
         for (const int channels : kChannels) {
@@ -56,7 +53,7 @@ TYPED_TEST(SeparableStatusQuick, EveryBorderValue)
     }
 }
 
-TYPED_TEST(SeparableStatusQuick, LargeGeometryIsRefused)
+TYPE_TEST(SeparableStatusQuick, LargeGeometryIsRefused)
 {
     using Args = ApplyArgs<TypeParam>;
     for (const int channels : kChannels) {
@@ -90,7 +87,7 @@ TYPED_TEST(SeparableStatusQuick, LargeGeometryIsRefused)
 }
 
 // A ROI whose rows are as long as the strides is accepted, and so is any stride of a single row.
-TYPED_TEST(SeparableStatusQuick, StridesThatPass)
+TYPE_TEST(SeparableStatusQuick, StridesThatPass)
 {
     for (const Entry entry : kBothEntries) {
         for (const int channels : kChannels) {

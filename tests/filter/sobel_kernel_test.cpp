@@ -8,6 +8,7 @@
 #include "filter/pipeline_blocks.hpp"
 #include "support/compare.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test {
 namespace {
@@ -38,12 +39,8 @@ struct SobelKernelName
     }
 };
 
-template <class T>
-class SobelKernelQuick : public testing::Test
-{
-};
 using SobelKernelTypes = testing::Types<Lum16s, Lum32f>;
-TYPED_TEST_SUITE(SobelKernelQuick, SobelKernelTypes, SobelKernelName);
+TYPE_SUITE(SobelKernelQuick, SobelKernelTypes, SobelKernelName);
 
 // The kernel in an array of exactly its size.
 template <class T>
@@ -77,7 +74,7 @@ std::vector<T> referenceKernel(int kernelSize, int dx, int sign)
     return kernel;
 }
 
-TYPED_TEST(SobelKernelQuick, SmallKernels)
+TYPE_TEST(SobelKernelQuick, SmallKernels)
 {
     using V = std::vector<TypeParam>;
     EXPECT_EQ(generated<TypeParam>(1, 0, 1), (V{1}));
@@ -93,7 +90,7 @@ TYPED_TEST(SobelKernelQuick, SmallKernels)
     EXPECT_EQ(generated<TypeParam>(7, 1, 1), (V{-1, -4, -5, 0, 5, 4, 1}));
 }
 
-TYPED_TEST(SobelKernelQuick, OnlyANegativeSignNegates)
+TYPE_TEST(SobelKernelQuick, OnlyANegativeSignNegates)
 {
     using V = std::vector<TypeParam>;
     constexpr int intMax = std::numeric_limits<int>::max();
@@ -107,7 +104,7 @@ TYPED_TEST(SobelKernelQuick, OnlyANegativeSignNegates)
 }
 
 // Up to sizes at which 16 bits wrap and floats round and overflow.
-TYPED_TEST(SobelKernelQuick, MatchesTheReference)
+TYPE_TEST(SobelKernelQuick, MatchesTheReference)
 {
     for (const int kernelSize : {1, 3, 5, 7, 9, 15, 17, 19, 21, 25, 31, 33, 41, 63, 65, 127, 129, 141, 301}) {
         for (const int dx : {0, 1, 2, 3, kernelSize / 2, kernelSize - 2, kernelSize - 1}) {
@@ -145,7 +142,7 @@ struct SobelKernelArgs
     }
 };
 
-TYPED_TEST(SobelKernelQuick, ChecksInOrder)
+TYPE_TEST(SobelKernelQuick, ChecksInOrder)
 {
     using Args = SobelKernelArgs<TypeParam>;
     const GuardedArray<TypeParam> kernel(5, Guard::After);

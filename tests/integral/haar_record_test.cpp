@@ -12,18 +12,11 @@
 
 #include "integral/haar_fixture.hpp"
 #include "support/isolated_rows.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::haar {
 namespace {
 
-template <class V>
-class HaarRecord : public testing::Test
-{
-};
-template <class V>
-class HaarRecordQuick : public testing::Test
-{
-};
 struct WeightName
 {
     template <class V>
@@ -33,10 +26,10 @@ struct WeightName
     }
 };
 using Weights = testing::Types<Lum32f, Lum32s>;
-TYPED_TEST_SUITE(HaarRecord, Weights, WeightName);
-TYPED_TEST_SUITE(HaarRecordQuick, Weights, WeightName);
+TYPE_SUITE(HaarRecord, Weights, WeightName);
+TYPE_SUITE(HaarRecordQuick, Weights, WeightName);
 
-TYPED_TEST(HaarRecordQuick, SizeFormula)
+TYPE_TEST(HaarRecordQuick, SizeFormula)
 {
     for (const std::vector<Lum32s>& nums :
          {std::vector<Lum32s>{1}, {2}, {3}, {2, 3, 2}, {1, 2, 3, 4, 5, 6}, std::vector<Lum32s>(200, 2), {100000}}) {
@@ -104,7 +97,7 @@ TEST(HaarRecordSizesQuick, TooLarge)
 }
 
 // Blocks of exactly the queried size at every byte address, at both ends of a page.
-TYPED_TEST(HaarRecord, BlockAtAnyAddress)
+TYPE_TEST(HaarRecord, BlockAtAnyAddress)
 {
     Random random(131);
     for (std::size_t distance = 0; distance < 64; ++distance) {
@@ -137,7 +130,7 @@ TYPED_TEST(HaarRecord, BlockAtAnyAddress)
 }
 
 // Every width: the row buffers of the formula do.
-TYPED_TEST(HaarRecord, BlockOfEveryWidth)
+TYPE_TEST(HaarRecord, BlockOfEveryWidth)
 {
     Random random(132);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 3, {4, 4});
@@ -158,7 +151,7 @@ TYPED_TEST(HaarRecord, BlockOfEveryWidth)
 }
 
 // A record serves all ROIs that are not above the one queried, tables of any stride, and any number of calls.
-TYPED_TEST(HaarRecord, ServesSmallerRoisAndAnyStride)
+TYPE_TEST(HaarRecord, ServesSmallerRoisAndAnyStride)
 {
     Random random(133);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 11, {8, 8});
@@ -183,7 +176,7 @@ TYPED_TEST(HaarRecord, ServesSmallerRoisAndAnyStride)
 }
 
 // The last byte of every row, and the first, stands at an unreadable page; tables and norms cannot be written.
-TYPED_TEST(HaarRecord, RowsStandAlone)
+TYPE_TEST(HaarRecord, RowsStandAlone)
 {
     Random random(134);
     for (const bool tiltedInit : {false, true}) {
@@ -239,7 +232,7 @@ TYPED_TEST(HaarRecord, RowsStandAlone)
 }
 
 // The window: the largest column of a top right corner and the largest row of a bottom right corner.
-TYPED_TEST(HaarRecordQuick, WindowSize)
+TYPE_TEST(HaarRecordQuick, WindowSize)
 {
     Random random(135);
     for (int repetition = 0; repetition < 40; ++repetition) {
@@ -272,7 +265,7 @@ TYPED_TEST(HaarRecordQuick, WindowSize)
 }
 
 // The largest column and the largest row may be those of different rectangles.
-TYPED_TEST(HaarRecordQuick, WindowSizeOfTwoRectangles)
+TYPE_TEST(HaarRecordQuick, WindowSizeOfTwoRectangles)
 {
     const Stage<TypeParam> stage = {{{{0, 0, 20, 1}, {3, 7, 2, 9}}, {1, 1}, 0, 0, 0}, {{{19, 2, 4, 3}}, {1}, 0, 0, 0}};
     const Record<TypeParam> record(stage, {5, 5});
@@ -282,7 +275,7 @@ TYPED_TEST(HaarRecordQuick, WindowSizeOfTwoRectangles)
     EXPECT_EQ(size.height, 16);
 }
 
-TYPED_TEST(HaarRecordQuick, WindowSizeOfARecordWithoutRectangles)
+TYPE_TEST(HaarRecordQuick, WindowSizeOfARecordWithoutRectangles)
 {
     const std::vector<unsigned char> zeros(512, 0);
     LumiSize size = {-1, -1};
@@ -294,7 +287,7 @@ TYPED_TEST(HaarRecordQuick, WindowSizeOfARecordWithoutRectangles)
 
 // Mixed forms only read the record: it may stand in memory that cannot be written, and serves threads at once, each
 // with its own mask.
-TYPED_TEST(HaarRecord, MixedThreadsShareARecord)
+TYPE_TEST(HaarRecord, MixedThreadsShareARecord)
 {
     Random random(136);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 9, {7, 7});
@@ -341,7 +334,7 @@ TYPED_TEST(HaarRecord, MixedThreadsShareARecord)
 }
 
 // Apply leaves the header alone: the window is the same and the record can still be turned.
-TYPED_TEST(HaarRecordQuick, RecordIsAsGoodAsNewAfterApply)
+TYPE_TEST(HaarRecordQuick, RecordIsAsGoodAsNewAfterApply)
 {
     Random random(137);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 4, {7, 7});

@@ -9,6 +9,7 @@
 
 #include "integral/haar_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::haar {
 namespace {
@@ -103,10 +104,6 @@ struct InitArgs
     }
 };
 
-template <class V>
-class HaarStatusQuick : public testing::Test
-{
-};
 struct WeightName
 {
     template <class V>
@@ -116,10 +113,10 @@ struct WeightName
     }
 };
 using Weights = testing::Types<Lum32f, Lum32s>;
-TYPED_TEST_SUITE(HaarStatusQuick, Weights, WeightName);
+TYPE_SUITE(HaarStatusQuick, Weights, WeightName);
 
 // A failing Init leaves the block as it was.
-TYPED_TEST(HaarStatusQuick, InitChecksInDocumentedOrder)
+TYPE_TEST(HaarStatusQuick, InitChecksInDocumentedOrder)
 {
     using A = InitArgs<TypeParam>;
     Random random(141);
@@ -165,7 +162,7 @@ TYPED_TEST(HaarStatusQuick, InitChecksInDocumentedOrder)
 }
 
 // A tilted Init takes a height of x + 1, and an upright one any.
-TYPED_TEST(HaarStatusQuick, HeightOfATiltedRectangle)
+TYPE_TEST(HaarStatusQuick, HeightOfATiltedRectangle)
 {
     for (int x = 0; x < 6; ++x) {
         const auto status = [&](bool tiltedInit, int height) {
@@ -181,7 +178,7 @@ TYPED_TEST(HaarStatusQuick, HeightOfATiltedRectangle)
     }
 }
 
-TYPED_TEST(HaarStatusQuick, WindowSizeChecksItsPointers)
+TYPE_TEST(HaarStatusQuick, WindowSizeChecksItsPointers)
 {
     Random random(142);
     const Record<TypeParam> record(drawStage<TypeParam>(random, 3, {5, 5}), {4, 4});

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "integral/haar_fixture.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::haar {
 namespace {
@@ -31,14 +32,6 @@ void expectAgreement(const Stage<V>& stage, const std::vector<Turn>& turns, cons
     });
 }
 
-template <class V>
-class HaarTilt : public testing::Test
-{
-};
-template <class V>
-class HaarTiltQuick : public testing::Test
-{
-};
 struct WeightName
 {
     template <class V>
@@ -48,11 +41,11 @@ struct WeightName
     }
 };
 using Weights = testing::Types<Lum32f, Lum32s>;
-TYPED_TEST_SUITE(HaarTilt, Weights, WeightName);
-TYPED_TEST_SUITE(HaarTiltQuick, Weights, WeightName);
+TYPE_SUITE(HaarTilt, Weights, WeightName);
+TYPE_SUITE(HaarTiltQuick, Weights, WeightName);
 
 // Plain forms read the one table they are given, mixed ones the tilted table, by all classifiers of a tilted Init.
-TYPED_TEST(HaarTilt, TiltedInit)
+TYPE_TEST(HaarTilt, TiltedInit)
 {
     Random random(121);
     for (const int length : {1, 2, 5, 18}) {
@@ -65,7 +58,7 @@ TYPED_TEST(HaarTilt, TiltedInit)
 }
 
 // Every choice of classifiers, by both flags.
-TYPED_TEST(HaarTilt, TurnedClassifiers)
+TYPE_TEST(HaarTilt, TurnedClassifiers)
 {
     Random random(122);
     for (const int flag : {0, 1, -1, 256}) {
@@ -94,7 +87,7 @@ TYPED_TEST(HaarTilt, TurnedClassifiers)
 }
 
 // The mask counts in the caller's order, not in that of the record.
-TYPED_TEST(HaarTiltQuick, MaskIsInTheOrderOfTheCaller)
+TYPE_TEST(HaarTiltQuick, MaskIsInTheOrderOfTheCaller)
 {
     Random random(123);
     for (int chosen = 0; chosen < 5; ++chosen) {
@@ -118,7 +111,7 @@ TYPED_TEST(HaarTiltQuick, MaskIsInTheOrderOfTheCaller)
 }
 
 // A turned record is closed: a second call is refused, whatever its mask, and leaves it as it is.
-TYPED_TEST(HaarTiltQuick, SecondCallIsRefused)
+TYPE_TEST(HaarTiltQuick, SecondCallIsRefused)
 {
     Random random(124);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 4, {6, 6});
@@ -138,7 +131,7 @@ TYPED_TEST(HaarTiltQuick, SecondCallIsRefused)
 }
 
 // A mask of zeros leaves the record as it is, and open.
-TYPED_TEST(HaarTiltQuick, NoByteSetLeavesTheRecordOpen)
+TYPE_TEST(HaarTiltQuick, NoByteSetLeavesTheRecordOpen)
 {
     Random random(125);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 4, {6, 6});
@@ -155,7 +148,7 @@ TYPED_TEST(HaarTiltQuick, NoByteSetLeavesTheRecordOpen)
     EXPECT_EQ(tilt(all, 1, record.state()), lumErrArgument);
 }
 
-TYPED_TEST(HaarTiltQuick, TiltedRecordIsRefused)
+TYPE_TEST(HaarTiltQuick, TiltedRecordIsRefused)
 {
     Random random(126);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 3, {6, 6}, true);
@@ -168,7 +161,7 @@ TYPED_TEST(HaarTiltQuick, TiltedRecordIsRefused)
     EXPECT_EQ(record.bytes(), before);
 }
 
-TYPED_TEST(HaarTiltQuick, NullPointers)
+TYPE_TEST(HaarTiltQuick, NullPointers)
 {
     Random random(127);
     const Stage<TypeParam> stage = drawStage<TypeParam>(random, 3, {6, 6}, true);
@@ -185,7 +178,7 @@ TYPED_TEST(HaarTiltQuick, NullPointers)
 }
 
 // A tilted Init refuses a rectangle that is higher than x + 1. Turning has no such test; columns become negative.
-TYPED_TEST(HaarTilt, TurnedRectanglesMayReachNegativeColumnsAndRows)
+TYPE_TEST(HaarTilt, TurnedRectanglesMayReachNegativeColumnsAndRows)
 {
     Random random(128);
     for (const LumiRect rect : {LumiRect{0, 0, 1, 9}, LumiRect{2, 1, 8, 4}, LumiRect{1, 3, 5, 3}}) {
@@ -200,7 +193,7 @@ TYPED_TEST(HaarTilt, TurnedRectanglesMayReachNegativeColumnsAndRows)
 }
 
 // The highest rectangle of a tilted Init reaches column -1 of a plain form's table, which is column 0 of a mixed one's.
-TYPED_TEST(HaarTiltQuick, HighestRectangleOfATiltedInit)
+TYPE_TEST(HaarTiltQuick, HighestRectangleOfATiltedInit)
 {
     Random random(129);
     const Stage<TypeParam> stage = {{{{3, 1, 2, 4}, {0, 0, 1, 1}}, {1, 2}, 5, 1, 2}};

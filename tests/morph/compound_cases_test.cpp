@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "morph/morph_fixture.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
@@ -253,18 +254,10 @@ TEST(CompoundCasesQuick, LargeOperationsOnAPartAreThoseOfTheWhole)
     }
 }
 
-template <class Form>
-class CompoundCasesOfFormsQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(CompoundCasesOfFormsQuick, AllForms, FormName);
+TYPE_SUITE(CompoundCasesOfFormsQuick, AllForms, FormName);
 
 // The same under another name: it takes too long for the emulator.
-template <class Form>
-class CompoundCasesOfForms : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(CompoundCasesOfForms, AllForms, FormName);
+TYPE_SUITE(CompoundCasesOfForms, AllForms, FormName);
 
 /// The result of a setting on its own random image.
 template <class Form>
@@ -300,7 +293,7 @@ Image<typename Form::Element> imageFor(const Setting& s)
 
 // Because the second pass runs with the rotated element, an opening is nowhere above the image, a closing nowhere below
 // it, and doing either again changes nothing: for any element, even sizes included.
-TYPED_TEST(CompoundCasesOfFormsQuick, OpeningAndClosingAreAdjoint)
+TYPE_TEST(CompoundCasesOfFormsQuick, OpeningAndClosingAreAdjoint)
 {
     using T = typename TypeParam::Element;
     for (const Generation generation : kGenerations) {
@@ -327,7 +320,7 @@ TYPED_TEST(CompoundCasesOfFormsQuick, OpeningAndClosingAreAdjoint)
     }
 }
 
-TYPED_TEST(CompoundCasesOfFormsQuick, SymmetricElementsKnowNoMode)
+TYPE_TEST(CompoundCasesOfFormsQuick, SymmetricElementsKnowNoMode)
 {
     using T = typename TypeParam::Element;
     for (const Generation generation : kGenerations) {
@@ -345,7 +338,7 @@ TYPED_TEST(CompoundCasesOfFormsQuick, SymmetricElementsKnowNoMode)
 }
 
 // An even mode finds the rotated element again, in the records of all forms and both generations.
-TYPED_TEST(CompoundCasesOfFormsQuick, EvenModesWorkOnEveryRecord)
+TYPE_TEST(CompoundCasesOfFormsQuick, EvenModesWorkOnEveryRecord)
 {
     using T = typename TypeParam::Element;
     for (const Generation generation : kGenerations) {
@@ -370,7 +363,7 @@ TYPED_TEST(CompoundCasesOfFormsQuick, EvenModesWorkOnEveryRecord)
 }
 
 // A single pixel and nothing at all: opening and closing copy, the differences are zero.
-TYPED_TEST(CompoundCasesOfFormsQuick, IdentityElements)
+TYPE_TEST(CompoundCasesOfFormsQuick, IdentityElements)
 {
     using T = typename TypeParam::Element;
     for (const Generation generation : kGenerations) {
@@ -406,7 +399,7 @@ void expectInPlace(const Setting& s)
     EXPECT_TRUE(sameImage(expected, image)) << s;
 }
 
-TYPED_TEST(CompoundCasesOfFormsQuick, OpeningAndClosingWorkInPlace)
+TYPE_TEST(CompoundCasesOfFormsQuick, OpeningAndClosingWorkInPlace)
 {
     for (const Generation generation : kGenerations) {
         for (const StructuringElement& element : {rectangle(3, 3), scattered(5, 4, 40, 3), disc(7), rectangle(20, 9)}) {
@@ -420,7 +413,7 @@ TYPED_TEST(CompoundCasesOfFormsQuick, OpeningAndClosingWorkInPlace)
 }
 
 // An image of more bytes than a strip of the second-level cache.
-TYPED_TEST(CompoundCasesOfForms, OpeningOfATallImageWorksInPlace)
+TYPE_TEST(CompoundCasesOfForms, OpeningOfATallImageWorksInPlace)
 {
     for (const Generation generation : kGenerations) {
         Setting s = settingFor(rectangle(3, 3), generation);

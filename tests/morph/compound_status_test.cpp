@@ -2,15 +2,12 @@
 #include "morph/morph_fixture.hpp"
 #include "morph/morph_status.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
 
-template <class Form>
-class CompoundStatusQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(CompoundStatusQuick, AllForms, FormName);
+TYPE_SUITE(CompoundStatusQuick, AllForms, FormName);
 
 /// The passes in their order; the gradient writes the destination in its first pass, the others in their second.
 struct Passes
@@ -96,7 +93,7 @@ StatusTable<Form> compoundOrder(Operation operation, Generation generation)
     return order;
 }
 
-TYPED_TEST(CompoundStatusQuick, ChecksInOrder)
+TYPE_TEST(CompoundStatusQuick, ChecksInOrder)
 {
     for (const Operation operation : kCompounds) {
         for (const Generation generation : kGenerations) {
@@ -123,7 +120,7 @@ bool takesBorder(Operation operation, Generation generation, LumiBorderType bord
     return isMorphMode(mode) || allInMemory;
 }
 
-TYPED_TEST(CompoundStatusQuick, EveryBorderValue)
+TYPE_TEST(CompoundStatusQuick, EveryBorderValue)
 {
     for (const Operation operation : kCompounds) {
         for (const Generation generation : kGenerations) {
@@ -154,7 +151,7 @@ TYPED_TEST(CompoundStatusQuick, EveryBorderValue)
 
 // The ordinary gradient knows no neutral border and no flags of a first stage, the large one and the other operations
 // do.
-TYPED_TEST(CompoundStatusQuick, OrdinaryGradientAloneRefusesNeutralAndStageFlags)
+TYPE_TEST(CompoundStatusQuick, OrdinaryGradientAloneRefusesNeutralAndStageFlags)
 {
     for (const Operation operation : kCompounds) {
         for (const Generation generation : kGenerations) {
@@ -175,7 +172,7 @@ TYPED_TEST(CompoundStatusQuick, OrdinaryGradientAloneRefusesNeutralAndStageFlags
 
 // Of the compound operations the gradient of 16s images alone tests for it: its first pass goes from source to
 // destination, and the dilation of 16u images has no such test.
-TYPED_TEST(CompoundStatusQuick, InPlaceIsRefusedByTheGradientOf16sAlone)
+TYPE_TEST(CompoundStatusQuick, InPlaceIsRefusedByTheGradientOf16sAlone)
 {
     for (const Operation operation : kCompounds) {
         for (const Generation generation : kGenerations) {
@@ -191,7 +188,7 @@ TYPED_TEST(CompoundStatusQuick, InPlaceIsRefusedByTheGradientOf16sAlone)
 }
 
 // The status of a size or stride of 0x7fffffff is that of the pass that meets it.
-TYPED_TEST(CompoundStatusQuick, StatusOfTheLimitIsThatOfThePass)
+TYPE_TEST(CompoundStatusQuick, StatusOfTheLimitIsThatOfThePass)
 {
     for (const Operation operation : kCompounds) {
         const Passes passes(operation);

@@ -2,21 +2,14 @@
 // all modes, all forms.
 #include "morph/morph_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
 
-template <class Form>
-class Compound : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(Compound, AllForms, FormName);
+TYPE_SUITE(Compound, AllForms, FormName);
 
-template <class Form>
-class CompoundQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(CompoundQuick, AllForms, FormName);
+TYPE_SUITE(CompoundQuick, AllForms, FormName);
 
 /// The five operations, both generations and the four modes in turn.
 Setting inTurn(const StructuringElement& element, int width, int height, int number)
@@ -34,7 +27,7 @@ Setting inTurn(const StructuringElement& element, int width, int height, int num
     return placed(s);
 }
 
-TYPED_TEST(CompoundQuick, MatchesTheReference)
+TYPE_TEST(CompoundQuick, MatchesTheReference)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element :
@@ -46,7 +39,7 @@ TYPED_TEST(CompoundQuick, MatchesTheReference)
     }
 }
 
-TYPED_TEST(Compound, EveryElement)
+TYPE_TEST(Compound, EveryElement)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : elementsOfEveryShape()) {
@@ -73,7 +66,7 @@ bool takes(const Setting& s, LumiBorderType border)
 }
 
 // Every mode with every combination of sides in memory, and all four sides in memory with any low bits.
-TYPED_TEST(Compound, EveryBorder)
+TYPE_TEST(Compound, EveryBorder)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : {rectangle(3, 3), scattered(6, 4, 40, 5), rectangle(5, 1)}) {
@@ -96,7 +89,7 @@ TYPED_TEST(Compound, EveryBorder)
 }
 
 // The flags of the first stage make their sides real for the first pass alone, in both generations.
-TYPED_TEST(Compound, EveryBorderWithStageFlags)
+TYPE_TEST(Compound, EveryBorderWithStageFlags)
 {
     int number = firstNumber<TypeParam>();
     for (LumiBorderType border = 256; border < 4096; border += 1) {
@@ -115,7 +108,7 @@ TYPED_TEST(Compound, EveryBorderWithStageFlags)
     }
 }
 
-TYPED_TEST(Compound, EveryWidth)
+TYPE_TEST(Compound, EveryWidth)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element :
@@ -133,7 +126,7 @@ TYPED_TEST(Compound, EveryWidth)
 }
 
 // Both passes of a gradient by a small square look at each row at once where the image is wide enough.
-TYPED_TEST(Compound, GradientOfSmallSquares)
+TYPE_TEST(Compound, GradientOfSmallSquares)
 {
     int number = firstNumber<TypeParam>();
     for (const int side : {3, 5}) {
@@ -151,7 +144,7 @@ TYPED_TEST(Compound, GradientOfSmallSquares)
     }
 }
 
-TYPED_TEST(Compound, EveryHeight)
+TYPE_TEST(Compound, EveryHeight)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element :
@@ -168,7 +161,7 @@ TYPED_TEST(Compound, EveryHeight)
 }
 
 // Every mode with every operation: asymmetric elements tell the rotated one from the caller's.
-TYPED_TEST(Compound, EveryMode)
+TYPE_TEST(Compound, EveryMode)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : {singlePosition(5, 5, 4, 1), rectangle(2, 2), scattered(5, 4, 30, 21),
@@ -191,7 +184,7 @@ TYPED_TEST(Compound, EveryMode)
     }
 }
 
-TYPED_TEST(Compound, ElementsLargerThanTheImage)
+TYPE_TEST(Compound, ElementsLargerThanTheImage)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : {rectangle(21, 21), rectangle(40, 3), rectangle(3, 30), ellipse(22, 15),

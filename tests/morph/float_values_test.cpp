@@ -3,17 +3,14 @@
 #include <limits>
 
 #include "morph/morph_fixture.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
 
 using FloatForms = ::testing::Types<Form32fC1, Form32fC3, Form32fC4>;
 
-template <class Form>
-class MorphFloatsQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(MorphFloatsQuick, FloatForms, FormName);
+TYPE_SUITE(MorphFloatsQuick, FloatForms, FormName);
 
 const std::vector<StructuringElement>& elements()
 {
@@ -81,7 +78,7 @@ Lum32f zeroOrInfinity(Random& random)
 }
 
 // Of zeros the last in the order of the element's rows stays; everything else has one maximum.
-TYPED_TEST(MorphFloatsQuick, ZerosAndInfinities)
+TYPE_TEST(MorphFloatsQuick, ZerosAndInfinities)
 {
     int number = 0;
     for (const StructuringElement& element : elements()) {
@@ -101,7 +98,7 @@ TYPED_TEST(MorphFloatsQuick, ZerosAndInfinities)
 }
 
 // A window with a not-a-number yields one of its values; the others are not disturbed.
-TYPED_TEST(MorphFloatsQuick, NotANumbersStayInTheirWindows)
+TYPE_TEST(MorphFloatsQuick, NotANumbersStayInTheirWindows)
 {
     constexpr Lum32f nan = std::numeric_limits<Lum32f>::quiet_NaN();
     int number = 0;
@@ -145,7 +142,7 @@ TYPED_TEST(MorphFloatsQuick, NotANumbersStayInTheirWindows)
 }
 
 // Not-a-numbers take no lane-dependent path: the same call gives the same bits.
-TYPED_TEST(MorphFloatsQuick, NotANumbersAreTheSameEveryTime)
+TYPE_TEST(MorphFloatsQuick, NotANumbersAreTheSameEveryTime)
 {
     int number = 0;
     for (const StructuringElement& element : elements()) {

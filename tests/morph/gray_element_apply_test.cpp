@@ -11,21 +11,14 @@
 #include "support/compare.hpp"
 #include "support/max_cache_size.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::gray {
 namespace {
 
-template <class C>
-class GrayElement : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayElement, Cases, CaseName);
+TYPE_SUITE(GrayElement, Cases, CaseName);
 
-template <class C>
-class GrayElementQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayElementQuick, Cases, CaseName);
+TYPE_SUITE(GrayElementQuick, Cases, CaseName);
 
 constexpr Entries kEntries[] = {Entries::Small, Entries::Wide, Entries::Extreme, Entries::NonFinite};
 
@@ -43,18 +36,18 @@ void sweepAgainstReference(Sweep sweep)
     });
 }
 
-TYPED_TEST(GrayElement, AgreesWithTheReference)
+TYPE_TEST(GrayElement, AgreesWithTheReference)
 {
     sweepAgainstReference<TypeParam>(Sweep::Full);
 }
 
-TYPED_TEST(GrayElementQuick, AgreesWithTheReference)
+TYPE_TEST(GrayElementQuick, AgreesWithTheReference)
 {
     sweepAgainstReference<TypeParam>(Sweep::Quick);
 }
 
 // Every number of entries in a row, with the anchor at every corner and in the middle.
-TYPED_TEST(GrayElement, ElementsOfEverySize)
+TYPE_TEST(GrayElement, ElementsOfEverySize)
 {
     using T = typename TypeParam::T;
     Random random(7);
@@ -74,7 +67,7 @@ TYPED_TEST(GrayElement, ElementsOfEverySize)
     }
 }
 
-TYPED_TEST(GrayElement, LargeElements)
+TYPE_TEST(GrayElement, LargeElements)
 {
     using T = typename TypeParam::T;
     Random random(8);
@@ -88,7 +81,7 @@ TYPED_TEST(GrayElement, LargeElements)
     }
 }
 
-TYPED_TEST(GrayElementQuick, AnchorAtEveryPlace)
+TYPE_TEST(GrayElementQuick, AnchorAtEveryPlace)
 {
     using T = typename TypeParam::T;
     Random random(9);
@@ -105,7 +98,7 @@ TYPED_TEST(GrayElementQuick, AnchorAtEveryPlace)
 }
 
 // The window reaches beyond both sides of the ROI at once.
-TYPED_TEST(GrayElementQuick, ElementLargerThanTheImage)
+TYPE_TEST(GrayElementQuick, ElementLargerThanTheImage)
 {
     using T = typename TypeParam::T;
     Random random(10);
@@ -125,7 +118,7 @@ TYPED_TEST(GrayElementQuick, ElementLargerThanTheImage)
 
 // Where no other entry can win, position (i, j) of the element sees the pixel at (x + i - anchorX, y + j - anchorY) in
 // both operations, and beyond the ROI its nearest pixel.
-TYPED_TEST(GrayElementQuick, ElementIsNotReflectedAndEdgesAreReplicated)
+TYPE_TEST(GrayElementQuick, ElementIsNotReflectedAndEdgesAreReplicated)
 {
     using T = typename TypeParam::T;
     constexpr int sign = TypeParam::form == Form::Dilate ? 1 : -1;
@@ -147,7 +140,7 @@ TYPED_TEST(GrayElementQuick, ElementIsNotReflectedAndEdgesAreReplicated)
     }
 }
 
-TYPED_TEST(GrayElementQuick, OneByOneOfZeroCopies)
+TYPE_TEST(GrayElementQuick, OneByOneOfZeroCopies)
 {
     using T = typename TypeParam::T;
     Random random(11);
@@ -166,7 +159,7 @@ TYPED_TEST(GrayElementQuick, OneByOneOfZeroCopies)
 }
 
 // One position and one pixel: the sum or difference itself, in its last bit and in the sign of its zero.
-TYPED_TEST(GrayElementQuick, OneByOneOfAnyValue)
+TYPE_TEST(GrayElementQuick, OneByOneOfAnyValue)
 {
     using T = typename TypeParam::T;
     Random random(12);
@@ -225,7 +218,7 @@ TEST(GrayElementBytesQuick, NegativeEntries)
 }
 
 // No sum wraps: an entry that can never win stays out, whatever the pixel, and one that always wins saturates.
-TYPED_TEST(GrayElementQuick, EndsOfTheRangeOfEntries)
+TYPE_TEST(GrayElementQuick, EndsOfTheRangeOfEntries)
 {
     using T = typename TypeParam::T;
     constexpr bool dilate = TypeParam::form == Form::Dilate;
@@ -373,7 +366,7 @@ TEST(GrayElementFloatsQuick, LastBitAndDenormals)
 }
 
 // An image far above the reported size of the cache.
-TYPED_TEST(GrayElement, LargeImage)
+TYPE_TEST(GrayElement, LargeImage)
 {
     using T = typename TypeParam::T;
     Random random(15);
@@ -386,7 +379,7 @@ TYPED_TEST(GrayElement, LargeImage)
     expectReference<TypeParam>(drawElement<T>({2, 2}, Entries::Small, random), source, destination);
 }
 
-TYPED_TEST(GrayElement, WideRows)
+TYPE_TEST(GrayElement, WideRows)
 {
     using T = typename TypeParam::T;
     Random random(16);

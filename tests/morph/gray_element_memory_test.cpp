@@ -10,18 +10,15 @@
 #include "morph/gray_element_fixture.hpp"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::gray {
 namespace {
 
-template <class C>
-class GrayElementMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayElementMemory, Cases, CaseName);
+TYPE_SUITE(GrayElementMemory, Cases, CaseName);
 
 // The last byte of every row, and the first, stands at an unreadable page; the source cannot be written.
-TYPED_TEST(GrayElementMemory, RowsStandAlone)
+TYPE_TEST(GrayElementMemory, RowsStandAlone)
 {
     using T = typename TypeParam::T;
     Random random(21);
@@ -50,7 +47,7 @@ TYPED_TEST(GrayElementMemory, RowsStandAlone)
 }
 
 // The pixels around the ROI would win, and are neither read for the result nor written.
-TYPED_TEST(GrayElementMemory, NeighboursOfTheRoiTakeNoPart)
+TYPE_TEST(GrayElementMemory, NeighboursOfTheRoiTakeNoPart)
 {
     using T = typename TypeParam::T;
     using Limits = std::numeric_limits<T>;
@@ -66,7 +63,7 @@ TYPED_TEST(GrayElementMemory, NeighboursOfTheRoiTakeNoPart)
 }
 
 // The element's entries are read to the last and no further, and may change or go away once Init has seen them.
-TYPED_TEST(GrayElementMemory, InitCopiesTheElement)
+TYPE_TEST(GrayElementMemory, InitCopiesTheElement)
 {
     using T = typename TypeParam::T;
     Random random(23);
@@ -94,7 +91,7 @@ TYPED_TEST(GrayElementMemory, InitCopiesTheElement)
 }
 
 // A record of exactly the queried size at any byte address, at both ends of a page; apply does not write it.
-TYPED_TEST(GrayElementMemory, RecordAtAnyAddress)
+TYPE_TEST(GrayElementMemory, RecordAtAnyAddress)
 {
     using T = typename TypeParam::T;
     Random random(24);
@@ -117,7 +114,7 @@ TYPED_TEST(GrayElementMemory, RecordAtAnyAddress)
 }
 
 // The words of the record and behind them the element as it stands, neither turned nor sorted.
-TYPED_TEST(GrayElementMemory, LayoutOfTheRecord)
+TYPE_TEST(GrayElementMemory, LayoutOfTheRecord)
 {
     using T = typename TypeParam::T;
     Random random(25);
@@ -135,7 +132,7 @@ TYPED_TEST(GrayElementMemory, LayoutOfTheRecord)
 }
 
 // One record for any ROI up to the one given to Init, one after the other.
-TYPED_TEST(GrayElementMemory, RecordServesSmallerRois)
+TYPE_TEST(GrayElementMemory, RecordServesSmallerRois)
 {
     using T = typename TypeParam::T;
     Random random(26);
@@ -155,7 +152,7 @@ TYPED_TEST(GrayElementMemory, RecordServesSmallerRois)
 }
 
 // The largest ROI costs nothing.
-TYPED_TEST(GrayElementMemory, RecordOfTheLargestRoi)
+TYPE_TEST(GrayElementMemory, RecordOfTheLargestRoi)
 {
     using T = typename TypeParam::T;
     Random random(27);
@@ -170,7 +167,7 @@ TYPED_TEST(GrayElementMemory, RecordOfTheLargestRoi)
 }
 
 // The stride of a single row leads nowhere.
-TYPED_TEST(GrayElementMemory, StrideOfASingleRow)
+TYPE_TEST(GrayElementMemory, StrideOfASingleRow)
 {
     using T = typename TypeParam::T;
     constexpr int size = sizeof(T);
@@ -190,7 +187,7 @@ TYPED_TEST(GrayElementMemory, StrideOfASingleRow)
 }
 
 // Threads share a record that cannot be written, and each call gives the same bytes.
-TYPED_TEST(GrayElementMemory, ThreadsShareARecord)
+TYPE_TEST(GrayElementMemory, ThreadsShareARecord)
 {
     using T = typename TypeParam::T;
     Random random(29);

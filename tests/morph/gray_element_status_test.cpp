@@ -9,14 +9,11 @@
 #include "morph/gray_element_fixture.hpp"
 #include "support/compare.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::gray {
 namespace {
 
-template <class T>
-class GrayElementRecordQuick : public testing::Test
-{
-};
 using Pixels = testing::Types<Lum8u, Lum32f>;
 struct PixelName
 {
@@ -26,13 +23,9 @@ struct PixelName
         return sizeof(T) == 1 ? "8u" : "32f";
     }
 };
-TYPED_TEST_SUITE(GrayElementRecordQuick, Pixels, PixelName);
+TYPE_SUITE(GrayElementRecordQuick, Pixels, PixelName);
 
-template <class C>
-class GrayElementStatusQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(GrayElementStatusQuick, Cases, CaseName);
+TYPE_SUITE(GrayElementStatusQuick, Cases, CaseName);
 
 constexpr Lum32s kIntMax = std::numeric_limits<Lum32s>::max();
 constexpr Lum32s kIntMin = std::numeric_limits<Lum32s>::min();
@@ -44,7 +37,7 @@ LumStatus query(LumiSize roiSize, LumiSize maskSize, Lum32s* pSize)
     return Exports<T>::getSize(roiSize, &notRead, maskSize, pSize);
 }
 
-TYPED_TEST(GrayElementRecordQuick, SizeFormula)
+TYPE_TEST(GrayElementRecordQuick, SizeFormula)
 {
     struct Size
     {
@@ -64,7 +57,7 @@ TYPED_TEST(GrayElementRecordQuick, SizeFormula)
 }
 
 // 4 * 536870903 + 32 = 2147483644 is the largest size that 32 bits hold.
-TYPED_TEST(GrayElementRecordQuick, SizeTooLarge)
+TYPE_TEST(GrayElementRecordQuick, SizeTooLarge)
 {
     Lum32s bytes = -1;
     EXPECT_EQ(query<TypeParam>({5, 5}, {536870903, 1}, &bytes), lumOk);
@@ -81,7 +74,7 @@ TYPED_TEST(GrayElementRecordQuick, SizeTooLarge)
 }
 
 // The element is asked for and not read.
-TYPED_TEST(GrayElementRecordQuick, QueryDoesNotReadTheElement)
+TYPE_TEST(GrayElementRecordQuick, QueryDoesNotReadTheElement)
 {
     const GuardedBlock block(64, Guard::After);
     Lum32s bytes = -1;
@@ -110,7 +103,7 @@ struct QueryArgs
     }
 };
 
-TYPED_TEST(GrayElementRecordQuick, QueryChecksInDocumentedOrder)
+TYPE_TEST(GrayElementRecordQuick, QueryChecksInDocumentedOrder)
 {
     using A = QueryArgs<TypeParam>;
     const Entry<TypeParam> entries[9] = {};
@@ -166,7 +159,7 @@ struct InitArgs
     }
 };
 
-TYPED_TEST(GrayElementRecordQuick, InitChecksInDocumentedOrder)
+TYPE_TEST(GrayElementRecordQuick, InitChecksInDocumentedOrder)
 {
     using A = InitArgs<TypeParam>;
     const Entry<TypeParam> entries[12] = {};
@@ -269,7 +262,7 @@ std::vector<Violation<ApplyArgs<C>>> applyOrder()
     return order;
 }
 
-TYPED_TEST(GrayElementStatusQuick, ApplyChecksInDocumentedOrder)
+TYPE_TEST(GrayElementStatusQuick, ApplyChecksInDocumentedOrder)
 {
     using T = typename TypeParam::T;
     Random random(31);
@@ -289,7 +282,7 @@ TYPED_TEST(GrayElementStatusQuick, ApplyChecksInDocumentedOrder)
 }
 
 // A record's width and height are compared each by itself: a ROI of fewer pixels is refused too.
-TYPED_TEST(GrayElementStatusQuick, RoiLargerThanAtInit)
+TYPE_TEST(GrayElementStatusQuick, RoiLargerThanAtInit)
 {
     using T = typename TypeParam::T;
     Random random(32);

@@ -4,6 +4,7 @@
 
 #include "morph/morph_fixture.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
@@ -103,13 +104,9 @@ void expectInitOrder(InitKind kind, LumStatus (*init)(const InitArguments&))
     expectStatusOrder(Args{init, &record, &scratch, mask.data()}, order);
 }
 
-template <class Form>
-class MorphInitStatusQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(MorphInitStatusQuick, AllForms, FormName);
+TYPE_SUITE(MorphInitStatusQuick, AllForms, FormName);
 
-TYPED_TEST(MorphInitStatusQuick, ChecksInOrder)
+TYPE_TEST(MorphInitStatusQuick, ChecksInOrder)
 {
     using Args = InitArguments;
     expectInitOrder(InitKind::Ordinary,

@@ -7,21 +7,14 @@
 #include "morph/morph_fixture.hpp"
 #include "support/isolated_rows.hpp"
 #include "support/max_cache_size.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
 
-template <class Form>
-class MorphMemory : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(MorphMemory, AllForms, FormName);
+TYPE_SUITE(MorphMemory, AllForms, FormName);
 
-template <class Form>
-class MorphMemoryQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(MorphMemoryQuick, AllForms, FormName);
+TYPE_SUITE(MorphMemoryQuick, AllForms, FormName);
 
 constexpr Operation kOperations[] = {Operation::Dilate, Operation::Erode,    Operation::Open,    Operation::Close,
                                      Operation::Tophat, Operation::Blackhat, Operation::Gradient};
@@ -86,7 +79,7 @@ void expectRowsRespected(const Setting& s)
     EXPECT_TRUE(scratch.intact());
 }
 
-TYPED_TEST(MorphMemory, RowsBetweenUnreadablePages)
+TYPE_TEST(MorphMemory, RowsBetweenUnreadablePages)
 {
     int number = firstNumber<TypeParam>();
     for (int round = 0; round < 5; ++round) {
@@ -104,7 +97,7 @@ TYPED_TEST(MorphMemory, RowsBetweenUnreadablePages)
     }
 }
 
-TYPED_TEST(MorphMemoryQuick, RowsBetweenUnreadablePages)
+TYPE_TEST(MorphMemoryQuick, RowsBetweenUnreadablePages)
 {
     for (int number = firstNumber<TypeParam>(); number < 14; ++number) {
         Setting s = inTurn(number);
@@ -116,7 +109,7 @@ TYPED_TEST(MorphMemoryQuick, RowsBetweenUnreadablePages)
 }
 
 // Records and scratch of exactly the queried sizes at every byte address.
-TYPED_TEST(MorphMemory, BlocksStandAnywhere)
+TYPE_TEST(MorphMemory, BlocksStandAnywhere)
 {
     int number = firstNumber<TypeParam>();
     for (std::size_t distance = 0; distance < 64; ++distance) {
@@ -138,7 +131,7 @@ TYPED_TEST(MorphMemory, BlocksStandAnywhere)
 }
 
 // Where the formula leaves least: elements that are one row or one column, in images of one row, column or pixel.
-TYPED_TEST(MorphMemory, TightBlocksStandAnywhere)
+TYPE_TEST(MorphMemory, TightBlocksStandAnywhere)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : {rectangle(3, 1), rectangle(2, 1), rectangle(1, 3), rectangle(1, 2),
@@ -162,7 +155,7 @@ TYPED_TEST(MorphMemory, TightBlocksStandAnywhere)
 }
 
 // Destination and source rows at every alignment.
-TYPED_TEST(MorphMemory, RowsStandAnywhere)
+TYPE_TEST(MorphMemory, RowsStandAnywhere)
 {
     for (int offset = 0; offset < 64; ++offset) {
         for (int i = 0; i < 2; ++i) {
@@ -201,7 +194,7 @@ struct Expectation
     std::optional<Image<T>> expected;
 };
 
-TYPED_TEST(MorphMemoryQuick, ScratchHoldsNothing)
+TYPE_TEST(MorphMemoryQuick, ScratchHoldsNothing)
 {
     using T = typename TypeParam::Element;
     for (int number = firstNumber<TypeParam>(); number < 28; ++number) {
@@ -221,7 +214,7 @@ TYPED_TEST(MorphMemoryQuick, ScratchHoldsNothing)
 }
 
 // Records and blocks serve calls of any number of smaller ROIs, one after the other, and the compound ones as well.
-TYPED_TEST(MorphMemory, SmallerRoiInTheSameBlocks)
+TYPE_TEST(MorphMemory, SmallerRoiInTheSameBlocks)
 {
     int number = firstNumber<TypeParam>();
     for (const LumiSize queried : {LumiSize{40, 30}, LumiSize{19, 90}, LumiSize{90, 13}, LumiSize{9, 9}}) {
@@ -244,7 +237,7 @@ TYPED_TEST(MorphMemory, SmallerRoiInTheSameBlocks)
 }
 
 // The stride of a single row is never used.
-TYPED_TEST(MorphMemoryQuick, StrideOfASingleRow)
+TYPE_TEST(MorphMemoryQuick, StrideOfASingleRow)
 {
     using T = typename TypeParam::Element;
     for (int number = firstNumber<TypeParam>(); number < 14; ++number) {
@@ -266,7 +259,7 @@ TYPED_TEST(MorphMemoryQuick, StrideOfASingleRow)
 }
 
 // A record is read by any number of threads, each with its own scratch.
-TYPED_TEST(MorphMemoryQuick, ThreadsShareARecord)
+TYPE_TEST(MorphMemoryQuick, ThreadsShareARecord)
 {
     using T = typename TypeParam::Element;
     for (int number = firstNumber<TypeParam>(); number < 14; ++number) {

@@ -9,21 +9,14 @@
 #include "morph/reconstruct_fixture.hpp"
 #include "support/compare.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::reconstruct {
 namespace {
 
-template <class C>
-class Reconstruct : public testing::Test
-{
-};
-TYPED_TEST_SUITE(Reconstruct, Cases, CaseName);
+TYPE_SUITE(Reconstruct, Cases, CaseName);
 
-template <class C>
-class ReconstructQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ReconstructQuick, Cases, CaseName);
+TYPE_SUITE(ReconstructQuick, Cases, CaseName);
 
 Pattern drawMask(int width, int height, Random& random)
 {
@@ -59,17 +52,17 @@ void sweepAgainstReference(Sweep sweep)
     });
 }
 
-TYPED_TEST(Reconstruct, AgreesWithTheReference)
+TYPE_TEST(Reconstruct, AgreesWithTheReference)
 {
     sweepAgainstReference<TypeParam>(Sweep::Full);
 }
 
-TYPED_TEST(ReconstructQuick, AgreesWithTheReference)
+TYPE_TEST(ReconstructQuick, AgreesWithTheReference)
 {
     sweepAgainstReference<TypeParam>(Sweep::Quick);
 }
 
-TYPED_TEST(Reconstruct, RandomFields)
+TYPE_TEST(Reconstruct, RandomFields)
 {
     Random random(51);
     for (int i = 0; i < 40; ++i) {
@@ -82,7 +75,7 @@ TYPED_TEST(Reconstruct, RandomFields)
     }
 }
 
-TYPED_TEST(Reconstruct, WideAndHighImages)
+TYPE_TEST(Reconstruct, WideAndHighImages)
 {
     Random random(52);
     for (const LumiSize size : {LumiSize{1100, 9}, LumiSize{9, 1100}, LumiSize{4099, 2}, LumiSize{2, 2053}}) {
@@ -92,7 +85,7 @@ TYPED_TEST(Reconstruct, WideAndHighImages)
 }
 
 // One value runs the whole row, in both directions, and passes no lower place.
-TYPED_TEST(Reconstruct, RunsAlongARow)
+TYPE_TEST(Reconstruct, RunsAlongARow)
 {
     Random random(62);
     for (const int width : {1, 2, 7, 8, 10, 11, 12, 16, 17, 31, 32, 33, 64, 65, 127, 128, 129, 259, 1025}) {
@@ -108,7 +101,7 @@ TYPED_TEST(Reconstruct, RunsAlongARow)
     }
 }
 
-TYPED_TEST(ReconstructQuick, OneRowOneColumnOnePixel)
+TYPE_TEST(ReconstructQuick, OneRowOneColumnOnePixel)
 {
     Random random(53);
     for (const LumiSize size : {LumiSize{1, 1}, LumiSize{40, 1}, LumiSize{1, 40}, LumiSize{2, 2}, LumiSize{2, 1}}) {
@@ -119,7 +112,7 @@ TYPED_TEST(ReconstructQuick, OneRowOneColumnOnePixel)
     }
 }
 
-TYPED_TEST(ReconstructQuick, MarkerEqualToTheMaskStays)
+TYPE_TEST(ReconstructQuick, MarkerEqualToTheMaskStays)
 {
     using T = typename TypeParam::T;
     Random random(54);
@@ -133,7 +126,7 @@ TYPED_TEST(ReconstructQuick, MarkerEqualToTheMaskStays)
     }
 }
 
-TYPED_TEST(ReconstructQuick, LowestMarkerStays)
+TYPE_TEST(ReconstructQuick, LowestMarkerStays)
 {
     using T = typename TypeParam::T;
     using Limits = std::numeric_limits<T>;
@@ -150,7 +143,7 @@ TYPED_TEST(ReconstructQuick, LowestMarkerStays)
 }
 
 // A marker beyond the mask everywhere becomes the mask, and one beyond it at a pixel acts as if cut there first.
-TYPED_TEST(ReconstructQuick, MarkerBeyondTheMaskIsCut)
+TYPE_TEST(ReconstructQuick, MarkerBeyondTheMaskIsCut)
 {
     using T = typename TypeParam::T;
     Random random(56);
@@ -174,7 +167,7 @@ TYPED_TEST(ReconstructQuick, MarkerBeyondTheMaskIsCut)
     }
 }
 
-TYPED_TEST(ReconstructQuick, DiagonalLineFillsWithEightNeighboursOnly)
+TYPE_TEST(ReconstructQuick, DiagonalLineFillsWithEightNeighboursOnly)
 {
     using T = typename TypeParam::T;
     for (const bool rising : {false, true}) {
@@ -199,7 +192,7 @@ TYPED_TEST(ReconstructQuick, DiagonalLineFillsWithEightNeighboursOnly)
 }
 
 // The last pixel of a row and the first of the next are neighbours in memory and nowhere else.
-TYPED_TEST(ReconstructQuick, RowEndsAreNoNeighbours)
+TYPE_TEST(ReconstructQuick, RowEndsAreNoNeighbours)
 {
     using T = typename TypeParam::T;
     for (const int width : {3, 8, 13, 16, 32, 33}) {
@@ -220,7 +213,7 @@ TYPED_TEST(ReconstructQuick, RowEndsAreNoNeighbours)
 }
 
 // What stands around the ROI would spread into it.
-TYPED_TEST(ReconstructQuick, NeighboursOfTheRoiTakeNoPart)
+TYPE_TEST(ReconstructQuick, NeighboursOfTheRoiTakeNoPart)
 {
     using T = typename TypeParam::T;
     Random random(57);
@@ -249,7 +242,7 @@ TYPED_TEST(ReconstructQuick, NeighboursOfTheRoiTakeNoPart)
 }
 
 // The result is a fixed point: again from there nothing changes.
-TYPED_TEST(ReconstructQuick, AgainFromTheResult)
+TYPE_TEST(ReconstructQuick, AgainFromTheResult)
 {
     using T = typename TypeParam::T;
     Random random(58);
@@ -264,16 +257,12 @@ TYPED_TEST(ReconstructQuick, AgainFromTheResult)
     }
 }
 
-template <class C>
-class ReconstructFloatsQuick : public testing::Test
-{
-};
 using FloatCases = testing::Types<Case<Lum32f, Form::Dilate>, Case<Lum32f, Form::Erode>, Case<Lum64f, Form::Dilate>,
                                   Case<Lum64f, Form::Erode>>;
-TYPED_TEST_SUITE(ReconstructFloatsQuick, FloatCases, CaseName);
+TYPE_SUITE(ReconstructFloatsQuick, FloatCases, CaseName);
 
 // Any finite numbers and infinities of both signs, in the mask and in the marker.
-TYPED_TEST(ReconstructFloatsQuick, FloatsOfAllMagnitudes)
+TYPE_TEST(ReconstructFloatsQuick, FloatsOfAllMagnitudes)
 {
     using T = typename TypeParam::T;
     constexpr T infinity = std::numeric_limits<T>::infinity();
@@ -293,7 +282,7 @@ TYPED_TEST(ReconstructFloatsQuick, FloatsOfAllMagnitudes)
 }
 
 // Zeros are equal whatever their sign; where all are negative they stay so.
-TYPED_TEST(ReconstructFloatsQuick, NegativeZeros)
+TYPE_TEST(ReconstructFloatsQuick, NegativeZeros)
 {
     using T = typename TypeParam::T;
     constexpr T least = std::numeric_limits<T>::denorm_min();
@@ -318,7 +307,7 @@ TYPED_TEST(ReconstructFloatsQuick, NegativeZeros)
 }
 
 // Nothing is promised of the values at and behind not-a-numbers, but the call ends and keeps to its rows.
-TYPED_TEST(ReconstructFloatsQuick, EndsWithNotANumbers)
+TYPE_TEST(ReconstructFloatsQuick, EndsWithNotANumbers)
 {
     using T = typename TypeParam::T;
     Random random(61);

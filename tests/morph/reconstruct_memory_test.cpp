@@ -10,18 +10,15 @@
 #include "morph/reconstruct_fixture.hpp"
 #include "support/compare.hpp"
 #include "support/isolated_rows.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::reconstruct {
 namespace {
 
-template <class C>
-class ReconstructMemory : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ReconstructMemory, Cases, CaseName);
+TYPE_SUITE(ReconstructMemory, Cases, CaseName);
 
 // The last byte of every row, and the first, stands at an unreadable page; the mask cannot be written.
-TYPED_TEST(ReconstructMemory, RowsStandAlone)
+TYPE_TEST(ReconstructMemory, RowsStandAlone)
 {
     using T = typename TypeParam::T;
     Random random(71);
@@ -53,7 +50,7 @@ TYPED_TEST(ReconstructMemory, RowsStandAlone)
 }
 
 // Scratch of exactly the queried size at any byte address, at both ends of a page.
-TYPED_TEST(ReconstructMemory, ScratchAtAnyAddress)
+TYPE_TEST(ReconstructMemory, ScratchAtAnyAddress)
 {
     using T = typename TypeParam::T;
     Random random(72);
@@ -78,7 +75,7 @@ TYPED_TEST(ReconstructMemory, ScratchAtAnyAddress)
 }
 
 // Every width and height around the lanes: the scratch of the formula does for all of them.
-TYPED_TEST(ReconstructMemory, ScratchOfEverySize)
+TYPE_TEST(ReconstructMemory, ScratchOfEverySize)
 {
     using T = typename TypeParam::T;
     Random random(73);
@@ -97,7 +94,7 @@ TYPED_TEST(ReconstructMemory, ScratchOfEverySize)
 }
 
 // What the scratch holds at first means nothing.
-TYPED_TEST(ReconstructMemory, ScratchHoldsNothing)
+TYPE_TEST(ReconstructMemory, ScratchHoldsNothing)
 {
     using T = typename TypeParam::T;
     Random random(74);
@@ -122,7 +119,7 @@ TYPED_TEST(ReconstructMemory, ScratchHoldsNothing)
 }
 
 // Scratch for a larger ROI serves a smaller one.
-TYPED_TEST(ReconstructMemory, ScratchServesSmallerRois)
+TYPE_TEST(ReconstructMemory, ScratchServesSmallerRois)
 {
     using T = typename TypeParam::T;
     Random random(75);
@@ -142,7 +139,7 @@ TYPED_TEST(ReconstructMemory, ScratchServesSmallerRois)
 }
 
 // The stride of a single row leads nowhere.
-TYPED_TEST(ReconstructMemory, StrideOfASingleRow)
+TYPE_TEST(ReconstructMemory, StrideOfASingleRow)
 {
     using T = typename TypeParam::T;
     constexpr int size = sizeof(T);
@@ -163,7 +160,7 @@ TYPED_TEST(ReconstructMemory, StrideOfASingleRow)
 }
 
 // Threads with a mask in common, each with its own marker and scratch; each call gives the same bytes.
-TYPED_TEST(ReconstructMemory, ThreadsShareAMask)
+TYPE_TEST(ReconstructMemory, ThreadsShareAMask)
 {
     using T = typename TypeParam::T;
     Random random(77);

@@ -4,21 +4,14 @@
 #include <vector>
 
 #include "morph/reconstruct_fixture.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::reconstruct {
 namespace {
 
-template <class C>
-class ReconstructShapes : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ReconstructShapes, Cases, CaseName);
+TYPE_SUITE(ReconstructShapes, Cases, CaseName);
 
-template <class C>
-class ReconstructShapesQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ReconstructShapesQuick, Cases, CaseName);
+TYPE_SUITE(ReconstructShapesQuick, Cases, CaseName);
 
 // Every orientation of a pattern, from a seed at each end of the image; and uneven, from its middle.
 template <class C>
@@ -49,23 +42,23 @@ void expectWaysThrough(int width, int height)
     expectEveryWay<C>(percolation(width, height, 60, random), random);
 }
 
-TYPED_TEST(ReconstructShapesQuick, SmallestOnes)
+TYPE_TEST(ReconstructShapesQuick, SmallestOnes)
 {
     expectWaysThrough<TypeParam>(5, 7);
 }
 
-TYPED_TEST(ReconstructShapes, SmallOnes)
+TYPE_TEST(ReconstructShapes, SmallOnes)
 {
     expectWaysThrough<TypeParam>(21, 13);
 }
 
-TYPED_TEST(ReconstructShapes, LargerOnes)
+TYPE_TEST(ReconstructShapes, LargerOnes)
 {
     expectWaysThrough<TypeParam>(33, 29);
 }
 
 // Each turn of the way takes a sweep of its own.
-TYPED_TEST(ReconstructShapes, LongWays)
+TYPE_TEST(ReconstructShapes, LongWays)
 {
     Random random(41);
     const Pattern crossing = transposed(serpentine(61, 201));
@@ -117,7 +110,7 @@ TEST(ReconstructPatternsQuick, ShapesAreWays)
     EXPECT_EQ(ends, 2);
 }
 
-TYPED_TEST(ReconstructShapes, ReferencesAgree)
+TYPE_TEST(ReconstructShapes, ReferencesAgree)
 {
     using T = typename TypeParam::T;
     Random random(43);

@@ -8,6 +8,7 @@
 #include "morph/reconstruct_fixture.hpp"
 #include "support/compare.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::reconstruct {
 namespace {
@@ -15,16 +16,8 @@ namespace {
 constexpr Lum32s kIntMax = std::numeric_limits<Lum32s>::max();
 constexpr Lum32s kIntMin = std::numeric_limits<Lum32s>::min();
 
-template <class C>
-class ReconstructStatusQuick : public testing::Test
-{
-};
-TYPED_TEST_SUITE(ReconstructStatusQuick, Cases, CaseName);
+TYPE_SUITE(ReconstructStatusQuick, Cases, CaseName);
 
-template <class T>
-class ReconstructSizeQuick : public testing::Test
-{
-};
 struct PixelName
 {
     template <class T>
@@ -34,9 +27,9 @@ struct PixelName
     }
 };
 using Pixels = testing::Types<Lum8u, Lum16u, Lum32f, Lum64f>;
-TYPED_TEST_SUITE(ReconstructSizeQuick, Pixels, PixelName);
+TYPE_SUITE(ReconstructSizeQuick, Pixels, PixelName);
 
-TYPED_TEST(ReconstructSizeQuick, Formula)
+TYPE_TEST(ReconstructSizeQuick, Formula)
 {
     const Lum32s lengths[] = {1, 2, 3, 7, 8, 15, 16, 31, 32, 33, 64, 100, 640, 1920, 65535, 65536, 10000000};
     for (const Lum32s width : lengths) {
@@ -50,7 +43,7 @@ TYPED_TEST(ReconstructSizeQuick, Formula)
 }
 
 // The sizes at the end of 32 bits, along both sides.
-TYPED_TEST(ReconstructSizeQuick, TooLarge)
+TYPE_TEST(ReconstructSizeQuick, TooLarge)
 {
     const auto expectLimit = [](LumiSize largest, LumiSize tooLarge) {
         ASSERT_LE(scratchBytes<TypeParam>(largest.width, largest.height), kIntMax);
@@ -196,7 +189,7 @@ std::vector<Violation<ApplyArgs<C>>> applyOrder()
     return order;
 }
 
-TYPED_TEST(ReconstructStatusQuick, ApplyChecksInDocumentedOrder)
+TYPE_TEST(ReconstructStatusQuick, ApplyChecksInDocumentedOrder)
 {
     using T = typename TypeParam::T;
     Random random(81);

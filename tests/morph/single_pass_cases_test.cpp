@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "morph/morph_fixture.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
@@ -39,14 +40,10 @@ std::vector<typename Form::Element> applied(Operation operation, Generation gene
     return result;
 }
 
-template <class Form>
-class SinglePassCasesQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(SinglePassCasesQuick, AllForms, FormName);
+TYPE_SUITE(SinglePassCasesQuick, AllForms, FormName);
 
 // An element without a position is the identity, not a constant image, and so is one of a single pixel.
-TYPED_TEST(SinglePassCasesQuick, EmptyAndSinglePixelElementsCopy)
+TYPE_TEST(SinglePassCasesQuick, EmptyAndSinglePixelElementsCopy)
 {
     int seed = 0;
     for (const StructuringElement& element : {emptyElement(1, 1), emptyElement(3, 3), emptyElement(2, 2),
@@ -67,7 +64,7 @@ TYPED_TEST(SinglePassCasesQuick, EmptyAndSinglePixelElementsCopy)
 }
 
 // A 2x2 element weighs the pixel itself, its right, its lower and its diagonal neighbour.
-TYPED_TEST(SinglePassCasesQuick, EvenElementsReachRightAndDown)
+TYPE_TEST(SinglePassCasesQuick, EvenElementsReachRightAndDown)
 {
     using T = typename TypeParam::Element;
     const auto channels = static_cast<std::size_t>(TypeParam::channels);
@@ -86,7 +83,7 @@ TYPED_TEST(SinglePassCasesQuick, EvenElementsReachRightAndDown)
 }
 
 // Neither operation reflects the element: a position to the right of the centre moves the image to the left.
-TYPED_TEST(SinglePassCasesQuick, ElementIsNotReflected)
+TYPE_TEST(SinglePassCasesQuick, ElementIsNotReflected)
 {
     using T = typename TypeParam::Element;
     const auto channels = static_cast<std::size_t>(TypeParam::channels);
@@ -106,7 +103,7 @@ TYPED_TEST(SinglePassCasesQuick, ElementIsNotReflected)
 }
 
 // The neutral border is the smallest or the largest value; an element that sees nothing else shows it.
-TYPED_TEST(SinglePassCasesQuick, NeutralBorderIsTheValueThatCannotWin)
+TYPE_TEST(SinglePassCasesQuick, NeutralBorderIsTheValueThatCannotWin)
 {
     using T = typename TypeParam::Element;
     const std::vector<T> pixels(static_cast<std::size_t>(TypeParam::channels), T{5});
@@ -153,7 +150,7 @@ TEST(SinglePassCasesQuick, NeutralBorderOfFloatsIsFinite)
 }
 
 // One pixel under a 3x3 element: the whole image with its border.
-TYPED_TEST(SinglePassCasesQuick, OnePixel)
+TYPE_TEST(SinglePassCasesQuick, OnePixel)
 {
     using T = typename TypeParam::Element;
     const std::vector<T> pixels(static_cast<std::size_t>(TypeParam::channels), T{5});
@@ -195,7 +192,7 @@ TEST(SinglePassCasesQuick, MirrorDoesNotRepeatTheEdgeAndBounces)
 
 // The flags of the first stage add in-memory sides in all large entries, and of the ordinary ones in the dilation of 8u
 // with one channel alone; the others ignore them.
-TYPED_TEST(SinglePassCasesQuick, StageFlagsCountInOneOrdinaryEntryAlone)
+TYPE_TEST(SinglePassCasesQuick, StageFlagsCountInOneOrdinaryEntryAlone)
 {
     int seed = 0;
     for (const Operation operation : kSinglePasses) {
@@ -248,7 +245,7 @@ TEST(SinglePassCasesQuick, StageFlagsOf8uByHand)
 }
 
 // One ordinary record serves all forms, one large record both operations as well.
-TYPED_TEST(SinglePassCasesQuick, RecordServesAllForms)
+TYPE_TEST(SinglePassCasesQuick, RecordServesAllForms)
 {
     using T = typename TypeParam::Element;
     int seed = 0;

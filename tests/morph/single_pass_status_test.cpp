@@ -2,15 +2,12 @@
 #include "morph/morph_fixture.hpp"
 #include "morph/morph_status.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
 
-template <class Form>
-class SinglePassStatusQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(SinglePassStatusQuick, AllForms, FormName);
+TYPE_SUITE(SinglePassStatusQuick, AllForms, FormName);
 
 template <class Form>
 std::vector<Violation<StatusArguments<Form>>> singlePassOrder(Operation operation, Generation generation)
@@ -62,7 +59,7 @@ std::vector<Violation<StatusArguments<Form>>> singlePassOrder(Operation operatio
     return order;
 }
 
-TYPED_TEST(SinglePassStatusQuick, ChecksInOrder)
+TYPE_TEST(SinglePassStatusQuick, ChecksInOrder)
 {
     for (const Operation operation : kSinglePasses) {
         for (const Generation generation : kGenerations) {
@@ -75,7 +72,7 @@ TYPED_TEST(SinglePassStatusQuick, ChecksInOrder)
 
 // Beyond the four modes 240 alone is a border. The flags of the first stage make 240 where they count: in the large
 // entries and in the ordinary dilation of 8u.
-TYPED_TEST(SinglePassStatusQuick, EveryBorderValue)
+TYPE_TEST(SinglePassStatusQuick, EveryBorderValue)
 {
     for (const Operation operation : kSinglePasses) {
         for (const Generation generation : kGenerations) {
@@ -106,7 +103,7 @@ TYPED_TEST(SinglePassStatusQuick, EveryBorderValue)
     }
 }
 
-TYPED_TEST(SinglePassStatusQuick, InPlaceIsRefusedFor16sAndErosionOf16u)
+TYPE_TEST(SinglePassStatusQuick, InPlaceIsRefusedFor16sAndErosionOf16u)
 {
     for (const Operation operation : kSinglePasses) {
         for (const Generation generation : kGenerations) {
@@ -126,7 +123,7 @@ TYPED_TEST(SinglePassStatusQuick, InPlaceIsRefusedFor16sAndErosionOf16u)
 }
 
 // The status of a size or stride of 0x7fffffff differs from one large entry to the next.
-TYPED_TEST(SinglePassStatusQuick, StatusOfTheLimitDiffersByEntry)
+TYPE_TEST(SinglePassStatusQuick, StatusOfTheLimitDiffersByEntry)
 {
     struct Exception
     {
@@ -170,7 +167,7 @@ TYPED_TEST(SinglePassStatusQuick, StatusOfTheLimitDiffersByEntry)
 }
 
 // The products of the stride test are formed in 64 bits: a row of 2^32 + 4 bytes is not one of 4.
-TYPED_TEST(SinglePassStatusQuick, RowBytesAreNotNarrowed)
+TYPE_TEST(SinglePassStatusQuick, RowBytesAreNotNarrowed)
 {
     constexpr auto pixel = static_cast<Lum64s>(sizeof(typename TypeParam::Element)) * TypeParam::channels;
     if (pixel == 1) {

@@ -1,21 +1,14 @@
 // Dilation and erosion compared with the reference: all shapes of elements, all borders, all widths, all forms.
 #include "morph/morph_fixture.hpp"
 #include "support/sweep.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
 
-template <class Form>
-class SinglePass : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(SinglePass, AllForms, FormName);
+TYPE_SUITE(SinglePass, AllForms, FormName);
 
-template <class Form>
-class SinglePassQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(SinglePassQuick, AllForms, FormName);
+TYPE_SUITE(SinglePassQuick, AllForms, FormName);
 
 /// Dilation and erosion and both generations in turn.
 Setting inTurn(const StructuringElement& element, int width, int height, int number)
@@ -31,7 +24,7 @@ Setting inTurn(const StructuringElement& element, int width, int height, int num
     return placed(s);
 }
 
-TYPED_TEST(SinglePassQuick, MatchesTheReference)
+TYPE_TEST(SinglePassQuick, MatchesTheReference)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element :
@@ -44,7 +37,7 @@ TYPED_TEST(SinglePassQuick, MatchesTheReference)
     }
 }
 
-TYPED_TEST(SinglePass, EveryElement)
+TYPE_TEST(SinglePass, EveryElement)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : elementsOfEveryShape()) {
@@ -59,7 +52,7 @@ TYPED_TEST(SinglePass, EveryElement)
 }
 
 // Every mode with every combination of sides in memory, on images below and above the element.
-TYPED_TEST(SinglePass, EveryBorder)
+TYPE_TEST(SinglePass, EveryBorder)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : {rectangle(3, 3), disc(5), scattered(6, 4, 40, 5), rectangle(7, 1)}) {
@@ -82,7 +75,7 @@ TYPED_TEST(SinglePass, EveryBorder)
     }
 }
 
-TYPED_TEST(SinglePass, EveryWidth)
+TYPE_TEST(SinglePass, EveryWidth)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element :
@@ -99,7 +92,7 @@ TYPED_TEST(SinglePass, EveryWidth)
     }
 }
 
-TYPED_TEST(SinglePass, WideRows)
+TYPE_TEST(SinglePass, WideRows)
 {
     int number = firstNumber<TypeParam>();
     for (const int width : {95, 96, 97, 127, 128, 129, 130, 191, 193, 255, 256, 257, 258, 259, 260, 1100}) {
@@ -116,7 +109,7 @@ TYPED_TEST(SinglePass, WideRows)
 }
 
 // Spans whose maxima could be formed by doubling: every length, along both axes.
-TYPED_TEST(SinglePass, EveryRectangle)
+TYPE_TEST(SinglePass, EveryRectangle)
 {
     int number = firstNumber<TypeParam>();
     for (int side = 1; side <= 34; ++side) {
@@ -130,7 +123,7 @@ TYPED_TEST(SinglePass, EveryRectangle)
     }
 }
 
-TYPED_TEST(SinglePass, EveryHeight)
+TYPE_TEST(SinglePass, EveryHeight)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : {rectangle(3, 3), rectangle(5, 5), rectangle(3, 8), disc(5), disc(7),
@@ -145,7 +138,7 @@ TYPED_TEST(SinglePass, EveryHeight)
     }
 }
 
-TYPED_TEST(SinglePass, ElementsLargerThanTheImage)
+TYPE_TEST(SinglePass, ElementsLargerThanTheImage)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element : {rectangle(21, 21), rectangle(64, 3), rectangle(3, 50), ellipse(30, 23),
@@ -165,7 +158,7 @@ TYPED_TEST(SinglePass, ElementsLargerThanTheImage)
 
 // A record and a block of scratch serve every ROI that is not larger than the one queried for, also those that leave
 // the bands of the large image: an ROI narrower or lower than the element, in a block that is made for bands.
-TYPED_TEST(SinglePass, SmallerRoiInTheSameBlocks)
+TYPE_TEST(SinglePass, SmallerRoiInTheSameBlocks)
 {
     int number = firstNumber<TypeParam>();
     for (const StructuringElement& element :

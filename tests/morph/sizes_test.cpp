@@ -5,6 +5,7 @@
 #include "morph/morph_forms.hpp"
 #include "morph/morph_sizes.hpp"
 #include "support/status_order.hpp"
+#include "support/type_test.hpp"
 
 namespace lumcv::test::morph {
 namespace {
@@ -79,13 +80,9 @@ void expectSize(Query query, const Geometry2& g, Wide size)
     ASSERT_TRUE(actual == (size <= kLargestLong ? size : -77)) << textOf(g) << ": got " << actual;
 }
 
-template <class Form>
-class MorphSizesQuick : public ::testing::Test
-{
-};
-TYPED_TEST_SUITE(MorphSizesQuick, AllForms, FormName);
+TYPE_SUITE(MorphSizesQuick, AllForms, FormName);
 
-TYPED_TEST(MorphSizesQuick, SinglePass)
+TYPE_TEST(MorphSizesQuick, SinglePass)
 {
     for (const Geometry2& g : geometries()) {
         expectSizes(TypeParam::getSize, g, byteRecordSize(g),
@@ -96,7 +93,7 @@ TYPED_TEST(MorphSizesQuick, SinglePass)
     }
 }
 
-TYPED_TEST(MorphSizesQuick, Compound)
+TYPE_TEST(MorphSizesQuick, Compound)
 {
     for (const Geometry2& g : geometries()) {
         const Wide e = sizeof(typename TypeParam::Element);
@@ -233,7 +230,7 @@ void expectSizeOrder(LumStatus (*query)(LumiSize, LumiSize, Lum32s*, Lum32s*))
                       });
 }
 
-TYPED_TEST(MorphSizesQuick, ChecksInOrder)
+TYPE_TEST(MorphSizesQuick, ChecksInOrder)
 {
     expectSizeOrder(TypeParam::getSize);
     expectSizeOrder(TypeParam::advGetSize);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The library needs libc, libm and liblumcore and nothing else, is named by its SONAME, and takes from outside no
-# function but those listed here: none that allocates, starts threads, prints or belongs to the run time of C++.
+# function but those listed here: none that allocates, starts threads, prints or belongs to the run time of C++. It has no
+# variables: what calls share is in the memory of their callers.
 # usage: dependencies_test.sh LIBRARY NM READELF
 set -u
 export LC_ALL=C
@@ -40,6 +41,23 @@ while read -r kind name; do
 done < <("$nm" -D --undefined-only "$library")
 if [ $undefined -eq 0 ]; then
     echo "the symbol table could not be read"
+    failed=1
+fi
+
+# a word each belongs to the compiler's start files
+sections=0
+while read -r name size; do
+    sections=$((sections + 1))
+    case $name in
+        .data | .bss) ((16#$size <= 8)) && continue ;;
+        .tdata | .tbss) ;;
+        *) continue ;;
+    esac
+    echo "the library has variables: $((16#$size)) bytes in $name"
+    failed=1
+done < <("$readelf" -SW "$library" | sed -n 's/^ *\[ *[0-9]*\] \(\.[^ ]*\) *[A-Z_]* *[0-9a-f]* [0-9a-f]* \([0-9a-f]*\) .*/\1 \2/p')
+if [ $sections -eq 0 ]; then
+    echo "the sections could not be read"
     failed=1
 fi
 exit $failed

@@ -323,6 +323,45 @@ TEST(SimdPlanes, ThreeFloatsOfAPixelGoIntoFourAndComeBack)
     });
 }
 
+TEST(SimdPlanes, ThreeBytesOfAPixelComeApartAndGoBack)
+{
+    forPixelCounts([]<int N>(simd::Lanes<N>) {
+        for (const Guard guard : {Guard::Before, Guard::After}) {
+            GuardedBlock bytes(3 * N, guard), back(3 * N, guard);
+            auto* const from = reinterpret_cast<Lum8u*>(bytes.data());
+            for (int i = 0; i < 3 * N; ++i)
+                from[i] = static_cast<Lum8u>(255 - 5 * i);
+            const auto pixels = simd::loadTriples<N>(from);
+            expectEach<Lum32f, N>(pixels.a, [&](int i) { return Lum32f(from[3 * i]); });
+            expectEach<Lum32f, N>(pixels.b, [&](int i) { return Lum32f(from[3 * i + 1]); });
+            expectEach<Lum32f, N>(pixels.c, [&](int i) { return Lum32f(from[3 * i + 2]); });
+            auto* const to = reinterpret_cast<Lum8u*>(back.data());
+            const auto half = simd::broadcast<N>(0.25f);
+            simd::storeTriples(to, pixels.a + half, pixels.b - half, pixels.c);
+            for (int i = 0; i < 3 * N; ++i)
+                ASSERT_EQ(to[i], from[i]) << "byte " << i << " of " << N << " pixels";
+        }
+    });
+}
+
+TEST(SimdPlanes, FloatsAreStoredAsRoundedBytes)
+{
+    forPixelCounts([]<int N>(simd::Lanes<N>) {
+        const Lum32f floats[] = {-7.0f, 0.5f, 1.5f, 2.5f, 254.5f, 254.6f, 255.5f, 1e6f, 99.0f};
+        const Lum8u rounded[] = {0, 0, 2, 2, 254, 255, 255, 255, 99};
+        for (std::size_t first = 0; first < std::size(floats); ++first) {
+            std::array<Lum32f, N> lanes;
+            for (std::size_t i = 0; i < N; ++i)
+                lanes[i] = floats[(first + i) % std::size(floats)];
+            GuardedBlock bytes(N, Guard::After);
+            auto* const to = reinterpret_cast<Lum8u*>(bytes.data());
+            simd::storeBytes(to, simd::load<N>(lanes.data()));
+            for (std::size_t i = 0; i < N; ++i)
+                ASSERT_EQ(to[i], rounded[(first + i) % std::size(floats)]) << "lane " << i << " of " << N;
+        }
+    });
+}
+
 TEST(SimdPlanes, TwoFloatsOfAPixelComeApart)
 {
     forPixelCounts([]<int N>(simd::Lanes<N>) {

@@ -74,6 +74,39 @@ TEST(SimdMasks, Greater)
     forVectors<Lum32f>(greaterLanes);
 }
 
+TEST(SimdMasks, AtMost)
+{
+    forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
+        const auto a = drawnLanes<Lum32f, N>(seed), b = drawnLanes<Lum32f, N>(seed + 1000);
+        expectMask<Lum32f, N>(simd::atMost(simd::load<N>(a.data()), simd::load<N>(b.data())),
+                              [&](int i) { return a[std::size_t(i)] <= b[std::size_t(i)]; });
+    });
+}
+
+TEST(SimdMasks, OneWithoutAnother)
+{
+    forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
+        const auto a = drawnLanes<Lum32f, N>(seed), b = drawnLanes<Lum32f, N>(seed + 1000);
+        const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data()), zero = simd::broadcast<N>(0.0f);
+        expectMask<Lum32f, N>(without(simd::greater(va, zero), simd::greater(vb, zero)),
+                              [&](int i) { return a[std::size_t(i)] > 0 && !(b[std::size_t(i)] > 0); });
+    });
+}
+
+TEST(SimdMasks, AnyBitThatDiffers)
+{
+    forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
+        const auto a = drawnLanes<Lum32f, N>(seed);
+        const auto va = simd::load<N>(a.data());
+        EXPECT_FALSE(simd::anyBitDiffers(va, va));
+        for (std::size_t i = 0; i < N; ++i) {
+            auto b = a;
+            b[i] = -b[i];  // of a zero and of what is not a number, too
+            EXPECT_TRUE(simd::anyBitDiffers(va, simd::load<N>(b.data()))) << "lane " << i << " of " << N;
+        }
+    });
+}
+
 TEST(SimdMasks, SignBitsThatDiffer)
 {
     forVectors<Lum32f>([]<int N>(Lum32f, simd::Lanes<N>, unsigned seed) {
@@ -99,6 +132,7 @@ TEST(SimdMasks, Equal)
     forVectors<Lum8u>(equalLanes);
     forVectors<Lum16u>(equalLanes);
     forVectors<Lum32s>(equalLanes);
+    forVectors<Lum32f>(equalLanes);
 }
 
 const auto loneLanes = []<class T, int N>(T, simd::Lanes<N>, unsigned) {

@@ -5,10 +5,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -62,6 +63,12 @@ std::size_t GuardedBlock::blockBegin() const
     return guard_ == Guard::Before ? 0 : readableBytes(bytes_) - bytes_;
 }
 
+[[noreturn]] static void noPages(const char* call)
+{
+    std::perror(call);
+    std::abort();
+}
+
 // Readable pages between two unreadable ones. What was given back is handed out again: sweeps make hundreds of
 // thousands of blocks, and the system would take longer for their pages than the tests for their pixels.
 class Mappings
@@ -82,12 +89,11 @@ class Mappings
         const std::size_t bytes = readable + 2 * pageSize();
         void* const mapping = mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
         if (mapping == MAP_FAILED) {
-            throw std::bad_alloc();
+            noPages("mmap");
         }
         unsigned char* const first = static_cast<unsigned char*>(mapping);
         if (mprotect(first + pageSize(), readable, PROT_READ | PROT_WRITE) != 0) {
-            munmap(mapping, bytes);
-            throw std::bad_alloc();
+            noPages("mprotect");
         }
         return first;
     }
@@ -158,7 +164,7 @@ GuardedBlock::~GuardedBlock()
 void GuardedBlock::makeReadOnly() const
 {
     if (mprotect(mapping_ + pageSize(), readableBytes(bytes_), PROT_READ) != 0) {
-        throw std::bad_alloc();
+        noPages("mprotect");
     }
     isReadOnly_ = true;
 }

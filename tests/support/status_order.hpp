@@ -18,9 +18,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -44,25 +46,46 @@ struct Output
     std::size_t size;
 };
 
-/// One line of the table.
-template <class Args>
-struct Violation
+/// What a line of the table says of a violation. Its members stand in status_order.cpp: each of thousands of lines
+/// would bring their code along.
+struct ViolationRule
 {
-    Violation(std::string nameOfViolation, LumStatus expected, std::function<void(Args&)> makeViolation,
-              std::vector<std::string> cannotJoin = {})
-        : name(std::move(nameOfViolation)),
-          status(expected),
-          apply(std::move(makeViolation)),
-          notWith(std::move(cannotJoin))
-    {
-    }
+    ViolationRule(std::string_view nameOfViolation, LumStatus expected);
+    ViolationRule(std::string_view nameOfViolation, LumStatus expected, const std::vector<std::string>& cannotJoin);
+    ViolationRule(const ViolationRule& other);
+    ViolationRule& operator=(const ViolationRule& other);
+    ~ViolationRule();
 
     std::string name;
     LumStatus status;
-    std::function<void(Args&)> apply;
     /// Names of violations that this one cannot be made together with, because one undoes the other.
     std::vector<std::string> notWith;
 };
+
+/// One line of the table.
+template <class Args>
+struct Violation : ViolationRule
+{
+    using Apply = std::function<void(Args&)>;
+
+    Violation(std::string_view nameOfViolation, LumStatus expected, Apply makeViolation)
+        : ViolationRule(nameOfViolation, expected), apply(std::move(makeViolation))
+    {
+    }
+    Violation(std::string_view nameOfViolation, LumStatus expected, Apply makeViolation,
+              const std::vector<std::string>& cannotJoin)
+        : ViolationRule(nameOfViolation, expected, cannotJoin), apply(std::move(makeViolation))
+    {
+    }
+
+    Apply apply;
+};
+
+/// Makes the violations of these places of the table in turn, and calls.
+using ViolatingCall = std::function<LumStatus(std::initializer_list<std::size_t> places)>;
+
+testing::AssertionResult statusOrder(const std::vector<const ViolationRule*>& rules, const std::vector<Output>& outputs,
+                                     const ViolatingCall& call, LumStatus success);
 
 /// Tries the valid call, each violation, and each pair of violations in turn. In a pair the one that stands first in
 /// the table is applied last, so that it holds even where both change the same argument.
@@ -70,77 +93,18 @@ template <class Args>
 testing::AssertionResult statusOrder(const Args& valid, const std::vector<Violation<std::type_identity_t<Args>>>& table,
                                      LumStatus success = lumOk)
 {
-    std::string complaints;
-    const auto complain = [&](const std::string& what, const std::string& complaint) {
-        complaints += "\n  " + what + ": " + complaint;
-    };
-    const std::vector<Output> outputs = valid.outputs();
-    const auto snapshot = [&] {
-        std::vector<unsigned char> bytes;
-        for (const Output& output : outputs) {
-            bytes.insert(bytes.end(), output.begin, output.begin + output.size);
-        }
-        return bytes;
-    };
-    const std::vector<unsigned char> before = snapshot();
-    const auto restore = [&] {
-        std::size_t offset = 0;
-        for (const Output& output : outputs) {
-            std::memcpy(output.begin, before.data() + offset, output.size);
-            offset += output.size;
-        }
-    };
-    const auto tryCall = [&](const Args& args, LumStatus expected, const std::string& what) {
-        const LumStatus status = args.call();
-        if (status != expected) {
-            complain(what, "got status " + std::to_string(status) + ", expected " + std::to_string(expected));
-        }
-        const bool written = snapshot() != before;
-        if (written != (expected == success)) {
-            complain(what, written ? "the call wrote through its outputs" : "the call wrote nothing");
-        }
-        restore();
-    };
-    const auto refuses = [](const auto& violation, const std::string& name) {
-        for (const std::string& other : violation.notWith) {
-            if (other == name) {
-                return true;
-            }
-        }
-        return false;
-    };
-
-    if (outputs.empty() || table.empty()) {
-        return testing::AssertionFailure() << "nothing to test: no outputs or no violations";
+    std::vector<const ViolationRule*> rules;
+    for (const ViolationRule& violation : table) {
+        rules.push_back(&violation);
     }
-    tryCall(valid, success, "the valid call");
-    for (std::size_t later = 0; later < table.size(); ++later) {
-        Args single = valid;
-        table[later].apply(single);
-        tryCall(single, table[later].status, table[later].name);
-        for (std::size_t earlier = 0; earlier < later; ++earlier) {
-            if (refuses(table[later], table[earlier].name) || refuses(table[earlier], table[later].name)) {
-                continue;
-            }
-            Args both = valid;
-            table[later].apply(both);
-            table[earlier].apply(both);
-            tryCall(both, table[earlier].status, table[earlier].name + " + " + table[later].name);
+    const auto call = [&](std::initializer_list<std::size_t> places) {
+        Args args = valid;
+        for (const std::size_t place : places) {
+            table[place].apply(args);
         }
-        for (const std::string& other : table[later].notWith) {
-            bool known = false;
-            for (const auto& violation : table) {
-                known = known || violation.name == other;
-            }
-            if (!known) {
-                complain(table[later].name, "there is no violation named '" + other + "'");
-            }
-        }
-    }
-    if (complaints.empty()) {
-        return testing::AssertionSuccess();
-    }
-    return testing::AssertionFailure() << "status order:" << complaints;
+        return static_cast<LumStatus>(args.call());
+    };
+    return statusOrder(rules, valid.outputs(), call, success);
 }
 
 /// Reports what statusOrder finds as failures of the running test.

@@ -1,0 +1,218 @@
+// Neighbouring elements for interpolation: pairs of them as floats, and weighted sums in 32 bits. Multiplying adjacent
+// words yields the sums of every second place, so those of even places stand apart from those of odd places until they
+// are words again.
+#pragma once
+
+#include "simd/gather.hpp"
+#include "simd/pairs.hpp"
+
+namespace lumcv::simd {
+
+/// N pairs of elements that stand in a row, as single-precision numbers.
+template <int N, class T>
+[[gnu::always_inline]] inline Neighbours<Lum32f, N> loadNeighbours(const T* pairs)
+{
+    if constexpr (std::is_same_v<T, Lum32f>) {
+        const auto both = loadEvenOdd<N>(pairs);
+        return {both.even, both.odd};
+    } else if constexpr (std::is_same_v<T, Lum8u>) {
+        const auto both = loadEvenOdd<N>(pairs);
+        return {toFloat(both.even), toFloat(both.odd)};
+    } else {
+        static_assert(std::is_same_v<T, Lum16u>);
+        if constexpr (kindOf<Lum32s, N> == Kind::pair) {
+            const auto lo = loadNeighbours<N / 2>(pairs), hi = loadNeighbours<N / 2>(pairs + N);
+            return {joined(lo.first, hi.first), joined(lo.second, hi.second)};
+        } else {
+            using V = Vec<Lum32s, N>;
+            const auto both = reinterpreted<Lum32s>(load<2 * N>(pairs)).raw;
+            return {toFloat(V{both & 0xffff}), toFloat(V{both >> 16 & 0xffff})};
+        }
+    }
+}
+
+/// Four lanes, saturated to bytes.
+[[gnu::always_inline]] inline void storeFour(Lum8u* p, Vec<Lum32s, 4> v)
+{
+    const __m128i words = _mm_packs_epi32(bits(v.raw), bits(v.raw));
+    _mm_storeu_si32(p, _mm_packus_epi16(words, words));
+}
+
+/// Four lanes, saturated to words.
+[[gnu::always_inline]] inline void storeFour(Lum16u* p, Vec<Lum32s, 4> v)
+{
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi32(bits(v.raw), bits(v.raw)));
+}
+
+/// N elements, and those one place further.
+template <int N>
+struct NeighbourWords
+{
+    Vec<Lum16s, N> at, next;
+};
+
+/// Bytes become words, value for value. Reads N + 1 elements.
+template <int N>
+[[gnu::always_inline]] inline NeighbourWords<N> loadNeighbourWords(const Lum8u* p)
+{
+    return {loadWords<N>(p), loadWords<N>(p + 1)};
+}
+
+/// Words less 2^15. Reads N + 1 elements.
+template <int N>
+[[gnu::always_inline]] inline NeighbourWords<N> loadNeighbourWords(const Lum16u* p)
+{
+    return {centred(load<N>(p)), centred(load<N>(p + 1))};
+}
+
+template <int N, Kind kind = kindOf<Lum16s, N>>
+struct NeighbourSums;
+
+template <>
+struct NeighbourSums<1, Kind::scalar>
+{
+    Vec<Lum32s, 1> sum;
+};
+
+template <int N>
+struct NeighbourSums<N, Kind::native>
+{
+    Vec<Lum32s, N / 2> even, odd;
+};
+
+template <int N>
+struct NeighbourSums<N, Kind::pair>
+{
+    NeighbourSums<N / 2> lo, hi;
+};
+
+/// p[i] * first + p[i + 1] * second for each of N places, modulo 2^32.
+template <int N>
+[[gnu::always_inline]] inline NeighbourSums<N> neighbourProducts(NeighbourWords<N> p, Lum16s first, Lum16s second)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {neighbourProducts(NeighbourWords<N / 2>{p.at.lo, p.next.lo}, first, second),
+                neighbourProducts(NeighbourWords<N / 2>{p.at.hi, p.next.hi}, first, second)};
+    else if constexpr (N == 1)
+        return {Vec<Lum32s, 1>{p.at.raw} * Vec<Lum32s, 1>{first} + Vec<Lum32s, 1>{p.next.raw} * Vec<Lum32s, 1>{second}};
+    else {
+        using Half = Vec<Lum32s, N / 2>;
+        const auto both =
+            static_cast<Lum32s>(static_cast<Lum16u>(first) | static_cast<Lum32u>(static_cast<Lum16u>(second)) << 16);
+        const auto factors = bits(broadcast<N / 2>(both).raw);
+        const auto sums = [&](auto words) {
+            if constexpr (sizeof(Half) == 16)
+                return Half{(typename Half::Raw)_mm_madd_epi16(bits(words.raw), factors)};
+#if defined(__AVX2__)
+            else if constexpr (sizeof(Half) == 32)
+                return Half{(typename Half::Raw)_mm256_madd_epi16(bits(words.raw), factors)};
+#endif
+#if defined(__AVX512BW__)
+            else
+                return Half{(typename Half::Raw)_mm512_madd_epi16(bits(words.raw), factors)};
+#endif
+        };
+        return {sums(p.at), sums(p.next)};
+    }
+}
+
+/// Applies an operation of 32-bit lanes.
+template <int N, class Operation, class... Sums>
+[[gnu::always_inline]] inline NeighbourSums<N> eachSum(Operation operation, NeighbourSums<N> a, Sums... rest)
+{
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {eachSum(operation, a.lo, rest.lo...), eachSum(operation, a.hi, rest.hi...)};
+    else if constexpr (N == 1)
+        return {operation(a.sum, rest.sum...)};
+    else
+        return {operation(a.even, rest.even...), operation(a.odd, rest.odd...)};
+}
+
+template <int N>
+[[gnu::always_inline]] inline NeighbourSums<N> operator+(NeighbourSums<N> a, NeighbourSums<N> b)
+{
+    return eachSum([](auto x, auto y) { return x + y; }, a, b);
+}
+
+/// The bits from `lowest` on, 16 of them, of each sum, in the order of the places.
+template <int lowest, int N>
+[[gnu::always_inline]] inline Vec<Lum16u, N> wordsOf(NeighbourSums<N> a)
+{
+    static_assert(0 <= lowest && lowest <= 16);
+    using V = Vec<Lum16u, N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {wordsOf<lowest>(a.lo), wordsOf<lowest>(a.hi)};
+    else if constexpr (N == 1)
+        return {static_cast<Lum16u>(a.sum.raw >> lowest)};
+    else {
+        const auto even = bits(a.even.raw >> lowest);
+        const auto odd = bits(wrapping(a.odd) << (16 - lowest));
+        if constexpr (sizeof(V) == 16)
+            return {(typename V::Raw)_mm_blend_epi16(even, odd, 0xAA)};
+#if defined(__AVX2__)
+        else if constexpr (sizeof(V) == 32)
+            return {(typename V::Raw)_mm256_blend_epi16(even, odd, 0xAA)};
+#endif
+#if defined(__AVX512BW__)
+        else
+            return {(typename V::Raw)_mm512_mask_blend_epi16(0xAAAAAAAA, even, odd)};
+#endif
+    }
+}
+
+/// N bytes less 128, and those one place further.
+template <int N>
+struct NeighbourBytes
+{
+    Vec<Lum8s, N> at, next;
+};
+
+/// Reads N + 1 bytes.
+template <int N>
+[[gnu::always_inline]] inline NeighbourBytes<N> loadNeighbourBytes(const Lum8u* p)
+{
+    const auto centred = []<int M>(const auto& self, Vec<Lum8u, M> v) -> Vec<Lum8s, M> {
+        if constexpr (kindOf<Lum8u, M> == Kind::pair)
+            return {self(self, v.lo), self(self, v.hi)};
+        else if constexpr (M == 1)
+            return {static_cast<Lum8s>(v.raw - 128)};
+        else
+            return {(typename Vec<Lum8s, M>::Raw)(v.raw ^ Lum8u{128})};
+    };
+    return {centred(centred, load<N>(p)), centred(centred, load<N>(p + 1))};
+}
+
+/// factors[0] * v[2 i] + factors[1] * v[2 i + 1] for each pair of bytes; the factors sum to 256 at most, and the sums
+/// fit words.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum16s, N / 2> pairProducts(Vec<Lum8s, N> v, Vec<Lum16s, N / 2> factors)
+{
+    using V = Vec<Lum16s, N / 2>;
+    if constexpr (kindOf<Lum8s, N> == Kind::pair)
+        return {pairProducts(v.lo, factors.lo), pairProducts(v.hi, factors.hi)};
+    else if constexpr (sizeof(V) == 16)
+        return {(typename V::Raw)_mm_maddubs_epi16(bits(factors.raw), bits(v.raw))};
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return {(typename V::Raw)_mm256_maddubs_epi16(bits(factors.raw), bits(v.raw))};
+#endif
+#if defined(__AVX512BW__)
+    else
+        return {(typename V::Raw)_mm512_maddubs_epi16(bits(factors.raw), bits(v.raw))};
+#endif
+}
+
+/// The upper bytes of words of even and of odd places, in their order.
+template <int N>
+[[gnu::always_inline]] inline Vec<Lum8u, 2 * N> upperBytes(Vec<Lum16s, N> even, Vec<Lum16s, N> odd)
+{
+    using V = Vec<Lum8u, 2 * N>;
+    if constexpr (kindOf<Lum16s, N> == Kind::pair)
+        return {upperBytes(even.lo, odd.lo), upperBytes(even.hi, odd.hi)};
+    else {
+        constexpr Lum16u upper = 0xff00;
+        return {(typename V::Raw)(wrapping(even) >> 8 | (wrapping(odd) & upper))};
+    }
+}
+
+}  // namespace lumcv::simd
