@@ -84,7 +84,9 @@ void ofImage(Choices& choices, const std::string& name)
     a.anchor = a.kernelSize == lumMask3x3 && choices.oneIn(2) ? lumFilterScharr : lumFilterSobel;
     a.divisor = choices.oneIn(2) ? lumNormL2 : lumNormL1;
     const int modes[] = {lumBorderReplicate, lumBorderConstant};
-    a.borderType = choices.oneIn(6) ? lumBorderInMem : choices.oneOf(modes) | choices.between(0, 15) << 4;
+    a.borderType = choices.oneIn(6) ? int(lumBorderInMem) : choices.oneOf(modes);
+    if (a.borderType != lumBorderInMem)
+        a.borderType |= choices.between(0, 15) << 4;
     const Thresholds chosen = chooseThresholds(choices);
     const int reach = a.kernelSize == lumMask3x3 ? 1 : 2;
     const auto margins = lumcv::test::promisedMargins(a.borderType, lumcv::test::Margins::all(reach));

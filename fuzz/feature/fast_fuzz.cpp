@@ -37,7 +37,9 @@ Detector choose(Choices& choices, LumiSize imageSize)
     const int radius = choices.oneOf(radii);
     const int least = points[radius] / 2 | 1;
     const int arc = choices.oneIn(2) ? least : choices.between(least, points[radius]);
-    const int mode = lumFastNCorners | choices.oneOf(scores) | (choices.oneIn(2) ? lumFastNOrientation : 0);
+    int mode = lumFastNCorners | choices.oneOf(scores);
+    if (choices.oneIn(2))
+        mode |= lumFastNOrientation;
     return {imageSize, radius, arc, choices.between(1, 64), mode, float(choices.oneOf(thresholds))};
 }
 

@@ -48,7 +48,9 @@ Run apply(Apply<T, BorderValue, Spec> f, Sizes sizes, Init<Spec> init, int chann
         const LumiSize size = call.arguments.size();
         const Mask mask = chooseMask(choices, size);
         const int modes[] = {lumBorderReplicate, lumBorderMirror, lumBorderConstant};
-        a.borderType = choices.oneOf(modes) | (choices.oneIn(2) ? choices.between(0, 15) << 4 : 0);
+        a.borderType = choices.oneOf(modes);
+        if (choices.oneIn(2))
+            a.borderType |= choices.between(0, 15) << 4;
         const auto margin = [&](int flag, int length) { return a.borderType & flag ? length / 2 : 0; };
         const lumcv::test::Margins margins{
             margin(lumBorderInMemTop, mask.size.height), margin(lumBorderInMemBottom, mask.size.height),

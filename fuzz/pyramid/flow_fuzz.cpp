@@ -48,8 +48,8 @@ Run flow(LumDataType type, Init init, Apply apply)
         for (int i = 0; i < 2 * a.channels; ++i) {
             const int extent = i % 2 ? size.height : size.width;
             const int reach = choices.oneIn(4) ? a.kernelSize + 4 : 0;
-            points.push_back(Lum32f(choices.between(-reach, extent - 1 + reach)) +
-                             (choices.oneIn(2) ? 0.0f : Lum32f(choices.between(0, 15)) / 16));
+            const Lum32f whole = Lum32f(choices.between(-reach, extent - 1 + reach));
+            points.push_back(choices.oneIn(2) ? whole : whole + Lum32f(choices.between(0, 15)) / 16);
         }
         Lum32s stateBytes = 0;
         if (lumiOpticalFlowPyrLKGetSize(a.kernelSize, size, type, 0, &stateBytes) != lumOk)

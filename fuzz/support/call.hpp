@@ -10,12 +10,14 @@
 #include <lumcv/lumcv.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include "fuzz/support/choices.hpp"
+#include "fuzz/support/fault_report.hpp"
 #include "support/promised_margins.hpp"
 
 namespace lumcv::fuzz {
@@ -155,12 +157,47 @@ struct Call
 
 void tryCall(Choices& choices, Call call);
 
-// Ends the process with a message that names the case.
-[[noreturn]] void fail(const std::string& complaint);
+// While one lives, it takes down what the calls of its thread return and write. Its digest is the same wherever images
+// and blocks stand, on every processor level and with every compiler; all not-a-numbers are taken for the same.
+class Recorder
+{
+  public:
+    // Twins: the second call of each case is made along with a third on another thread. These two read the same images,
+    // blocks and records.
+    enum class Mode
+    {
+        Alone,
+        WithTwins
+    };
+    explicit Recorder(Mode mode);
+    ~Recorder();
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
 
-// What printAnnouncement() writes to the standard error stream if the process ends in a fault.
-void announce(const std::string& text);
-void printAnnouncement();
+    Mode mode() const
+    {
+        return mode_;
+    }
+    void add(const std::string& text, LumStatus status);
+    void add(const unsigned char* values, std::size_t bytes, Element element);
+
+    std::uint64_t digest() const
+    {
+        return digest_;
+    }
+    // What was called, with which statuses.
+    const std::string& text() const
+    {
+        return text_;
+    }
+
+  private:
+    void mix(std::uint64_t word);
+
+    const Mode mode_;
+    std::uint64_t digest_ = 1;
+    std::string text_;
+};
 
 // Sizes around lane counts for the most part; once in a while enough pixels for the treatment of large images.
 LumiSize chooseSize(Choices& choices);
