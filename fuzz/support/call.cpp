@@ -204,6 +204,8 @@ class Memory
             const std::string name = "image " + std::to_string(i);
             if (!written && bytesOf(images_[i]) != imagesBefore_[i])
                 fail(name + " was written");
+            if (!bitsBesideIntact(i))
+                fail(name + ": bits beside the pixels were written");
             if (const testing::AssertionResult intact = images_[i].gapsIntact(); !intact)
                 fail(name + ": " + intact.message());
         }
@@ -254,6 +256,23 @@ class Memory
                     if (values.oneIn(2))
                         row[i] = 0;
         }
+    }
+
+    bool bitsBesideIntact(std::size_t i) const
+    {
+        const ImageOperand& operand = call_.images[i];
+        if (operand.bitCount == 0)
+            return true;
+        const ByteImage& image = images_[i];
+        for (int y = 0; y < image.height(); ++y) {
+            const Lum8u* const before = imagesBefore_[i].data() + (image.row(y) - image.bytes());
+            for (int bit = 0; bit < 8 * image.width(); ++bit) {
+                const bool isPixel = bit >= operand.firstBit && bit < operand.firstBit + operand.bitCount;
+                if (!isPixel && ((image.row(y)[bit / 8] ^ before[bit / 8]) >> bit % 8 & 1) != 0)
+                    return false;
+            }
+        }
+        return true;
     }
 
     void* rowArray(std::size_t i, Random& places)
@@ -356,9 +375,9 @@ std::string Call::text() const
 {
     std::ostringstream stream;
     const Arguments& a = arguments;
-    stream << function << " on " << a.width << " x " << a.height << ", kernel size " << a.kernelSize << ", anchor "
-           << a.anchor << ", border " << a.borderType << ", divisor " << a.divisor << ", type " << a.dataType
-           << ", channels " << a.channels << ", parameter " << a.parameter;
+    stream << function << " on " << a.width << " x " << a.height << ", mask " << a.mask.width << " x " << a.mask.height
+           << ", kernel size " << a.kernelSize << ", anchor " << a.anchor << ", border " << a.borderType << ", divisor "
+           << a.divisor << ", type " << a.dataType << ", channels " << a.channels << ", parameter " << a.parameter;
     return stream.str();
 }
 

@@ -77,6 +77,8 @@ struct ImageOperand
     int leastExtra = 0;  // how many of these columns the stride is held against
     // Of an updated image: half of its elements are zero, as in a mask.
     bool halfZero = false;
+    // Of a 1-bit image, whose elements are the bytes that its pixels lie in: which bits of a row may be written.
+    int firstBit = 0, bitCount = 0;
 };
 
 struct BlockOperand
@@ -94,6 +96,7 @@ struct Arguments
     std::vector<Lum64s> steps;
     std::vector<void*> blocks;
     Lum64s width = 1, height = 1;
+    LumiSizeL mask = {1, 1};
     Lum32s kernelSize = 0, anchor = 0, borderType = 0, divisor = 1, dataType = 0, channels = 0;
     Lum32f parameter = 0;
 
