@@ -70,6 +70,18 @@ void fillElements(unsigned char* to, std::size_t bytes, Element element, Random&
     }
 }
 
+// What scratch holds: many bytes, and none that matters.
+void fillAnyhow(unsigned char* to, std::size_t bytes, Random& random)
+{
+    while (bytes > 0) {
+        const std::uint64_t bits = random.bits();
+        const std::size_t count = bytes < sizeof bits ? bytes : sizeof bits;
+        std::memcpy(to, &bits, count);
+        to += count;
+        bytes -= count;
+    }
+}
+
 // Whether two runs of elements are the same bits, with all not-a-numbers taken for the same.
 bool sameElements(const unsigned char* a, const unsigned char* b, std::size_t bytes, Element element)
 {
@@ -183,7 +195,7 @@ class Memory
             if (operand.role == Role::Read)
                 fillElements(block.data(), block.size(), operand.element, values, kind);
             else if (operand.role != Role::Written)
-                fillElements(block.data(), block.size(), Element::U8, places, test::Values::Ordinary);
+                fillAnyhow(block.data(), block.size(), places);
             arguments.blocks.push_back(block.data());
         }
         if (call.prepare)
