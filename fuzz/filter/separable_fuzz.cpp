@@ -28,11 +28,6 @@ void chooseKernelSize(Choices& choices, Arguments& a)
     a.anchor = choices.oneIn(2) ? a.kernelSize : chooseLength(choices, isLargeImage);
 }
 
-void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply)
-{
-    call.violations.push_back({std::move(name), {status}, std::move(apply)});
-}
-
 void addKernelSizeViolations(Call& call)
 {
     for (const int wrong : {0, -1, INT32_MIN}) {
@@ -199,13 +194,8 @@ void tryApply(LumStatus (*f)(const S*, Step, D*, Step, Size, LumiBorderType, Bor
             value = values;
         else
             value = *values;
-        Size size;
-        if constexpr (std::is_same_v<Size, LumiSize>)
-            size = b.size();
-        else
-            size = b.sizeL();
-        return f(b.image<S>(0), Step(b.steps[0]), b.image<D>(1), Step(b.steps[1]), size, b.borderType, value,
-                 b.block<LumFilterSeparableSpec>(spec), b.block<Lum8u>(buffer));
+        return f(b.image<S>(0), Step(b.steps[0]), b.image<D>(1), Step(b.steps[1]), b.sizeAs<Size>(), b.borderType,
+                 value, b.block<LumFilterSeparableSpec>(spec), b.block<Lum8u>(buffer));
     };
     tryCall(choices, std::move(call));
 }
@@ -247,7 +237,7 @@ Run querySpec(LumStatus (*f)(LumiSize, LumDataType, Lum32s, Result*))
         addViolation(call, "type " + std::to_string(wrong), lumErrDataType, [=](Arguments& b) { b.dataType = wrong; });
         if (sizeof(Result) == 4)
             addViolation(call, "long kernels", lumErrSizeTooLarge, [](Arguments& b) { b.kernelSize = INT32_MAX - 8; });
-        call.blocks = {{Role::Written, sizeof(Result), sizeof(Result) == 4 ? Element::S32 : Element::F64}};
+        call.blocks = {{Role::Written, sizeof(Result), numberElement<Result>}};
         call.call = [=](const Arguments& b) { return f(kernelSizeOf(b), b.dataType, b.channels, b.block<Result>(0)); };
         tryCall(choices, std::move(call));
     };
@@ -279,14 +269,9 @@ Run queryBuffer(LumStatus (*f)(Size, LumiSize, LumDataType, LumDataType, Lum32s,
             addViolation(call, "a height above 31 bits", lumErrSizeTooLarge,
                          [](Arguments& b) { b.height = INT64_MAX; });
         }
-        call.blocks = {{Role::Written, sizeof(Result), sizeof(Result) == 4 ? Element::S32 : Element::F64}};
+        call.blocks = {{Role::Written, sizeof(Result), numberElement<Result>}};
         call.call = [=](const Arguments& b) {
-            Size size;
-            if constexpr (std::is_same_v<Size, LumiSize>)
-                size = b.size();
-            else
-                size = b.sizeL();
-            return f(size, kernelSizeOf(b), b.dataType, b.divisor, b.channels, b.block<Result>(0));
+            return f(b.sizeAs<Size>(), kernelSizeOf(b), b.dataType, b.divisor, b.channels, b.block<Result>(0));
         };
         tryCall(choices, std::move(call));
     };

@@ -303,16 +303,6 @@ Call describe(Choices& choices, const std::string& name, Work work, const Form& 
 template <typename T>
 constexpr bool isPointer = std::is_pointer_v<T>;
 
-// The size of a call in the type that the function takes.
-template <typename Size>
-Size sizeOf(const Arguments& a)
-{
-    if constexpr (std::is_same_v<Size, LumiSize>)
-        return a.size();
-    else
-        return a.sizeL();
-}
-
 template <typename T, typename BorderValue>
 BorderValue valueOf(const Arguments& a, bool withoutValue)
 {
@@ -344,7 +334,7 @@ Run run(Work work, Apply<T, Step, Size, BorderValue, Spec> f, Form form, Steps s
         if (refusesInPlace(work, form))
             call.violations.push_back({"in place", {lumErrInPlace}, [](Arguments& a) { a.images[1] = a.images[0]; }});
         call.call = [=](const Arguments& a) {
-            return f(a.image<T>(0), Step(a.steps[0]), a.image<T>(dst), Step(a.steps[dst]), sizeOf<Size>(a),
+            return f(a.image<T>(0), Step(a.steps[0]), a.image<T>(dst), Step(a.steps[dst]), a.sizeAs<Size>(),
                      a.borderType, valueOf<T, BorderValue>(a, withoutValue), a.block<Spec>(spec),
                      a.block<Lum8u>(buffer));
         };
@@ -388,7 +378,7 @@ Run runBits(Work work, ApplyBits<Step, Size, BorderValue, Spec> f, Form form, St
         call.call = [=](const Arguments& a) {
             const Lum8u* const pSrc = a.images[0] ? a.image<Lum8u>(0) - srcBytes : nullptr;
             Lum8u* const pDst = a.images[dst] ? a.image<Lum8u>(dst) - dstBytes : nullptr;
-            return f(pSrc, Step(a.steps[0]), a.kernelSize, pDst, Step(a.steps[dst]), a.anchor, sizeOf<Size>(a),
+            return f(pSrc, Step(a.steps[0]), a.kernelSize, pDst, Step(a.steps[dst]), a.anchor, a.sizeAs<Size>(),
                      a.borderType, valueOf<Lum8u, BorderValue>(a, withoutValue), a.block<Spec>(spec),
                      a.block<Lum8u>(buffer));
         };

@@ -13,11 +13,6 @@ using Sizes = LumStatus (*)(LumiSize, LumiSize, Lum32s*, Lum32s*);
 template <typename Spec>
 using Init = LumStatus (*)(LumiSize, const Lum8u*, LumiSize, Spec*, Lum8u*);
 
-void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply)
-{
-    call.violations.push_back({std::move(name), {status}, std::move(apply)});
-}
-
 LumiSize maskOf(const Arguments& a)
 {
     return {Lum32s(a.mask.width), Lum32s(a.mask.height)};

@@ -393,6 +393,11 @@ std::string Call::text() const
     return stream.str();
 }
 
+void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply)
+{
+    call.violations.push_back({std::move(name), {status}, std::move(apply)});
+}
+
 void tryCall(Choices& choices, Call call)
 {
     std::string text = call.text();

@@ -127,6 +127,12 @@ struct Arguments
     {
         return {width, height};
     }
+    // The size in the type that a function takes.
+    template <typename Size>
+    Size sizeAs() const
+    {
+        return {decltype(Size::width)(width), decltype(Size::height)(height)};
+    }
 };
 
 // A wrong argument and the statuses it may lead to.
@@ -156,6 +162,9 @@ struct Call
     std::string text() const;
 };
 
+// Adds a wrong argument that has one status.
+void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply);
+
 void tryCall(Choices& choices, Call call);
 
 // Ends the process with a message that names the case.
@@ -177,6 +186,10 @@ int chooseWrongBorder(Choices& choices);
 
 // Makes one case of a function.
 using Run = std::function<void(Choices&, const std::string& function)>;
+
+// The kind of element that a number of 4 or 8 bytes is filled as; it decides the number's alignment.
+template <typename Number>
+constexpr Element numberElement = sizeof(Number) == 4 ? Element::S32 : Element::F64;
 
 // A function to be fuzzed.
 struct Target
