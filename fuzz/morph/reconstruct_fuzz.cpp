@@ -1,4 +1,4 @@
-// Fuzzes the reconstructions of 8u, 16u and 32f images and their size query.
+// Fuzzes the reconstructions of 8u, 16u, 32f and 64f images and their size query.
 #include <cstring>
 
 #include "fuzz/support/call.hpp"
@@ -10,7 +10,16 @@ using namespace lumcv::fuzz;
 template <typename T>
 constexpr LumDataType typeCode()
 {
-    return elementOf<T>() == Element::U8 ? lumType8u : elementOf<T>() == Element::U16 ? lumType16u : lumType32f;
+    switch (elementOf<T>()) {
+        case Element::U8:
+            return lumType8u;
+        case Element::U16:
+            return lumType16u;
+        case Element::F32:
+            return lumType32f;
+        default:
+            return lumType64f;
+    }
 }
 
 template <typename T>
@@ -74,6 +83,8 @@ const Targets targets{{
     {"lumiMorphReconstructErode_16u_C1IR", reconstruct(lumiMorphReconstructErode_16u_C1IR)},
     {"lumiMorphReconstructDilate_32f_C1IR", reconstruct(lumiMorphReconstructDilate_32f_C1IR)},
     {"lumiMorphReconstructErode_32f_C1IR", reconstruct(lumiMorphReconstructErode_32f_C1IR)},
+    {"lumiMorphReconstructDilate_64f_C1IR", reconstruct(lumiMorphReconstructDilate_64f_C1IR)},
+    {"lumiMorphReconstructErode_64f_C1IR", reconstruct(lumiMorphReconstructErode_64f_C1IR)},
 }};
 
 }  // namespace

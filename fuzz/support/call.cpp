@@ -69,6 +69,18 @@ void fillElements(unsigned char* to, std::size_t bytes, Element element, Random&
     }
 }
 
+// What scratch holds: many bytes, and none that matters.
+void fillAnyhow(unsigned char* to, std::size_t bytes, Random& random)
+{
+    while (bytes > 0) {
+        const std::uint64_t bits = random.bits();
+        const std::size_t count = bytes < sizeof bits ? bytes : sizeof bits;
+        std::memcpy(to, &bits, count);
+        to += count;
+        bytes -= count;
+    }
+}
+
 // Whether two runs of elements are the same bits, with all not-a-numbers taken for the same.
 bool sameElements(const unsigned char* a, const unsigned char* b, std::size_t bytes, Element element)
 {
@@ -182,7 +194,7 @@ class Memory
             if (operand.role == Role::Read)
                 fillElements(block.data(), block.size(), operand.element, values, kind);
             else if (operand.role != Role::Written)
-                fillElements(block.data(), block.size(), Element::U8, places, test::Values::Ordinary);
+                fillAnyhow(block.data(), block.size(), places);
             arguments.blocks.push_back(block.data());
         }
         if (call.prepare)
@@ -203,6 +215,8 @@ class Memory
             const std::string name = "image " + std::to_string(i);
             if (!written && bytesOf(images_[i]) != imagesBefore_[i])
                 fail(name + " was written");
+            if (!bitsBesideIntact(i))
+                fail(name + ": bits beside the pixels were written");
             if (const testing::AssertionResult intact = images_[i].gapsIntact(); !intact)
                 fail(name + ": " + intact.message());
         }
@@ -281,6 +295,23 @@ class Memory
                     if (values.oneIn(2))
                         row[i] = 0;
         }
+    }
+
+    bool bitsBesideIntact(std::size_t i) const
+    {
+        const ImageOperand& operand = call_.images[i];
+        if (operand.bitCount == 0)
+            return true;
+        const ByteImage& image = images_[i];
+        for (int y = 0; y < image.height(); ++y) {
+            const Lum8u* const before = imagesBefore_[i].data() + (image.row(y) - image.bytes());
+            for (int bit = 0; bit < 8 * image.width(); ++bit) {
+                const bool isPixel = bit >= operand.firstBit && bit < operand.firstBit + operand.bitCount;
+                if (!isPixel && ((image.row(y)[bit / 8] ^ before[bit / 8]) >> bit % 8 & 1) != 0)
+                    return false;
+            }
+        }
+        return true;
     }
 
     void* rowArray(std::size_t i, Random& places)
@@ -383,10 +414,15 @@ std::string Call::text() const
 {
     std::ostringstream stream;
     const Arguments& a = arguments;
-    stream << function << " on " << a.width << " x " << a.height << ", kernel size " << a.kernelSize << ", anchor "
-           << a.anchor << ", border " << a.borderType << ", divisor " << a.divisor << ", type " << a.dataType
-           << ", channels " << a.channels << ", parameter " << a.parameter;
+    stream << function << " on " << a.width << " x " << a.height << ", mask " << a.mask.width << " x " << a.mask.height
+           << ", kernel size " << a.kernelSize << ", anchor " << a.anchor << ", border " << a.borderType << ", divisor "
+           << a.divisor << ", type " << a.dataType << ", channels " << a.channels << ", parameter " << a.parameter;
     return stream.str();
+}
+
+void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply)
+{
+    call.violations.push_back({std::move(name), {status}, std::move(apply)});
 }
 
 void tryCall(Choices& choices, Call call)

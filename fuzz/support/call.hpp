@@ -79,6 +79,8 @@ struct ImageOperand
     int leastExtra = 0;  // how many of these columns the stride is held against
     // Of an updated image: half of its elements are zero, as in a mask.
     bool halfZero = false;
+    // Of a 1-bit image, whose elements are the bytes that its pixels lie in: which bits of a row may be written.
+    int firstBit = 0, bitCount = 0;
 };
 
 struct BlockOperand
@@ -96,6 +98,7 @@ struct Arguments
     std::vector<Lum64s> steps;
     std::vector<void*> blocks;
     Lum64s width = 1, height = 1;
+    LumiSizeL mask = {1, 1};
     Lum32s kernelSize = 0, anchor = 0, borderType = 0, divisor = 1, dataType = 0, channels = 0;
     Lum32f parameter = 0;
 
@@ -126,6 +129,12 @@ struct Arguments
     {
         return {width, height};
     }
+    // The size in the type that a function takes.
+    template <typename Size>
+    Size sizeAs() const
+    {
+        return {decltype(Size::width)(width), decltype(Size::height)(height)};
+    }
 };
 
 // A wrong argument and the statuses it may lead to.
@@ -154,6 +163,9 @@ struct Call
 
     std::string text() const;
 };
+
+// Adds a wrong argument that has one status.
+void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply);
 
 void tryCall(Choices& choices, Call call);
 
@@ -211,6 +223,10 @@ int chooseWrongBorder(Choices& choices);
 
 // Makes one case of a function.
 using Run = std::function<void(Choices&, const std::string& function)>;
+
+// The kind of element that a number of 4 or 8 bytes is filled as; it decides the number's alignment.
+template <typename Number>
+constexpr Element numberElement = sizeof(Number) == 4 ? Element::S32 : Element::F64;
 
 // A function to be fuzzed.
 struct Target
