@@ -11,9 +11,10 @@ fail()
     failed=1
 }
 
-# links LINES OF MARKDOWN: targets of [text](target), code left out, what follows # cut off
+# links PAGE: the targets of [text](target), outside of code
 links()
 {
+    # shellcheck disable=SC2016  # the quotes that fence code in Markdown
     sed -e '/^```/,/^```/d' -e '/^    /d' -e 's/`[^`]*`//g' "$1" | grep -o '](\([^)]*\))' | sed -e 's/^](//' -e 's/)$//'
 }
 
@@ -60,10 +61,10 @@ operations=$(sed -E -e '/^lum/!d' -e 's/_L$//' -e 's/_Sfs$//' -e 's/_(C[1-4][A-Z
     -e 's/_((8|16|32|64|1)[usf])+$//' -e 's/_Low$//' "$root/tests/product/exports.txt" | sort -u)
 [ "$(wc -l <<<"$operations")" -ge 150 ] || fail "the list of exports makes too few operations"
 missing=$(comm -13 <(echo "$named") <(echo "$operations"))
-[ -z "$missing" ] || fail "docs/operations.md does not name" $missing
+[ -z "$missing" ] || fail "docs/operations.md does not name: ${missing//$'\n'/ }"
 # the other way: nothing is named that is not there
 unknown=$(comm -23 <(echo "$named") <(echo "$operations"))
-[ -z "$unknown" ] || fail "docs/operations.md names what is no export:" $unknown
+[ -z "$unknown" ] || fail "docs/operations.md names what is no export: ${unknown//$'\n'/ }"
 
 total=0
 while IFS= read -r picture; do
@@ -71,5 +72,6 @@ while IFS= read -r picture; do
     total=$((total + bytes))
     [ "$bytes" -le 61440 ] || fail "${picture#"$root"/} has $bytes bytes, above 60 KiB"
 done < <(find "$root/docs/pictures" -name '*.png')
-[ "$total" -gt 0 ] && [ "$total" -le 716800 ] || fail "the pictures have $total bytes; up to 700 KiB are well"
+[ "$total" -gt 0 ] || fail "there are no pictures"
+[ "$total" -le 716800 ] || fail "the pictures have $total bytes, above 700 KiB"
 exit $failed
