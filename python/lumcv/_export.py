@@ -342,6 +342,7 @@ def make_export(name: str) -> Callable[..., Any]:
         pending.check()
         return pending.run()
 
+    call.export = export  # type: ignore[attr-defined]
     return dress(call, name, export.parameters)
 
 

@@ -6,7 +6,7 @@ import ctypes
 import ctypes.util
 import os
 import threading
-from typing import Optional
+from typing import Optional, Tuple, Type
 
 from ._table import CONSTANTS
 
@@ -27,7 +27,7 @@ class LumcvError(Exception):
         self.name, self.meaning = STATUSES.get(status, (str(status), "a status that this package does not know"))
         super().__init__(f"{function}: {self.name}: {self.meaning}")
 
-    def __reduce__(self) -> object:
+    def __reduce__(self) -> Tuple[Type["LumcvError"], Tuple[str, int]]:
         return type(self), (self.function, self.status)
 
 

@@ -31,7 +31,7 @@ class Record:
 
     def view(self, structure: Type[Viewed]) -> Viewed:
         """The record as a structure, such as `record.view(lumcv.LumiPyramidRecord)`; keep the record meanwhile."""
-        return structure.from_address(self.address)  # type: ignore[attr-defined, no-any-return]
+        return structure.from_address(self.address)  # type: ignore[attr-defined]
 
     def __len__(self) -> int:
         return self.block.size
@@ -42,4 +42,4 @@ class Record:
     def _refuse(self, *_: object) -> NoReturn:
         raise TypeError("a record points into itself and cannot be copied or sent elsewhere: lay another one")
 
-    __copy__ = __deepcopy__ = __reduce__ = __reduce_ex__ = _refuse  # type: ignore[assignment]
+    __copy__ = __deepcopy__ = __reduce__ = __reduce_ex__ = _refuse
