@@ -42,7 +42,8 @@ def number(parameter: Parameter, value: Any) -> Any:
             if not low <= value <= high:
                 raise ValueError(f"{parameter.name} is {value}, which its type, {parameter.kind}, cannot hold")
             return value
-        return float(value)
+        # a text is no number, although float() reads it
+        return float(value + 0)
     except TypeError:
         raise TypeError(f"{parameter.name} is a number, not {value!r}") from None
 
