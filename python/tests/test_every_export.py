@@ -105,9 +105,10 @@ def test_refuses_arrays_that_are_not_what_the_name_says(function: str) -> None:
         refuses(ValueError, name, right[:, ::2])
         refuses(ValueError, name, right.swapaxes(0, 1))
         refuses(ValueError, name, numpy.broadcast_to(right[:1], right.shape))
-        if extra_of(function, name)[1] is not None or not extra_of(function, name)[0]:
-            refuses(ValueError, name, right[: cases.HEIGHT - 1])
-            refuses(ValueError, name, right[:, :2] if "_1u_" in function else right[:, : cases.WIDTH // 2 - 1])
+        if extra_of(function, name) != (True, None):
+            width, height = arguments[roi_of(function, name)]
+            refuses(ValueError, name, right[: height - 1])
+            refuses(ValueError, name, right[:, : 2 if "_1u_" in function else width - 1])
         if right.itemsize > 1:
             shifted = numpy.zeros(right.nbytes + 1, numpy.uint8)[1:].view(right.dtype).reshape(right.shape)
             refuses(ValueError, name, shifted)
@@ -174,7 +175,7 @@ def test_passes_addresses_and_strides_of_the_arrays_themselves(function: str) ->
         elif parameter.role is Role.ROWS:
             assert list(value) == [row.ctypes.data for row in given]
         elif parameter.role in (Role.STRUCTURE, Role.ROI):
-            assert tuple(value) == tuple(given)
+            assert tuple(value) == pytest.approx(tuple(given))
         elif parameter.role is Role.VALUE:
             assert value == given
 
