@@ -109,5 +109,5 @@ while read -r library; do
 done < <(find root -name 'lib*.so.*' -type f)
 
 # as root or not, the packages are the same
-lintian --allow-root --fail-on error --tag-display-limit 0 "$runtime" "$development" "$documentation" || failed=1
+lintian --allow-root --fail-on error "$runtime" "$development" "$documentation" || failed=1
 exit $failed
