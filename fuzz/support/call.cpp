@@ -591,8 +591,8 @@ std::vector<Target>& Targets::all()
     return targets;
 }
 
-// The target that the number drawn prefers: each number has an order of preference of its own over all names. So it does
-// not matter where a target stands in the list, and when one is added, few numbers change their minds.
+// The target that the number drawn prefers: each number has an order of preference of its own over all names. So it
+// does not matter where a target stands in the list, and when one is added, few numbers change their minds.
 void runOne(Choices& choices)
 {
     const auto number = std::uint64_t(choices.between(0, 0xFFFF));
