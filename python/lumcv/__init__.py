@@ -55,7 +55,7 @@ def blocks(query: Callable[..., Any], *arguments: Any, **named: Any) -> Any:
         >>> import lumcv
         >>> spec, scratch = lumcv.blocks(lumcv.lumiFilterGaussianGetBufferSize, (640, 480), 5, lumcv.lumType8u, 1)
         >>> spec
-        <lumcv.Record of 1520 bytes>
+        <lumcv.Record of 256 bytes>
         >>> scratch.dtype
         dtype('uint8')
     """

@@ -113,14 +113,15 @@ class Image:
         channels = parameter.channels
         shape, strides, size = value.shape, value.strides, value.itemsize
         if len(shape) == 2 and channels == 1:
-            if strides[1] != size and shape[1] > 1:
-                raise ValueError(f"{parameter.name}: the pixels of a row do not stand side by side in memory")
+            beside = strides[1] == size or shape[1] < 2
         elif len(shape) == 3 and shape[2] == channels:
-            if (strides[1] != size * channels and shape[1] > 1) or (strides[2] != size and channels > 1):
-                raise ValueError(f"{parameter.name}: the pixels of a row do not stand side by side in memory")
+            beside = (strides[1] == size * channels or shape[1] < 2) and (strides[2] == size or channels < 2)
         else:
             expected = "(height, width)" if channels == 1 else f"(height, width, {channels})"
             raise ValueError(f"{parameter.name} has the shape {expected}, not {shape}")
+        # numpy does not say what the strides of nothing are
+        if not beside and value.size:
+            raise ValueError(f"{parameter.name}: the pixels of a row do not stand side by side in memory")
         self.parameter = parameter
         self.array = value
         self.address = address(value)
@@ -180,11 +181,12 @@ def array(parameter: Parameter, value: Any) -> Any:
     if value is None:
         return None
     if parameter.constant and not isinstance(value, numpy.ndarray) and parameter.dtype:
-        # numpy refuses numbers that the element cannot hold, or cuts them, by its version: the values tell
-        made = numpy.array(value, ELEMENTS[parameter.kind])
-        if parameter.kind in RANGES and not numpy.array_equal(made, numpy.array(value)):
-            raise ValueError(f"{parameter.name} has numbers that its type, {parameter.kind}, cannot hold")
-        return made
+        plain = numpy.array(value)
+        if parameter.kind in RANGES and plain.size:
+            low, high = RANGES[parameter.kind]
+            if plain.dtype.kind not in "iu" or plain.min() < low or plain.max() > high:
+                raise ValueError(f"{parameter.name} has numbers that its type, {parameter.kind}, cannot hold")
+        return plain.astype(ELEMENTS[parameter.kind])
     kind = CLASSES.get(parameter.kind)
     if kind is None:
         expect_array(parameter, value)

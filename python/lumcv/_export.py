@@ -256,7 +256,7 @@ class Call:
         if status < 0:
             raise LumcvError(self.export.name, status)
         if status > 0:
-            warnings.warn(LumcvWarning(self.export.name, status), stacklevel=4)
+            warnings.warn(LumcvWarning(self.export.name, status), stacklevel=3)
         self.remember()
         found = [self.found(parameter, place) for parameter, place in results]
         return None if not found else found[0] if len(found) == 1 else tuple(found)

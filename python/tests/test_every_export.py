@@ -4,7 +4,7 @@ import ctypes
 import inspect
 import re
 import warnings
-from typing import Any, Dict, List
+from typing import Any, Callable, Dict, List
 
 import cases
 import lumcv
@@ -17,6 +17,22 @@ OPERATIONS = [name for name in FUNCTIONS if name != "lumcvGetLibVersion"]
 POINTERS = (Role.IMAGE, Role.ROWS, Role.ARRAY, Role.BLOCK, Role.POINTED)
 
 
+def each_export(test: Callable[[str], None]) -> Callable[[str], None]:
+    """A test for each header, which runs a test for each of its functions: pytest takes longer than most of them."""
+
+    @pytest.mark.parametrize("header", sorted({entry["header"] for entry in FUNCTIONS.values()}))
+    def run(header: str) -> None:
+        for function in OPERATIONS:
+            if FUNCTIONS[function]["header"] == header:
+                try:
+                    test(function)
+                except Exception as error:
+                    raise AssertionError(f"{function}: {error}") from error
+
+    run.__name__, run.__doc__ = test.__name__, test.__doc__
+    return run
+
+
 def call(function: str, arguments: Dict[str, Any]) -> Any:
     with warnings.catch_warnings():
         warnings.simplefilter("ignore", lumcv.LumcvWarning)
@@ -27,7 +43,7 @@ def taken(function: str, *roles: Role) -> List[Parameter]:
     return [parameter for parameter in parameters_of(function) if parameter.role in roles]
 
 
-@pytest.mark.parametrize("function", OPERATIONS)
+@each_export
 def test_takes_right_arguments(function: str) -> None:
     arguments = cases.valid(function)
     result = call(function, arguments)
@@ -46,7 +62,7 @@ def test_takes_right_arguments(function: str) -> None:
         assert not cases.overrun(arguments[parameter.name])
 
 
-@pytest.mark.parametrize("function", OPERATIONS)
+@each_export
 def test_refuses_null_as_the_header_says(function: str) -> None:
     said = described(function, "statuses").get("lumErrNullPointer", "")
     for parameter in taken(function, *POINTERS):
@@ -60,7 +76,7 @@ def test_refuses_null_as_the_header_says(function: str) -> None:
         assert caught.value.name == "lumErrNullPointer", parameter.name
 
 
-@pytest.mark.parametrize("function", OPERATIONS)
+@each_export
 def test_refuses_bad_numbers_with_a_documented_status(function: str) -> None:
     """Sizes below 1, and one number after the other far out of its range: if refused, then by a documented status."""
     documented = described(function, "statuses")
@@ -86,7 +102,7 @@ def test_refuses_bad_numbers_with_a_documented_status(function: str) -> None:
         assert refused, "no size was refused"
 
 
-@pytest.mark.parametrize("function", OPERATIONS)
+@each_export
 def test_refuses_arrays_that_are_not_what_the_name_says(function: str) -> None:
     arguments = cases.valid(function)
 
@@ -142,7 +158,7 @@ def test_refuses_arrays_that_are_not_what_the_name_says(function: str) -> None:
         refuses(TypeError, structure.name, 5)
 
 
-@pytest.mark.parametrize("function", OPERATIONS)
+@each_export
 def test_passes_addresses_and_strides_of_the_arrays_themselves(function: str) -> None:
     """What reaches C is what the arrays say of themselves: nothing has been copied."""
     export = getattr(lumcv, function).export
@@ -180,7 +196,7 @@ def test_passes_addresses_and_strides_of_the_arrays_themselves(function: str) ->
             assert value == given
 
 
-@pytest.mark.parametrize("function", list(FUNCTIONS))
+@each_export
 def test_tells_what_it_is(function: str) -> None:
     export = getattr(lumcv, function)
     assert export.__name__ == function and function in dir(lumcv) and function in lumcv.__all__
