@@ -1,7 +1,7 @@
 // An image of the gallery: rows of interleaved pixels without gaps, told to the library as pointer, stride and size.
 #pragma once
 
-#include <lumcv/lumcv.h>
+#include <lumcv/lumcv.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -65,6 +65,20 @@ class Image
         return {width_, height_};
     }
 
+    /// The same as one argument of lumcv::call; throws Failure if the image has other channels.
+    template <int channels = 1>
+    lumcv::View<T, channels> view()
+    {
+        checkChannels(channels);
+        return {pixels(), step(), size()};
+    }
+    template <int channels = 1>
+    lumcv::View<const T, channels> view() const
+    {
+        checkChannels(channels);
+        return {pixels(), step(), size()};
+    }
+
     T& at(int x, int y, int channel = 0)
     {
         return elements_[index(x, y, channel)];
@@ -84,6 +98,13 @@ class Image
     }
 
   private:
+    void checkChannels(int channels) const
+    {
+        if (channels != channels_) {
+            throw Failure("an image of " + std::to_string(channels_) + " channels is taken for one of " +
+                          std::to_string(channels));
+        }
+    }
     static std::size_t elementCount(int width, int height, int channels)
     {
         return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * static_cast<std::size_t>(channels);
