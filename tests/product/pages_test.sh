@@ -3,7 +3,7 @@
 # all operations names every export. The pictures are small, for they travel with the repository.
 # usage: pages_test.sh REPOSITORY
 set -u
-root=$1
+cd "$1" || exit 1
 failed=0
 fail()
 {
@@ -29,12 +29,12 @@ while IFS= read -r page; do
         file=$page
         [ -n "$path" ] && file=$(dirname "$page")/$path
         if [ ! -e "$file" ]; then
-            fail "${page#"$root"/}: $target does not exist"
+            fail "${page#./}: $target does not exist"
         elif [[ $target == *#* ]] && ! grep -q "{#${target#*#}}" "$file"; then
-            fail "${page#"$root"/}: there is no heading {#${target#*#}} in $path"
+            fail "${page#./}: there is no heading {#${target#*#}} in $path"
         fi
     done < <(links "$page")
-done < <(find "$root" -name '*.md' -not -path '*/build/*' -not -path '*/.git/*')
+done < <(find . -name '*.md' -not -path './build/*' -not -path './.git/*')
 [ "$count" -ge 40 ] || fail "only $count links were found"
 
 # the page abbreviates what is appended to an operation's name by "..."
@@ -55,10 +55,10 @@ named=$(awk -F '|' '
                 rest = substr(rest, RSTART + RLENGTH)
             }
         }
-    }' "$root/docs/operations.md" | sort -u)
+    }' docs/operations.md | sort -u)
 # types, channels and what follows them, from the end
 operations=$(sed -E -e '/^lum/!d' -e 's/_L$//' -e 's/_Sfs$//' -e 's/_(C[1-4][A-Z0-9]*(Sfs)?)$//' \
-    -e 's/_((8|16|32|64|1)[usf])+$//' -e 's/_Low$//' "$root/tests/product/exports.txt" | sort -u)
+    -e 's/_((8|16|32|64|1)[usf])+$//' -e 's/_Low$//' tests/product/exports.txt | sort -u)
 [ "$(wc -l <<<"$operations")" -ge 150 ] || fail "the list of exports makes too few operations"
 missing=$(comm -13 <(echo "$named") <(echo "$operations"))
 [ -z "$missing" ] || fail "docs/operations.md does not name: ${missing//$'\n'/ }"
@@ -70,8 +70,8 @@ total=0
 while IFS= read -r picture; do
     bytes=$(wc -c <"$picture")
     total=$((total + bytes))
-    [ "$bytes" -le 61440 ] || fail "${picture#"$root"/} has $bytes bytes, above 60 KiB"
-done < <(find "$root/docs/pictures" -name '*.png')
+    [ "$bytes" -le 61440 ] || fail "$picture has $bytes bytes, above 60 KiB"
+done < <(find docs/pictures -name '*.png')
 [ "$total" -gt 0 ] || fail "there are no pictures"
 [ "$total" -le 716800 ] || fail "the pictures have $total bytes, above 700 KiB"
 exit $failed
