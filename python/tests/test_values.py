@@ -434,6 +434,10 @@ def test_flood_fills() -> None:
         count = int(channels)
         pixels = image(TYPES[element], 16, 19, *((count,) if count > 1 else ()), top=6)
         pixels = abs(pixels.astype(numpy.float64).round()).astype(TYPES[element])
+        if kind == "Grad":
+            # slopes on two levels: whichever taken pixel it is that a pixel is compared with makes no difference
+            level, slope = 40 * (image(numpy.uint8, 16, 19, top=5) > 1), numpy.arange(19) // 5
+            pixels = (level + slope if count == 1 else numpy.stack([level + slope] * 3, 2)).astype(TYPES[element])
         values = pixels.reshape(16, 19, count).astype(numpy.int64)
         seed = (7, 8)
 
