@@ -17,14 +17,6 @@ struct Failure : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// Throws Failure if a function of the library did not return lumOk.
-inline void check(LumStatus status, const char* function)
-{
-    if (status != lumOk) {
-        throw Failure(std::string(function) + " returned the status " + std::to_string(status));
-    }
-}
-
 template <typename T>
 class Image
 {
