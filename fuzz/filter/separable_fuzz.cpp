@@ -54,21 +54,6 @@ int chooseChannels(Choices& choices)
 template <typename K>
 constexpr LumDataType kernelType = std::is_same_v<K, Lum16s> ? lumType16s : lumType32f;
 
-template <typename T>
-constexpr LumDataType typeCode()
-{
-    switch (elementOf<T>()) {
-        case Element::U8:
-            return lumType8u;
-        case Element::U16:
-            return lumType16u;
-        case Element::S16:
-            return lumType16s;
-        default:
-            return lumType32f;
-    }
-}
-
 // The kernels' values; of a float's a few are no ordinary numbers.
 template <typename K>
 std::vector<K> chooseKernel(Choices& choices, int length)
@@ -160,14 +145,14 @@ void tryApply(LumStatus (*f)(const S*, Step, D*, Step, Size, LumiBorderType, Bor
     call.images = {{Role::Read, elementOf<S>(), channels, lumcv::test::promisedMargins(a.borderType, reach)},
                    {Role::Written, elementOf<D>(), channels}};
     const std::size_t recordBytes = specBytes(choices, a, kernelType<K>);
-    const std::size_t scratchBytes = bufferBytes(choices, a, typeCode<S>(), kernelType<K>);
+    const std::size_t scratchBytes = bufferBytes(choices, a, typeCode(elementOf<S>()), kernelType<K>);
     constexpr bool isPointer = std::is_pointer_v<BorderValue>;
     call.blocks = {{Role::Record, recordBytes},
                    {Role::Scratch, scratchBytes},
                    {Role::Read, channels * sizeof(S), elementOf<S>(), !(isPointer && isConstant)}};
     const bool isLongInit = choices.oneIn(2);
     call.prepare = [=](Arguments& b) {
-        if (init(x.data(), y.data(), b, isLongInit, typeCode<S>(), b.blocks[spec]) != lumOk)
+        if (init(x.data(), y.data(), b, isLongInit, typeCode(elementOf<S>()), b.blocks[spec]) != lumOk)
             fail("Init failed");
     };
 

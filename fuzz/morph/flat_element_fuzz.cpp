@@ -39,18 +39,7 @@ struct Form
 
     LumDataType type() const
     {
-        if (isBits)
-            return 0;
-        switch (element) {
-            case Element::U8:
-                return lumType8u;
-            case Element::U16:
-                return lumType16u;
-            case Element::S16:
-                return lumType16s;
-            default:
-                return lumType32f;
-        }
+        return isBits ? 0 : typeCode(element);
     }
 };
 

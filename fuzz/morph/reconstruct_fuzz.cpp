@@ -8,21 +8,6 @@ namespace {
 using namespace lumcv::fuzz;
 
 template <typename T>
-constexpr LumDataType typeCode()
-{
-    switch (elementOf<T>()) {
-        case Element::U8:
-            return lumType8u;
-        case Element::U16:
-            return lumType16u;
-        case Element::F32:
-            return lumType32f;
-        default:
-            return lumType64f;
-    }
-}
-
-template <typename T>
 Run reconstruct(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, Lum8u*, LumiDistanceNorm))
 {
     return [=](Choices& choices, const std::string& name) {
@@ -30,7 +15,7 @@ Run reconstruct(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, Lum8u*, L
         Arguments& a = call.arguments;
         const LumiSize queried{a.size().width + choices.between(0, 20), a.size().height + choices.between(0, 5)};
         Lum32s bytes = -1;
-        if (lumiMorphReconstructGetBufferSize(queried, typeCode<T>(), 1, &bytes) != lumOk)
+        if (lumiMorphReconstructGetBufferSize(queried, typeCode(elementOf<T>()), 1, &bytes) != lumOk)
             fail("the size query failed");
         call.images = {{Role::Read, elementOf<T>()}, {Role::Updated, elementOf<T>()}};
         call.blocks = {{Role::Scratch, std::size_t(bytes)}};

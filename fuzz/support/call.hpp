@@ -55,6 +55,28 @@ constexpr Element elementOf()
     }
 }
 
+// The code of an element type in functions that take the type as an argument.
+constexpr LumDataType typeCode(Element element)
+{
+    switch (element) {
+        case Element::U8:
+            return lumType8u;
+        case Element::U16:
+            return lumType16u;
+        case Element::S16:
+            return lumType16s;
+        case Element::S32:
+            return lumType32s;
+        case Element::F32:
+            return lumType32f;
+        case Element::F64:
+            return lumType64f;
+        case Element::S8:
+            break;  // no function takes it
+    }
+    return 0;
+}
+
 enum class Role
 {
     Read,     // filled before the call, the same after it
