@@ -12,8 +12,8 @@ const LumLibraryVersion* const loaded = lumcvGetLibVersion();
 
 struct Told
 {
-    unsigned char numbers[offsetof(LumLibraryVersion, Name)];
-    char name[64], version[64], date[64];
+    unsigned char numbers[offsetof(LumLibraryVersion, targetCpu)];
+    char version[64], date[64];
 };
 
 void version(Choices& choices, const std::string& name)
@@ -27,10 +27,10 @@ void version(Choices& choices, const std::string& name)
         const LumLibraryVersion* const record = lumcvGetLibVersion();
         if (record != loaded || !record->Name || !record->Version || !record->BuildDate)
             fail("another record");
-        // the numbers and the texts themselves, since no one knows where the library will stand
+        // the numbers and the texts themselves, since no one knows where the library will stand; the processor code and
+        // the name are each build's own
         Told told = {};
         std::memcpy(told.numbers, record, sizeof told.numbers);
-        std::strncpy(told.name, record->Name, sizeof told.name - 1);
         std::strncpy(told.version, record->Version, sizeof told.version - 1);
         std::strncpy(told.date, record->BuildDate, sizeof told.date - 1);
         std::memcpy(a.blocks[0], &told, sizeof told);

@@ -12,6 +12,9 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     endif()
   endforeach()
 
+  # Debian has the text of the licence in a place of its own
+  file(REMOVE ${prefix}/share/doc/liblumcv-doc/LICENSE)
+
   set(folder ${prefix}/share/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
   file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright ${CMAKE_CURRENT_LIST_DIR}/changelog DESTINATION ${folder})
   file(RENAME ${folder}/changelog ${folder}/changelog.Debian)

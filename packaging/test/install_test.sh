@@ -31,7 +31,7 @@ trap 'rm -rf "$work"' EXIT
     echo "$lib/pkgconfig/lumcv.pc"
     echo include/lumcore.h
     find "$root/include/lumcv" -type f -printf 'include/lumcv/%P\n'
-    printf "$doc/%s\n" README.md CHANGELOG.md
+    printf "$doc/%s\n" README.md CHANGELOG.md LICENSE
     find "$root/examples" -path "$root/examples/tests" -prune -o -type f -printf "$doc/examples/%P\n"
     # the reference, if it was made, is what Doxygen makes of it
     [ ! -d "$build/docs/html" ] || find "$build/docs/html" -type f -printf "$doc/html/%P\n"
