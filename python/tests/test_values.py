@@ -148,8 +148,8 @@ def test_gaussian_filter() -> None:
             scratch = lumcv.blocks(sizes, (33, 21), 7, code, REPLICATE, count)
             init = lumcv.lumiFilterGaussianInit_L
         else:
-            _, scratch = lumcv.blocks(lumcv.lumiFilterGaussianGetBufferSize, (33, 21), 7, code, count)
-            spec, init_scratch = lumcv.blocks(lumcv.lumiFilterGaussianGetSpecSize, 7, code, count)
+            spec, scratch = lumcv.blocks(lumcv.lumiFilterGaussianGetBufferSize, (33, 21), 7, code, count)
+            init_scratch = scratch
             init = lumcv.lumiFilterGaussianInit
         init((33, 21), 7, 1.7, REPLICATE, code, count, spec, init_scratch)
         call(pixels, out, REPLICATE, None, spec, scratch)
