@@ -71,10 +71,8 @@ class Gaussian:
         spec, scratch = lumcv.blocks(
             lumcv.lumiFilterGaussianGetBufferSize, size, self.kernel_size, CODES[kind], channels
         )
-        _, init_size = lumcv.lumiFilterGaussianGetSpecSize(self.kernel_size, CODES[kind], channels)
-        init_scratch = numpy.empty(init_size, numpy.uint8)
         lumcv.lumiFilterGaussianInit(
-            size, self.kernel_size, self.sigma, border, CODES[kind], channels, spec, init_scratch
+            size, self.kernel_size, self.sigma, border, CODES[kind], channels, spec, scratch
         )
         blur = getattr(lumcv, f"lumiFilterGaussian_{kind}_C{channels}R")
         blur(source, destination, border, [0] * channels, spec, scratch)

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import ctypes
 import operator
-from typing import Any, Dict, List, Optional, Sequence, Tuple
+from typing import Any, List, Optional, Sequence, Tuple
 
 import numpy
 
@@ -238,5 +238,3 @@ def expect_length(parameter: Parameter, value: Any, least: int) -> None:
     if value is not None and items(parameter, value) < least:
         raise ValueError(f"{parameter.name} has {items(parameter, value)} elements, and the call takes {least}")
 
-
-Values = Dict[str, Any]

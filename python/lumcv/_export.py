@@ -121,7 +121,8 @@ def documentation(function: str, parameters: List[Parameter]) -> str:
 def signature(function: str, parameters: List[Parameter]) -> inspect.Signature:
     """The signature that help() shows."""
     taken, sizes = python_parameters(parameters)
-    shown = [inspect.Parameter(p.name, inspect.Parameter.POSITIONAL_OR_KEYWORD, annotation=annotation(p)) for p in taken]
+    in_order = inspect.Parameter.POSITIONAL_OR_KEYWORD
+    shown = [inspect.Parameter(p.name, in_order, annotation=annotation(p)) for p in taken]
     shown += [
         inspect.Parameter(
             p.name, inspect.Parameter.KEYWORD_ONLY, default=None, annotation=f"Optional[{annotation(p)}]"

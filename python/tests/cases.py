@@ -100,7 +100,8 @@ def number(function: str, name: str) -> Any:
     """A number that the function takes."""
     if name == "dataType" and function == "lumiHarrisCornerGetBufferSize":
         return lumcv.lumType32f
-    if name == "dataType" and ("Separable" in function and "_32f" in function or function == "lumiHaarClassifierGetSize"):
+    floats = function == "lumiHaarClassifierGetSize" or "Separable" in function and "_32f" in function
+    if name == "dataType" and floats:
         return lumcv.lumType32f
     if name == "dataType" and "SeparableGetSpecSize" in function:
         return lumcv.lumType16s

@@ -60,7 +60,10 @@ def separable(pixels: Any, along: List[Any], across: List[Any], mode: int) -> An
     return total
 
 
-def connected(same: Callable[[Tuple[int, int], Tuple[int, int]], bool], seed: Tuple[int, int], shape: Any, eight: bool) -> Any:
+Place = Tuple[int, int]
+
+
+def connected(same: Callable[[Place, Place], bool], seed: Place, shape: Any, eight: bool) -> Any:
     """The pixels that are reached from a seed, as a mask; `same` tells whether one leads to another."""
     mask = numpy.zeros(shape[:2], bool)
     mask[seed] = True

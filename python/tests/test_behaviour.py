@@ -125,10 +125,7 @@ def test_warnings_come_with_the_result() -> None:
 
 def gaussian(size: Any, border: int, kernel: int = 5) -> Any:
     spec, scratch = lumcv.blocks(lumcv.lumiFilterGaussianGetBufferSize, size, kernel, lumcv.lumType8u, 1)
-    _, bytes_of_init = lumcv.lumiFilterGaussianGetSpecSize(kernel, lumcv.lumType8u, 1)
-    lumcv.lumiFilterGaussianInit(
-        size, kernel, 1.0, border, lumcv.lumType8u, 1, spec, numpy.empty(bytes_of_init, numpy.uint8)
-    )
+    lumcv.lumiFilterGaussianInit(size, kernel, 1.0, border, lumcv.lumType8u, 1, spec, scratch)
     return spec, scratch
 
 
@@ -202,8 +199,7 @@ def test_plain_blocks_do_as_well() -> None:
     assert isinstance(sizes, tuple) and all(isinstance(size, int) for size in sizes)
     # records stand at any address
     spec, scratch = (numpy.empty(size + 1, numpy.uint8)[1:] for size in sizes)
-    init = numpy.empty(lumcv.lumiFilterGaussianGetSpecSize(3, lumcv.lumType8u, 1)[1], numpy.uint8)
-    lumcv.lumiFilterGaussianInit((16, 12), 3, 1.0, lumcv.lumBorderMirror, lumcv.lumType8u, 1, spec, init)
+    lumcv.lumiFilterGaussianInit((16, 12), 3, 1.0, lumcv.lumBorderMirror, lumcv.lumType8u, 1, spec, scratch)
     out, again = numpy.empty_like(frame), numpy.empty_like(frame)
     lumcv.lumiFilterGaussian_8u_C1R(frame, out, lumcv.lumBorderMirror, None, spec, scratch)
     spec, scratch = gaussian((16, 12), lumcv.lumBorderMirror, 3)
