@@ -1,15 +1,16 @@
 # LUMCV_SANITIZER instruments the library, its tests and its examples alike; with LUMCV_TEST_PROGRAMS, where the tests of
 # another build are run, the library and what is still built here.
 
-# "fuzzer" is the address sanitizer with the coverage that clang's fuzzer is guided by.
+set(LUMCV_SANITIZER "" CACHE STRING "Sanitizer: empty, address, undefined, address,undefined or thread")
+set_property(CACHE LUMCV_SANITIZER PROPERTY STRINGS "" address undefined "address,undefined" thread)
 
-set(LUMCV_SANITIZER "" CACHE STRING "Sanitizer: empty, address, undefined, address,undefined, thread or fuzzer")
-set_property(CACHE LUMCV_SANITIZER PROPERTY STRINGS "" address undefined "address,undefined" thread fuzzer)
+# What the library is compiled with, besides, for clang's fuzzer to see how often each of its branches is taken.
+set(LUMCV_COVERAGE_FLAGS "")
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND LUMCV_SANITIZER MATCHES address)
+  set(LUMCV_COVERAGE_FLAGS -fsanitize-coverage=inline-8bit-counters,pc-table)
+endif()
 
-if(LUMCV_SANITIZER STREQUAL "fuzzer")
-  add_compile_options(-fsanitize=fuzzer-no-link,address -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
-  add_link_options(-fsanitize=address)
-elseif(LUMCV_SANITIZER)
+if(LUMCV_SANITIZER)
   # a higher level than -O1 takes several times as long to compile and does not make the tests faster
   add_compile_options(-O1 -fsanitize=${LUMCV_SANITIZER} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND LUMCV_SANITIZER MATCHES undefined)

@@ -78,8 +78,9 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs)
                     time.c_str(), copies.c_str(), spread.c_str(), peerText.c_str(), goalText.c_str(), verdict);
         std::fflush(stdout);
         if (tabbed_)
-            std::fprintf(tabbed_, "%s\t%s\t%s\t%s\t%s\t%s\t%s\n", function.c_str(), variant.c_str(), size.c_str(),
-                         time.c_str(), copies.c_str(), peerText.c_str(), goalText.c_str());
+            std::fprintf(tabbed_, "%s\t%s\t%s\t%s\t%s\t%s\t%s\t%.4g\n", function.c_str(), variant.c_str(), size.c_str(),
+                         time.c_str(), copies.c_str(), peerText.c_str(), goalText.c_str(),
+                         counter(run, "copy_multiple"));
     }
 }
 

@@ -8,14 +8,8 @@
 namespace count {
 namespace {
 
-using gallery::check;
 using gallery::Colour;
-using Block = std::vector<Lum8u>;
-
-Block blockOf(Lum32s bytes)
-{
-    return Block(static_cast<std::size_t>(bytes));
-}
+using lumcv::call;
 
 // Colours that differ from those of the labels before: each hue is the last one turned by the golden ratio.
 Colour colourOf(Lum32s label)
@@ -49,12 +43,10 @@ Picture objectMask(const Picture& smooth, const Options& options)
         return isBright != options.dark ? Lum8u{255} : Lum8u{0};
     });
     // equal pixels make the regions: what is not an object is already of the value that speckles get
-    Lum32s bufferSize = 0;
-    check(lumiMarkSpecklesGetBufferSize(mask.size(), lumType8u, 1, &bufferSize), "lumiMarkSpecklesGetBufferSize");
-    Block buffer = blockOf(bufferSize);
-    check(lumiMarkSpeckles_8u_C1IR(mask.pixels(), mask.step(), mask.size(), 0, options.leastArea - 1, 0, lumNormInf,
-                                   buffer.data()),
-          "lumiMarkSpeckles_8u_C1IR");
+    lumcv::Block scratch;
+    call<lumiMarkSpecklesGetBufferSize>(mask.size(), lumType8u, 1, scratch).throwIfError();
+    call<lumiMarkSpeckles_8u_C1IR>(mask.view(), mask.size(), 0, options.leastArea - 1, 0, lumNormInf, scratch)
+        .throwIfError();
     return mask;
 }
 
@@ -62,13 +54,12 @@ Count measured(const Picture& mask, bool diagonal)
 {
     constexpr Lum32s largestLabel = 0x7FFFFFFE;
     Count count = {Image<Lum32s>(mask.width(), mask.height(), 1), {}};
-    Lum32s bufferSize = 0, number = 0;
-    check(lumiLabelMarkersGetBufferSize_8u32s_C1R(mask.size(), &bufferSize), "lumiLabelMarkersGetBufferSize_8u32s_C1R");
-    Block buffer = blockOf(bufferSize);
-    check(lumiLabelMarkers_8u32s_C1R(mask.pixels(), mask.step(), count.labels.pixels(), count.labels.step(),
-                                     mask.size(), 1, largestLabel, diagonal ? lumDistanceNormInf : lumDistanceNormL1,
-                                     &number, buffer.data()),
-          "lumiLabelMarkers_8u32s_C1R");
+    Lum32s number = 0;
+    lumcv::Block scratch;
+    call<lumiLabelMarkersGetBufferSize_8u32s_C1R>(mask.size(), scratch).throwIfError();
+    call<lumiLabelMarkers_8u32s_C1R>(mask.view(), count.labels.view(), mask.size(), 1, largestLabel,
+                                     diagonal ? lumDistanceNormInf : lumDistanceNormL1, &number, scratch)
+        .throwIfError();
 
     for (Lum32s label = 1; label <= number; ++label) {
         count.objects.push_back({label, 0, {}});

@@ -8,34 +8,26 @@
 namespace detect {
 namespace {
 
-using gallery::check;
 using gallery::Image;
 using gallery::Picture;
-
-// Part of a picture, in place.
-struct Region
-{
-    const Lum8u* pixels;
-    int step;
-    LumiSize size;
-};
+using lumcv::call;
+using Region = lumcv::View<const Lum8u>;
 
 // Marks the places in a region where the window passes all stages, and returns their number.
-int runStages(const Region& region, LumiSize window, int stride, float leastDeviation, std::vector<StageRecord>& stages,
+int runStages(Region region, LumiSize window, int stride, float leastDeviation, std::vector<StageRecord>& stages,
               Image<Lum8u>& mask)
 {
     // sums and squares have one row and one column more than the region
-    Image<Lum32f> sums(region.size.width + 1, region.size.height + 1, 1);
-    Image<Lum64f> squares(region.size.width + 1, region.size.height + 1, 1);
-    check(lumiSqrIntegral_8u32f64f_C1R(region.pixels, region.step, sums.pixels(), sums.step(), squares.pixels(),
-                                       squares.step(), region.size, 0.0f, 0.0),
-          "lumiSqrIntegral_8u32f64f_C1R");
+    const LumiSize size = region.size();
+    Image<Lum32f> sums(size.width + 1, size.height + 1, 1);
+    Image<Lum64f> squares(size.width + 1, size.height + 1, 1);
+    call<lumiSqrIntegral_8u32f64f_C1R>(region, sums.view(), squares.view(), size, 0.0f, 0.0).throwIfError();
 
     // the norm of a window is the deviation of its pixels
     Image<Lum32f> norms(mask.width(), mask.height(), 1);
-    check(lumiRectStdDev_32f_C1R(sums.pixels(), sums.step(), squares.pixels(), squares.step(), norms.pixels(),
-                                 norms.step(), norms.size(), {0, 0, window.width, window.height}),
-          "lumiRectStdDev_32f_C1R");
+    call<lumiRectStdDev_32f_C1R>(sums.view(), squares.view(), norms.view(), norms.size(),
+                                 LumiRect{0, 0, window.width, window.height})
+        .throwIfError();
 
     // candidates are the places of a grid that are not flat
     int positive = 0;
@@ -54,9 +46,9 @@ int runStages(const Region& region, LumiSize window, int stride, float leastDevi
         if (positive == 0) {
             break;
         }
-        check(lumiApplyHaarClassifier_32f_C1R(sums.pixels(), sums.step(), norms.pixels(), norms.step(), mask.pixels(),
-                                              mask.step(), mask.size(), &positive, stage.threshold(), stage.record()),
-              "lumiApplyHaarClassifier_32f_C1R");
+        call<lumiApplyHaarClassifier_32f_C1R>(sums.view(), norms.view(), mask.view(), mask.size(), &positive,
+                                              stage.threshold(), stage.record())
+            .throwIfError();
     }
     return positive;
 }
@@ -82,11 +74,10 @@ void scanAt(const Picture& gray, const Cascade& cascade, LumiSize window, std::v
     const int down = (places.height + stride - 1) / stride * stride;
     for (int top = 0; top + window.height <= gray.height(); top += down) {
         for (int left = 0; left + window.width <= gray.width(); left += right) {
-            const Region region = {
-                &gray.at(left, top),
-                gray.step(),
-                {std::min(tile.width, gray.width() - left), std::min(tile.height, gray.height() - top)}};
-            Image<Lum8u> mask(region.size.width - window.width + 1, region.size.height - window.height + 1, 1);
+            const LumiSize size = {std::min(tile.width, gray.width() - left),
+                                   std::min(tile.height, gray.height() - top)};
+            const Region region = gray.view().part({left, top, size.width, size.height});
+            Image<Lum8u> mask(size.width - window.width + 1, size.height - window.height + 1, 1);
             if (runStages(region, window, stride, cascade.leastDeviation, stages, mask) == 0) {
                 continue;
             }

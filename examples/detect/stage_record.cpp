@@ -5,7 +5,7 @@
 namespace detect {
 namespace {
 
-using gallery::check;
+using lumcv::call;
 
 // Where a coordinate of the cascade's window lies in a larger one.
 int grown(int coordinate, int from, int to)
@@ -39,12 +39,10 @@ StageRecord::StageRecord(const Stage& stage, const Cascade& cascade, LumiSize wi
         counts.push_back(static_cast<Lum32s>(weak.rectangles.size()));
     }
     const auto length = static_cast<Lum32s>(counts.size());
-    Lum32s size = 0;
-    check(lumiHaarClassifierGetSize(lumType32f, places, counts.data(), length, &size), "lumiHaarClassifierGetSize");
-    block_.resize(static_cast<std::size_t>(size));
-    check(lumiHaarClassifierInit_32f(record(), rectangles.data(), weights.data(), thresholds.data(), votesBelow.data(),
-                                     votesOtherwise.data(), counts.data(), length),
-          "lumiHaarClassifierInit_32f");
+    call<lumiHaarClassifierGetSize>(lumType32f, places, counts, length, record_).throwIfError();
+    call<lumiHaarClassifierInit_32f>(record_, rectangles, weights, thresholds, votesBelow, votesOtherwise, counts,
+                                     length)
+        .throwIfError();
 }
 
 }  // namespace detect

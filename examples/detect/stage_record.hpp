@@ -1,8 +1,6 @@
 // One stage of a cascade as the library takes it.
 #pragma once
 
-#include <vector>
-
 #include "cascade.hpp"
 #include "image.hpp"
 
@@ -16,13 +14,9 @@ class StageRecord
     /// The record serves calls that look at no more than so many places of the window.
     StageRecord(const Stage& stage, const Cascade& cascade, LumiSize window, LumiSize places);
 
-    // The record must not be moved in memory. Moving a vector leaves its elements where they are, copying does not.
-    StageRecord(StageRecord&&) = default;
-    StageRecord& operator=(StageRecord&&) = default;
-
     LumiHaarStageRecord* record()
     {
-        return reinterpret_cast<LumiHaarStageRecord*>(block_.data());
+        return record_.get();
     }
     Lum32f threshold() const
     {
@@ -30,7 +24,7 @@ class StageRecord
     }
 
   private:
-    std::vector<Lum8u> block_;
+    lumcv::Record<LumiHaarStageRecord> record_;
     Lum32f threshold_;
 };
 

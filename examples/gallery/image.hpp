@@ -1,7 +1,7 @@
 // An image of the gallery: rows of interleaved pixels without gaps, told to the library as pointer, stride and size.
 #pragma once
 
-#include <lumcv/lumcv.h>
+#include <lumcv/lumcv.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -16,14 +16,6 @@ struct Failure : std::runtime_error
 {
     using std::runtime_error::runtime_error;
 };
-
-/// Throws Failure if a function of the library did not return lumOk.
-inline void check(LumStatus status, const char* function)
-{
-    if (status != lumOk) {
-        throw Failure(std::string(function) + " returned the status " + std::to_string(status));
-    }
-}
 
 template <typename T>
 class Image
@@ -65,6 +57,20 @@ class Image
         return {width_, height_};
     }
 
+    /// The same as one argument of lumcv::call; throws Failure if the image has other channels.
+    template <int channels = 1>
+    lumcv::View<T, channels> view()
+    {
+        checkChannels(channels);
+        return {pixels(), step(), size()};
+    }
+    template <int channels = 1>
+    lumcv::View<const T, channels> view() const
+    {
+        checkChannels(channels);
+        return {pixels(), step(), size()};
+    }
+
     T& at(int x, int y, int channel = 0)
     {
         return elements_[index(x, y, channel)];
@@ -84,6 +90,13 @@ class Image
     }
 
   private:
+    void checkChannels(int channels) const
+    {
+        if (channels != channels_) {
+            throw Failure("an image of " + std::to_string(channels_) + " channels is taken for one of " +
+                          std::to_string(channels));
+        }
+    }
     static std::size_t elementCount(int width, int height, int channels)
     {
         return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * static_cast<std::size_t>(channels);

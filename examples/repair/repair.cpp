@@ -7,7 +7,7 @@
 
 namespace repair {
 
-using gallery::check;
+using lumcv::call;
 
 Picture drawScratches(LumiSize size, std::uint32_t seed)
 {
@@ -45,13 +45,10 @@ Picture painted(const Picture& picture, const Picture& mask, Lum8u level)
 Image<Lum32f> depths(const Picture& mask)
 {
     Image<Lum32f> result(mask.width(), mask.height(), 1);
-    Lum32s bufferSize = 0;
-    check(lumiFastMarchingGetBufferSize_8u32f_C1R(mask.size(), &bufferSize), "lumiFastMarchingGetBufferSize_8u32f_C1R");
-    std::vector<Lum8u> buffer(static_cast<std::size_t>(bufferSize));
+    lumcv::Block scratch;
+    call<lumiFastMarchingGetBufferSize_8u32f_C1R>(mask.size(), scratch).throwIfError();
     constexpr Lum32f noBand = 0.0f;
-    check(lumiFastMarching_8u32f_C1R(mask.pixels(), mask.step(), result.pixels(), result.step(), mask.size(), noBand,
-                                     buffer.data()),
-          "lumiFastMarching_8u32f_C1R");
+    call<lumiFastMarching_8u32f_C1R>(mask.view(), result.view(), mask.size(), noBand, scratch).throwIfError();
     return result;
 }
 
@@ -59,29 +56,21 @@ Repairer::Repairer(const Picture& mask, const Image<Lum32f>& depths, float radiu
                    int channels)
     : channels_(channels)
 {
-    Lum32s specSize = 0;
-    Lum32s bufferSize = 0;
-    check(lumiInpaintGetSize(mask.pixels(), mask.step(), mask.size(), radius, method, channels, &specSize, &bufferSize),
-          "lumiInpaintGetSize");
-    spec_.resize(static_cast<std::size_t>(specSize));
-    buffer_.resize(static_cast<std::size_t>(bufferSize));
-    const auto init = channels == 1 ? lumiInpaintInit_8u_C1R : lumiInpaintInit_8u_C3R;
-    check(init(&state_, depths.pixels(), depths.step(), mask.pixels(), mask.step(), mask.size(), radius, method,
-               spec_.data(), buffer_.data()),
-          channels == 1 ? "lumiInpaintInit_8u_C1R" : "lumiInpaintInit_8u_C3R");
-}
-
-LumStatus Repairer::run(const Picture& source, Picture& destination)
-{
-    const auto inpaint = channels_ == 1 ? lumiInpaint_8u_C1R : lumiInpaint_8u_C3R;
-    return inpaint(source.pixels(), source.step(), destination.pixels(), destination.step(), source.size(), state_,
-                   buffer_.data());
+    call<lumiInpaintGetSize>(mask.view(), mask.size(), radius, method, channels, state_, scratch_).throwIfError();
+    const LumiSize size = mask.size();
+    (channels == 1
+         ? call<lumiInpaintInit_8u_C1R>(state_, depths.view(), mask.view(), size, radius, method, state_, scratch_)
+         : call<lumiInpaintInit_8u_C3R>(state_, depths.view(), mask.view(), size, radius, method, state_, scratch_))
+        .throwIfError();
 }
 
 Picture Repairer::repaired(const Picture& picture)
 {
     Picture result(picture.width(), picture.height(), channels_);
-    check(run(picture, result), channels_ == 1 ? "lumiInpaint_8u_C1R" : "lumiInpaint_8u_C3R");
+    const LumiSize size = picture.size();
+    (channels_ == 1 ? call<lumiInpaint_8u_C1R>(picture.view(), result.view(), size, state_, scratch_)
+                    : call<lumiInpaint_8u_C3R>(picture.view<3>(), result.view<3>(), size, state_, scratch_))
+        .throwIfError();
     return result;
 }
 
@@ -90,8 +79,8 @@ Picture difference(const Picture& a, const Picture& b)
     Picture result(a.width(), a.height(), a.channels());
     // channels are taken one by one, so a row of pixels is a row of that many times as many elements
     const LumiSize elements = {a.width() * a.channels(), a.height()};
-    check(lumiAbsDiff_8u_C1R(a.pixels(), a.step(), b.pixels(), b.step(), result.pixels(), result.step(), elements),
-          "lumiAbsDiff_8u_C1R");
+    call<lumiAbsDiff_8u_C1R>(a.pixels(), a.step(), b.pixels(), b.step(), result.pixels(), result.step(), elements)
+        .throwIfError();
     return result;
 }
 

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "image.hpp"
 
@@ -29,20 +28,13 @@ class Repairer
     /// Known pixels are looked for as far as `radius` around an unknown one; it is 1 or more.
     Repairer(const Picture& mask, const Image<Lum32f>& depths, float radius, LumiInpaintMethod method, int channels);
 
-    // The state must not be moved in memory. Moving a vector leaves its elements where they are, copying does not.
-    Repairer(Repairer&&) = default;
-    Repairer& operator=(Repairer&&) = default;
-
-    /// The call of the library that does it, for pictures of the mask's size.
-    LumStatus run(const Picture& source, Picture& destination);
-
+    /// A picture of the mask's size, repaired.
     Picture repaired(const Picture& picture);
 
   private:
     int channels_;
-    std::vector<Lum8u> spec_;
-    std::vector<Lum8u> buffer_;
-    LumiInpaintState* state_ = nullptr;
+    lumcv::Record<LumiInpaintState> state_;
+    lumcv::Block scratch_;
 };
 
 /// The absolute differences of two pictures of the same size and channels.

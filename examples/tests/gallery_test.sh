@@ -62,6 +62,13 @@ check_page image
 cmp -s '<b>&.png' image/source-gray.png || fail "the source is not the image that was given"
 grep -q '&lt;b&gt;&amp;.png' image/index.html || fail "the file's name is not escaped on the page"
 
+# the named pictures alone, small: 960 pixels become 320
+expect 0 "" "$gallery" --out few --only extrema,canny-40-100 --width 400
+[ "$(cd few && echo *)" = "canny-40-100.png extrema.png index.html" ] || fail "few holds $(cd few && echo *)"
+[ "$(od -An -tu1 -j16 -N8 few/extrema.png | tr -s ' ')" = " 0 0 1 64 0 0 0 213" ] || fail "few/extrema.png is not small"
+grep -q '960 &times; 640 pixels' few/index.html || fail "the page tells another size than that of the work"
+expect 1 "no picture 'bogus'" "$gallery" --out bad --only extrema,bogus
+
 # files that cannot be read
 expect 1 "No such file" "$gallery" missing.png --out bad
 : >empty.png
@@ -97,6 +104,10 @@ expect 2 "usage" "$gallery" --out
 expect 2 "usage" "$gallery" one.png one.png --out twice
 expect 2 "usage" "$gallery" --in one.png --out twice
 expect 2 "usage" "$gallery" --out twice --out again
+expect 2 "usage" "$gallery" --out twice --only
+expect 2 "usage" "$gallery" --out twice --only ""
+expect 2 "usage" "$gallery" --out twice --width 0
+expect 2 "usage" "$gallery" --out twice --width 12x
 
 echo "$failures failures"
 [ $failures -eq 0 ]

@@ -14,16 +14,7 @@ cd "$scratch" || exit 1
 . "$here/expectations.sh"
 
 # a bright quadrilateral, its corners at 20,20 110,30 100,100 30,90, on dark ground, 160 x 120
-base64 -d >sides.png <<BASE64
-iVBORw0KGgoAAAANSUhEUgAAAKAAAAB4CAAAAABQyaazAAAB70lEQVR42u3asW3EMAyF4RvMtSbhEKpTa4jUrFlnEg2TpAqCiE++
-s2Q+IHwTfDDgH4alx0G+RwITmMAEJjCBCUxgAhOYwH8HlDcRamDt3/uw9xYvHT/B/muh0iGw9PEipOOXpE92o3QMtH5y+6VjoPZn
-t006Brb+8lZLx8Dar2+RdAyUvnDXpGNg6Tv2JZVFwKNvWl0FtE3AZU9QNwHLKmDbBFz2PVj3+GwZUPYAdRlwT2d6W/fJz1IZF2gk
-lXGBSlIZF9hIKuMCK0llXKCQVMYFFpLK+H8WSCrjA42jMj5QOSrjAxtHZXxg5aiMDxSOyvjAwlEZ8AOTozIAaBSVAUClqAwANorK
-AGClqAwACkVlALBQVAadk1BUBgGNoTIIqAyVQcDGUBkErAyVQUBhqAwCFobKwONYhspAoBFUBgKVoDIQ2AgqA4GVoDIQKASVgcBC
-UBl864OgMhho8ZXBQI2vDAa2+MpgYI2vDAZKfGUwsMRXZnK5LL4yE6CFV2YC1PDKTIAtvDITYA2vzAQo4ZWZAEt4ZWZ3WMMrMwNa
-dGVmQI2uzAwoarGVOXOPukhtF522FbjAqXcArzjbjcCXnPV+4HNOCQOedJZo4Mx5kAA9p5EB/ziVE/jjFGrgxSUwgQlMYAITmMAE
-JjCBCbyyT/mbRPLpS5n4AAAAAElFTkSuQmCC
-BASE64
+cp "$here/sides.png" .
 
 # has_segment X0 Y0 X1 Y1: some segment lies within 3 pixels of the line through both points and is 25 pixels long
 has_segment()

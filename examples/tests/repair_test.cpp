@@ -109,9 +109,9 @@ TEST(Repairer, CopiesWhereNothingIsMasked)
 TEST(Repairer, RefusesWhatTheLibraryRefuses)
 {
     const Picture mask(9, 9, 1, 1);
-    EXPECT_THROW(Repairer(mask, repair::depths(mask), 0.5f, lumInpaintByFront, 3), gallery::Failure);
+    EXPECT_THROW(Repairer(mask, repair::depths(mask), 0.5f, lumInpaintByFront, 3), lumcv::Error);
     Repairer repairer(mask, repair::depths(mask), 2.0f, lumInpaintByFront, 1);
-    EXPECT_THROW(repairer.repaired(Picture(8, 9, 1)), gallery::Failure);
+    EXPECT_THROW(repairer.repaired(Picture(8, 9, 1)), lumcv::Error);
 }
 
 TEST(Difference, IsThatOfEachChannel)

@@ -33,21 +33,18 @@ class Pyramid
 {
   public:
     explicit Pyramid(LumiSize size);
-    Pyramid(const Pyramid&) = delete;
-    Pyramid& operator=(const Pyramid&) = delete;
 
     /// Takes a gray frame as level 0 and makes the others of it.
     void take(const gallery::Picture& frame);
 
-    const LumiPyramidRecord* record() const
+    const lumcv::Record<LumiPyramidRecord>& record() const
     {
         return record_;
     }
 
   private:
-    std::vector<Lum8u> recordBlock_, layerBlock_;
-    LumiPyramidRecord* record_ = nullptr;
-    LumiPyramidLayerDownRecord* layer_ = nullptr;
+    lumcv::Record<LumiPyramidRecord> record_;
+    lumcv::Record<LumiPyramidLayerDownRecord> layer_;
     std::vector<gallery::Picture> images_;
 };
 
@@ -72,8 +69,7 @@ class Tracker
     std::vector<Track> tracks_;
     std::array<Pyramid, 2> pyramids_;  // of the frame before and of the next one, in turn
     int last_ = 0;                     // which of them holds the frame before
-    std::vector<Lum8u> stateBlock_;
-    LumOptFlowPyrLKState* state_ = nullptr;
+    lumcv::Record<LumOptFlowPyrLKState> state_;
 };
 
 }  // namespace track

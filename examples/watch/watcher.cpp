@@ -5,8 +5,8 @@
 
 namespace watch {
 
-using gallery::check;
 using gallery::toByte;
+using lumcv::call;
 
 LumFGMMModel usualModel()
 {
@@ -56,34 +56,27 @@ Watcher::Watcher(LumiSize size)
 {
     const LumFGMMModel model = usualModel();
     const auto maxNGauss = static_cast<Lum32s>(model.maxNGauss);
-    Lum32s stateBytes = 0;
-    check(lumiFGMMGetBufferSize_8u_C3R(size_, maxNGauss, &stateBytes), "lumiFGMMGetBufferSize_8u_C3R");
-    // the size is an unsigned number
-    block_.resize(static_cast<Lum32u>(stateBytes));
-    state_ = reinterpret_cast<LumFGMMState*>(block_.data());
-    check(lumiFGMMInit_8u_C3R(size_, maxNGauss, &model, state_), "lumiFGMMInit_8u_C3R");
+    call<lumiFGMMGetBufferSize_8u_C3R>(size_, maxNGauss, state_).throwIfError();
+    call<lumiFGMMInit_8u_C3R>(size_, maxNGauss, &model, state_).throwIfError();
 }
 
 void Watcher::take(const Picture& frame)
 {
     constexpr Lum64f automaticRate = -1.0;
-    check(lumiFGMMForeground_8u_C3R(frame.pixels(), frame.step(), classes_.pixels(), classes_.step(), size_, state_,
-                                    nullptr, automaticRate),
-          "lumiFGMMForeground_8u_C3R");
+    call<lumiFGMMForeground_8u_C3R>(frame.view<3>(), classes_.view(), size_, state_, nullptr, automaticRate)
+        .throwIfError();
     ++frames_;
     if (frames_ == 1) {
         return;  // nothing is background yet
     }
     const Picture silhouette = silhouetteOf(classes_);
-    check(lumiUpdateMotionHistory_8u32f_C1IR(silhouette.pixels(), silhouette.step(), history_.pixels(), history_.step(),
-                                             size_, now(), duration),
-          "lumiUpdateMotionHistory_8u32f_C1IR");
+    call<lumiUpdateMotionHistory_8u32f_C1IR>(silhouette.view(), history_.view(), size_, now(), duration).throwIfError();
 }
 
 Picture Watcher::background() const
 {
     Picture result(size_.width, size_.height, 3);
-    check(lumiFGMMBackground_8u_C3R(result.pixels(), result.step(), size_, state_), "lumiFGMMBackground_8u_C3R");
+    call<lumiFGMMBackground_8u_C3R>(result.view<3>(), size_, state_).throwIfError();
     return result;
 }
 

@@ -1,8 +1,6 @@
 // What moves in a film: the background model tells it for each frame, and the motion history keeps it for a while.
 #pragma once
 
-#include <vector>
-
 #include "image.hpp"
 
 namespace watch {
@@ -29,8 +27,6 @@ class Watcher
     static constexpr float duration = 16.0f;
 
     explicit Watcher(LumiSize size);
-    Watcher(const Watcher&) = delete;
-    Watcher& operator=(const Watcher&) = delete;
 
     /// Takes the next RGB frame.
     void take(const Picture& frame);
@@ -56,8 +52,7 @@ class Watcher
 
   private:
     LumiSize size_;
-    std::vector<Lum8u> block_;
-    LumFGMMState* state_;
+    lumcv::Record<LumFGMMState> state_;
     Picture classes_;
     Image<Lum32f> history_;
     int frames_ = 0;

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <limits>
 
-#include "fuzz/filter/size_query.hpp"
+#include "fuzz/support/call.hpp"
 
 namespace {
 
@@ -84,7 +84,9 @@ void ofImage(Choices& choices, const std::string& name)
     a.anchor = a.kernelSize == lumMask3x3 && choices.oneIn(2) ? lumFilterScharr : lumFilterSobel;
     a.divisor = choices.oneIn(2) ? lumNormL2 : lumNormL1;
     const int modes[] = {lumBorderReplicate, lumBorderConstant};
-    a.borderType = choices.oneIn(6) ? lumBorderInMem : choices.oneOf(modes) | choices.between(0, 15) << 4;
+    a.borderType = choices.oneIn(6) ? int(lumBorderInMem) : choices.oneOf(modes);
+    if (a.borderType != lumBorderInMem)
+        a.borderType |= choices.between(0, 15) << 4;
     const Thresholds chosen = chooseThresholds(choices);
     const int reach = a.kernelSize == lumMask3x3 ? 1 : 2;
     const auto margins = lumcv::test::promisedMargins(a.borderType, lumcv::test::Margins::all(reach));
@@ -116,7 +118,43 @@ void ofImage(Choices& choices, const std::string& name)
     tryCall(choices, std::move(call));
 }
 
+template <typename Size, typename Bytes>
+Run querySize(LumStatus (*f)(Size, Bytes*))
+{
+    return [=](Choices& choices, const std::string& name) {
+        Call call = beginCall(choices, name);
+        if constexpr (std::is_same_v<Size, LumiSizeL>)
+            for (const Lum64s size : {Lum64s{0x80000000}, Lum64s{INT64_MAX}}) {
+                addViolation(call, "width " + std::to_string(size), lumErrSizeTooLarge,
+                             [=](Arguments& a) { a.width = size; });
+                addViolation(call, "height " + std::to_string(size), lumErrSizeTooLarge,
+                             [=](Arguments& a) { a.height = size; });
+            }
+        call.blocks = {{Role::Written, sizeof(Bytes), numberElement<Bytes>}};
+        call.call = [=](const Arguments& a) { return f(a.sizeAs<Size>(), a.block<Bytes>(0)); };
+        tryCall(choices, std::move(call));
+    };
+}
+
+void querySizeOfImage(Choices& choices, const std::string& name)
+{
+    Call call = beginCall(choices, name);
+    call.arguments.kernelSize = choices.oneIn(2) ? lumMask5x5 : lumMask3x3;
+    call.arguments.anchor = choices.between(-1, 10);  // any filter will do
+    const int masks[] = {0, 3, 5, 13, 35, -33, INT32_MIN};
+    const int wrong = choices.oneOf(masks);
+    addViolation(call, "mask " + std::to_string(wrong), lumErrMaskSize, [=](Arguments& a) { a.kernelSize = wrong; });
+    call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
+    call.call = [](const Arguments& a) {
+        return lumiCannyBorderGetSize(a.size(), a.anchor, a.kernelSize, a.block<Lum32s>(0));
+    };
+    tryCall(choices, std::move(call));
+}
+
 const Targets targets{{
+    {"lumiCannyGetSize", querySize(lumiCannyGetSize)},
+    {"lumiCannyGetSize_L", querySize(lumiCannyGetSize_L)},
+    {"lumiCannyBorderGetSize", querySizeOfImage},
     {"lumiCanny_16s8u_C1R", ofPlanes<Lum16s>(shortForm<Lum16s, lumiCanny_16s8u_C1R>, false)},
     {"lumiCanny_32f8u_C1R", ofPlanes<Lum32f>(shortForm<Lum32f, lumiCanny_32f8u_C1R>, false)},
     {"lumiCanny_16s8u_C1R_L", ofPlanes<Lum16s>(longForm<Lum16s, lumiCanny_16s8u_C1R_L>, true)},

@@ -1,4 +1,5 @@
-// Fuzzes FAST corners and the list of them.
+// Fuzzes FAST corners, what they need before they can be found, and the list of them.
+#include <cmath>
 #include <cstring>
 
 #include "fuzz/support/call.hpp"
@@ -37,7 +38,9 @@ Detector choose(Choices& choices, LumiSize imageSize)
     const int radius = choices.oneOf(radii);
     const int least = points[radius] / 2 | 1;
     const int arc = choices.oneIn(2) ? least : choices.between(least, points[radius]);
-    const int mode = lumFastNCorners | choices.oneOf(scores) | (choices.oneIn(2) ? lumFastNOrientation : 0);
+    int mode = lumFastNCorners | choices.oneOf(scores);
+    if (choices.oneIn(2))
+        mode |= lumFastNOrientation;
     return {imageSize, radius, arc, choices.between(1, 64), mode, float(choices.oneOf(thresholds))};
 }
 
@@ -118,7 +121,95 @@ void list(Choices& choices, const std::string& name)
     tryCall(choices, std::move(call));
 }
 
+// The radius stands in kernelSize, the points of an arc in anchor, the bins in borderType, the mode in divisor, the
+// threshold in parameter.
+Call beginRecord(Choices& choices, const std::string& name)
+{
+    Call call = beginCall(choices, name);
+    Arguments& a = call.arguments;
+    const Detector detector = choose(choices, a.size());
+    a.kernelSize = detector.radius;
+    a.anchor = detector.arc;
+    a.borderType = detector.bins;
+    a.divisor = detector.mode;
+    a.parameter = detector.threshold;
+    a.dataType = lumType8u;
+    a.channels = 1;
+    const int radii[] = {0, 4, 6, 8, 10, -1, INT32_MIN};
+    const int radius = choices.oneOf(radii);
+    addViolation(call, "radius " + std::to_string(radius), lumErrArgument,
+                 [=](Arguments& b) { b.kernelSize = radius; });
+    const int arcs[] = {0, 1, 53, -9, INT32_MIN, INT32_MAX};
+    const int arc = choices.oneOf(arcs);
+    addViolation(call, "arc " + std::to_string(arc), lumErrOutOfRange, [=](Arguments& b) { b.anchor = arc; });
+    const int modes[] = {0, lumFastNScore, lumFastNCorners | lumFastNNonMaxSuppression, -1, INT32_MIN};
+    const int mode = choices.oneOf(modes);
+    addViolation(call, "mode " + std::to_string(mode), lumErrArgument, [=](Arguments& b) { b.divisor = mode; });
+    const int counts[] = {0, 65, -1, INT32_MAX};
+    const int bins = choices.oneOf(counts);
+    addViolation(call, "bins " + std::to_string(bins), lumErrOutOfRange, [=](Arguments& b) {
+        b.borderType = bins;
+        b.divisor |= lumFastNOrientation;
+    });
+    const int types[] = {0, lumType16u, lumType32f, -1, INT32_MIN};
+    const int type = choices.oneOf(types);
+    addViolation(call, "type " + std::to_string(type), lumErrDataType, [=](Arguments& b) { b.dataType = type; });
+    const int channels[] = {0, 2, 3, -1, INT32_MAX};
+    const int count = choices.oneOf(channels);
+    addViolation(call, "channels " + std::to_string(count), lumErrChannels, [=](Arguments& b) { b.channels = count; });
+    return call;
+}
+
+void querySize(Choices& choices, const std::string& name)
+{
+    Call call = beginRecord(choices, name);
+    call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
+    call.call = [](const Arguments& a) {
+        return lumiFastNGetSize(a.size(), a.kernelSize, a.anchor, a.borderType, a.divisor, a.dataType, a.channels,
+                                a.block<Lum32s>(0));
+    };
+    tryCall(choices, std::move(call));
+}
+
+void init(Choices& choices, const std::string& name)
+{
+    Call call = beginRecord(choices, name);
+    const Arguments& a = call.arguments;
+    const Detector detector{a.size(), a.kernelSize, a.anchor, a.borderType, a.divisor, a.parameter};
+    const Lum32f thresholds[] = {-1, -1e-30f, -INFINITY, NAN};
+    const Lum32f wrong = choices.oneOf(thresholds);
+    addViolation(call, "threshold " + std::to_string(wrong), lumErrThreshold,
+                 [=](Arguments& b) { b.parameter = wrong; });
+    call.blocks = {{Role::Laid, std::size_t(detector.specBytes())}};
+    call.call = [](const Arguments& b) {
+        return lumiFastNInit(b.size(), b.kernelSize, b.anchor, b.borderType, b.divisor, b.parameter, b.dataType,
+                             b.channels, b.block<LumFastNSpec>(0));
+    };
+    tryCall(choices, std::move(call));
+}
+
+void queryScratch(Choices& choices, const std::string& name)
+{
+    Call call = beginCall(choices, name);
+    const Detector detector = choose(choices, call.arguments.size());
+    addViolation(call, "a wide image", lumErrSizeTooLarge, [](Arguments& a) { a.width = INT32_MAX; });
+    addViolation(call, "a record that no Init has seen", lumErrContext, [](Arguments& a) {
+        static Lum64s zeros[32] = {};
+        if (a.blocks[0])
+            a.blocks[0] = zeros;
+    });
+    call.blocks = {{Role::Record, std::size_t(detector.specBytes())}, {Role::Written, sizeof(Lum32s), Element::S32}};
+    call.prepare = [=](Arguments& a) { detector.lay(a.block<LumFastNSpec>(0)); };
+    call.call = [](const Arguments& a) {
+        return lumiFastNGetBufferSize(a.block<LumFastNSpec>(0), a.size(), a.block<Lum32s>(1));
+    };
+    tryCall(choices, std::move(call));
+}
+
 const Targets targets{{
+    {"lumiFastNGetSize", querySize},
+    {"lumiFastNInit", init},
+    {"lumiFastNGetBufferSize", queryScratch},
     {"lumiFastN_8u_C1R", mark},
     {"lumiFastN2DToVec_8u", list},
 }};

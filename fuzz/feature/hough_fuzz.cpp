@@ -1,6 +1,7 @@
-// Fuzzes Hough transforms.
+// Fuzzes Hough transforms, their size queries and the Init of segments.
 #include <algorithm>
 #include <cfenv>
+#include <cmath>
 
 #include "fuzz/support/call.hpp"
 
@@ -110,7 +111,73 @@ void segments(Choices& choices, const std::string& name)
     tryCall(choices, std::move(call));
 }
 
+// Whether a component of delta is wrong stands in parameter, and which value it has then.
+Call beginPreparation(Choices& choices, const std::string& name)
+{
+    Call call;
+    call.function = name;
+    call.arguments.width = choices.between(1, 2000);
+    call.arguments.height = choices.between(1, 2000);
+    const Lum32f deltas[] = {-0.0f, -1, -INFINITY, NAN};
+    for (const Lum32f wrong : {choices.oneOf(deltas)})
+        for (const bool isAngle : {false, true})
+            addViolation(call, std::string(isAngle ? "theta " : "rho ") + std::to_string(wrong), lumErrArgument,
+                         [=](Arguments& a) {
+                             a.parameter = wrong;
+                             a.divisor = isAngle ? 2 : 3;
+                         });
+    return call;
+}
+
+LumiPointPolar deltaOf(const Arguments& a, LumiPointPolar delta)
+{
+    if (a.divisor != 1)
+        (a.divisor == 2 ? delta.theta : delta.rho) = a.parameter;
+    return delta;
+}
+
+void queryLines(Choices& choices, const std::string& name)
+{
+    Call call = beginPreparation(choices, name);
+    const LumiPointPolar delta = chooseDelta(choices, call.arguments.size());
+    const int room = choices.between(0, 100000);
+    call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
+    call.call = [=](const Arguments& a) {
+        return lumiHoughLineGetSize_8u_C1R(a.size(), deltaOf(a, delta), room, a.block<Lum32s>(0));
+    };
+    tryCall(choices, std::move(call));
+}
+
+void querySegments(Choices& choices, const std::string& name)
+{
+    Call call = beginPreparation(choices, name);
+    const LumiPointPolar delta = chooseDelta(choices, call.arguments.size());
+    call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}, {Role::Written, sizeof(Lum32s), Element::S32}};
+    call.call = [=](const Arguments& a) {
+        return lumiHoughProbLineGetSize_8u_C1R(a.size(), deltaOf(a, delta), a.block<Lum32s>(0), a.block<Lum32s>(1));
+    };
+    tryCall(choices, std::move(call));
+}
+
+void initSegments(Choices& choices, const std::string& name)
+{
+    Call call = beginPreparation(choices, name);
+    const LumiPointPolar delta = chooseDelta(choices, call.arguments.size());
+    const int hint = choices.between(-1, 2);
+    Lum32s specBytes = -1, bytes = -1;
+    if (lumiHoughProbLineGetSize_8u_C1R(call.arguments.size(), delta, &specBytes, &bytes) != lumOk || specBytes < 0)
+        fail("the size query failed");
+    call.blocks = {{Role::Laid, std::size_t(specBytes)}};
+    call.call = [=](const Arguments& a) {
+        return lumiHoughProbLineInit_8u32f_C1R(a.size(), deltaOf(a, delta), hint, a.block<LumHoughProbSpec>(0));
+    };
+    tryCall(choices, std::move(call));
+}
+
 const Targets targets{{
+    {"lumiHoughLineGetSize_8u_C1R", queryLines},
+    {"lumiHoughProbLineGetSize_8u_C1R", querySegments},
+    {"lumiHoughProbLineInit_8u32f_C1R", initSegments},
     {"lumiHoughLine_8u32f_C1R", lines<false>},
     {"lumiHoughLine_Region_8u32f_C1R", lines<true>},
     {"lumiHoughProbLine_8u32f_C1R", segments},

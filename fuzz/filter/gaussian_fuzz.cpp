@@ -8,21 +8,6 @@ namespace {
 
 using namespace lumcv::fuzz;
 
-template <typename T>
-constexpr LumDataType typeCode()
-{
-    switch (elementOf<T>()) {
-        case Element::U8:
-            return lumType8u;
-        case Element::U16:
-            return lumType16u;
-        case Element::S16:
-            return lumType16s;
-        default:
-            return lumType32f;
-    }
-}
-
 // What the query of a valid geometry returns, or a failure.
 struct Sizes
 {
@@ -151,12 +136,13 @@ Run apply(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, LumiBorderType,
         Call call = begin(choices, name);
         Arguments& a = call.arguments;
         const LumiSize queried = chooseQueriedSize(choices, a);
-        describeApply<T>(call, queriedSizes(queried, a.kernelSize, typeCode<T>(), channels), a.borderType, channels);
+        describeApply<T>(call, queriedSizes(queried, a.kernelSize, typeCode(elementOf<T>()), channels), a.borderType,
+                         channels);
         const int initBorder = chooseBorder(choices);  // apply has its own
         call.prepare = [=](Arguments& b) {
             layRecord(b, [&](auto* s, Lum8u* scratch) {
-                return lumiFilterGaussianInit(queried, b.kernelSize, b.parameter, initBorder, typeCode<T>(), channels,
-                                              s, scratch);
+                return lumiFilterGaussianInit(queried, b.kernelSize, b.parameter, initBorder, typeCode(elementOf<T>()),
+                                              channels, s, scratch);
             });
         };
         addBorderViolations(choices, call);
@@ -179,14 +165,14 @@ Run applyL(LumStatus (*f)(const T*, Lum64s, T*, Lum64s, LumiSizeL, LumiBorderTyp
         Call call = begin(choices, name);
         Arguments& a = call.arguments;
         const LumiSize queried = chooseQueriedSize(choices, a);
-        describeApply<T>(call, queriedSizesL(queried, a.kernelSize, typeCode<T>(), a.borderType, channels),
+        describeApply<T>(call, queriedSizesL(queried, a.kernelSize, typeCode(elementOf<T>()), a.borderType, channels),
                          a.borderType, channels);
         call.longStep = true;
         const int initBorder = chooseBorder(choices);
         call.prepare = [=](Arguments& b) {
             layRecord(b, [&](auto* s, Lum8u* scratch) {
                 return lumiFilterGaussianInit_L({queried.width, queried.height}, b.kernelSize, b.parameter, initBorder,
-                                                typeCode<T>(), channels, s, scratch);
+                                                typeCode(elementOf<T>()), channels, s, scratch);
             });
         };
         addBorderViolations(choices, call);
@@ -212,11 +198,12 @@ Run applyBorder(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, Border, c
         Call call = begin(choices, name);
         Arguments& a = call.arguments;
         const LumiSize queried = chooseQueriedSize(choices, a);
-        describeApply<T>(call, queriedSizes(queried, a.kernelSize, typeCode<T>(), channels), a.borderType, channels);
+        describeApply<T>(call, queriedSizes(queried, a.kernelSize, typeCode(elementOf<T>()), channels), a.borderType,
+                         channels);
         call.prepare = [=](Arguments& b) {
             layRecord(b, [&](auto* s, Lum8u* scratch) {
-                return lumiFilterGaussianInit(queried, b.kernelSize, b.parameter, b.borderType, typeCode<T>(), channels,
-                                              s, scratch);
+                return lumiFilterGaussianInit(queried, b.kernelSize, b.parameter, b.borderType,
+                                              typeCode(elementOf<T>()), channels, s, scratch);
             });
         };
         if (channels == 3 && isConstant(a.borderType))

@@ -1,4 +1,4 @@
-// Fuzzes the reconstructions of 8u, 16u and 32f images and their size query.
+// Fuzzes the reconstructions of 8u, 16u, 32f and 64f images and their size query.
 #include <cstring>
 
 #include "fuzz/support/call.hpp"
@@ -8,12 +8,6 @@ namespace {
 using namespace lumcv::fuzz;
 
 template <typename T>
-constexpr LumDataType typeCode()
-{
-    return elementOf<T>() == Element::U8 ? lumType8u : elementOf<T>() == Element::U16 ? lumType16u : lumType32f;
-}
-
-template <typename T>
 Run reconstruct(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, Lum8u*, LumiDistanceNorm))
 {
     return [=](Choices& choices, const std::string& name) {
@@ -21,7 +15,7 @@ Run reconstruct(LumStatus (*f)(const T*, Lum32s, T*, Lum32s, LumiSize, Lum8u*, L
         Arguments& a = call.arguments;
         const LumiSize queried{a.size().width + choices.between(0, 20), a.size().height + choices.between(0, 5)};
         Lum32s bytes = -1;
-        if (lumiMorphReconstructGetBufferSize(queried, typeCode<T>(), 1, &bytes) != lumOk)
+        if (lumiMorphReconstructGetBufferSize(queried, typeCode(elementOf<T>()), 1, &bytes) != lumOk)
             fail("the size query failed");
         call.images = {{Role::Read, elementOf<T>()}, {Role::Updated, elementOf<T>()}};
         call.blocks = {{Role::Scratch, std::size_t(bytes)}};
@@ -74,6 +68,8 @@ const Targets targets{{
     {"lumiMorphReconstructErode_16u_C1IR", reconstruct(lumiMorphReconstructErode_16u_C1IR)},
     {"lumiMorphReconstructDilate_32f_C1IR", reconstruct(lumiMorphReconstructDilate_32f_C1IR)},
     {"lumiMorphReconstructErode_32f_C1IR", reconstruct(lumiMorphReconstructErode_32f_C1IR)},
+    {"lumiMorphReconstructDilate_64f_C1IR", reconstruct(lumiMorphReconstructDilate_64f_C1IR)},
+    {"lumiMorphReconstructErode_64f_C1IR", reconstruct(lumiMorphReconstructErode_64f_C1IR)},
 }};
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Fuzzes the optical flow: two pyramids of one level or two, whose images are operands of the call; points inside,
-// outside and on the border of the image; windows of any size.
+// Fuzzes the optical flow, its size query and its Inits: two pyramids of one level or two, whose images are operands of
+// the call; points inside, outside and on the border of the image; windows of any size.
 #include "fuzz/support/call.hpp"
 
 namespace {
@@ -48,8 +48,8 @@ Run flow(LumDataType type, Init init, Apply apply)
         for (int i = 0; i < 2 * a.channels; ++i) {
             const int extent = i % 2 ? size.height : size.width;
             const int reach = choices.oneIn(4) ? a.kernelSize + 4 : 0;
-            points.push_back(Lum32f(choices.between(-reach, extent - 1 + reach)) +
-                             (choices.oneIn(2) ? 0.0f : Lum32f(choices.between(0, 15)) / 16));
+            const Lum32f whole = Lum32f(choices.between(-reach, extent - 1 + reach));
+            points.push_back(choices.oneIn(2) ? whole : whole + Lum32f(choices.between(0, 15)) / 16);
         }
         Lum32s stateBytes = 0;
         if (lumiOpticalFlowPyrLKGetSize(a.kernelSize, size, type, 0, &stateBytes) != lumOk)
@@ -86,7 +86,61 @@ Run flow(LumDataType type, Init init, Apply apply)
     };
 }
 
+// The window stands in kernelSize.
+Call beginState(Choices& choices, const std::string& name)
+{
+    Call call = beginCall(choices, name);
+    call.arguments.kernelSize = choices.between(1, 80);
+    for (const int wrong : {0, -1, INT32_MIN})
+        addViolation(call, "window " + std::to_string(wrong), lumErrSize, [=](Arguments& a) { a.kernelSize = wrong; });
+    return call;
+}
+
+void query(Choices& choices, const std::string& name)
+{
+    Call call = beginState(choices, name);
+    const int types[] = {lumType8u, lumType16u, lumType32f};
+    call.arguments.dataType = choices.oneOf(types);
+    const int wrongTypes[] = {0, 2, lumType16s, lumType64f, -1, INT32_MIN};
+    const int wrong = choices.oneOf(wrongTypes);
+    addViolation(call, "type " + std::to_string(wrong), lumErrDataType, [=](Arguments& a) { a.dataType = wrong; });
+    addViolation(call, "a huge image", lumErrSizeTooLarge, [](Arguments& a) {
+        a.width = INT32_MAX;
+        a.height = INT32_MAX;
+    });
+    const int hint = choices.between(-1, 2);
+    call.blocks = {{Role::Written, sizeof(Lum32s), Element::S32}};
+    call.call = [=](const Arguments& a) {
+        return lumiOpticalFlowPyrLKGetSize(a.kernelSize, a.size(), a.dataType, hint, a.block<Lum32s>(0));
+    };
+    tryCall(choices, std::move(call));
+}
+
+Run prepare(LumDataType type, Init init)
+{
+    return [=](Choices& choices, const std::string& name) {
+        Call call = beginState(choices, name);
+        Lum32s bytes = -1;
+        if (lumiOpticalFlowPyrLKGetSize(call.arguments.kernelSize, call.arguments.size(), type, 0, &bytes) != lumOk)
+            fail("the size query failed");
+        const int hint = choices.between(-1, 2);
+        call.blocks = {{Role::Laid, std::size_t(bytes)}};
+        call.call = [=](const Arguments& a) {
+            LumOptFlowPyrLKState* state = nullptr;
+            const LumStatus status = init(&state, a.size(), a.kernelSize, hint, a.block<Lum8u>(0));
+            if (state != (status == lumOk ? a.blocks[0] : nullptr))
+                fail("the state's address is wrong");
+            return status;
+        };
+        tryCall(choices, std::move(call));
+    };
+}
+
 const Targets targets{{
+    {"lumiOpticalFlowPyrLKGetSize", query},
+    {"lumiOpticalFlowPyrLKInit_8u_C1R", prepare(lumType8u, lumiOpticalFlowPyrLKInit_8u_C1R)},
+    {"lumiOpticalFlowPyrLKInit_16u_C1R", prepare(lumType16u, lumiOpticalFlowPyrLKInit_16u_C1R)},
+    {"lumiOpticalFlowPyrLKInit_32f_C1R", prepare(lumType32f, lumiOpticalFlowPyrLKInit_32f_C1R)},
     {"lumiOpticalFlowPyrLK_8u_C1R",
      flow<Lum8u>(lumType8u, lumiOpticalFlowPyrLKInit_8u_C1R, lumiOpticalFlowPyrLK_8u_C1R)},
     {"lumiOpticalFlowPyrLK_16u_C1R",

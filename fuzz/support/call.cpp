@@ -1,14 +1,13 @@
 // Lays out a call's images and blocks, makes the call, and holds against each other what must be the same.
 #include "fuzz/support/call.hpp"
 
-#include <unistd.h>
-
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <sstream>
+#include <thread>
 #include <utility>
 
 #include "support/max_cache_size.hpp"
@@ -22,7 +21,7 @@ using test::GuardedBlock;
 using test::Random;
 using ByteImage = test::Image<Lum8u>;
 
-std::string announced = "no case yet";
+thread_local Recorder* current = nullptr;  // what takes down this thread's calls
 
 std::size_t sizeOf(Element element)
 {
@@ -67,6 +66,18 @@ void fillElements(unsigned char* to, std::size_t bytes, Element element, Random&
             return fillAs<Lum32f>(to, bytes, random, values);
         case Element::F64:
             return fillAs<Lum64f>(to, bytes, random, values);
+    }
+}
+
+// What scratch holds: many bytes, and none that matters.
+void fillAnyhow(unsigned char* to, std::size_t bytes, Random& random)
+{
+    while (bytes > 0) {
+        const std::uint64_t bits = random.bits();
+        const std::size_t count = bytes < sizeof bits ? bytes : sizeof bits;
+        std::memcpy(to, &bits, count);
+        to += count;
+        bytes -= count;
     }
 }
 
@@ -183,7 +194,7 @@ class Memory
             if (operand.role == Role::Read)
                 fillElements(block.data(), block.size(), operand.element, values, kind);
             else if (operand.role != Role::Written)
-                fillElements(block.data(), block.size(), Element::U8, places, test::Values::Ordinary);
+                fillAnyhow(block.data(), block.size(), places);
             arguments.blocks.push_back(block.data());
         }
         if (call.prepare)
@@ -204,6 +215,8 @@ class Memory
             const std::string name = "image " + std::to_string(i);
             if (!written && bytesOf(images_[i]) != imagesBefore_[i])
                 fail(name + " was written");
+            if (!bitsBesideIntact(i))
+                fail(name + ": bits beside the pixels were written");
             if (const testing::AssertionResult intact = images_[i].gapsIntact(); !intact)
                 fail(name + ": " + intact.message());
         }
@@ -235,6 +248,34 @@ class Memory
                 fail("block " + std::to_string(i) + " depends on where things stand");
     }
 
+    // Takes another's images, blocks and records in the place of its own, wherever a call only reads them.
+    void readFrom(const Memory& other)
+    {
+        for (std::size_t i = 0; i < images_.size(); ++i)
+            if (call_.images[i].role == Role::Read || call_.images[i].role == Role::Mask) {
+                arguments.images[i] = other.arguments.images[i];
+                arguments.steps[i] = other.arguments.steps[i];
+            }
+        for (std::size_t i = 0; i < blocks_.size(); ++i)
+            if (call_.blocks[i].role == Role::Read || call_.blocks[i].role == Role::Record)
+                arguments.blocks[i] = other.arguments.blocks[i];
+    }
+
+    // What a successful call has written.
+    void record(Recorder& recorder) const
+    {
+        for (std::size_t i = 0; i < images_.size(); ++i) {
+            const ImageOperand& operand = call_.images[i];
+            const std::size_t rowBytes = std::size_t(images_[i].width()) * images_[i].channels();
+            if (operand.role == Role::Updated || operand.role == Role::Written)
+                for (int y = 0; y < images_[i].height(); ++y)
+                    recorder.add(images_[i].row(y), rowBytes, operand.element);
+        }
+        for (std::size_t i = 0; i < blocks_.size(); ++i)
+            if (call_.blocks[i].role == Role::Written)
+                recorder.add(blocks_[i]->data(), blocks_[i]->size(), call_.blocks[i].element);
+    }
+
   private:
     static void fill(ByteImage& image, const ImageOperand& operand, Random& values, test::Values kind)
     {
@@ -254,6 +295,23 @@ class Memory
                     if (values.oneIn(2))
                         row[i] = 0;
         }
+    }
+
+    bool bitsBesideIntact(std::size_t i) const
+    {
+        const ImageOperand& operand = call_.images[i];
+        if (operand.bitCount == 0)
+            return true;
+        const ByteImage& image = images_[i];
+        for (int y = 0; y < image.height(); ++y) {
+            const Lum8u* const before = imagesBefore_[i].data() + (image.row(y) - image.bytes());
+            for (int bit = 0; bit < 8 * image.width(); ++bit) {
+                const bool isPixel = bit >= operand.firstBit && bit < operand.firstBit + operand.bitCount;
+                if (!isPixel && ((image.row(y)[bit / 8] ^ before[bit / 8]) >> bit % 8 & 1) != 0)
+                    return false;
+            }
+        }
+        return true;
     }
 
     void* rowArray(std::size_t i, Random& places)
@@ -331,35 +389,40 @@ std::vector<Violation> commonViolations(const Call& call)
     return list;
 }
 
+// Makes the call. Fails unless the status is that of one of the wrong arguments, or success if there are none, and what
+// the call must leave alone is as it was.
+LumStatus attempt(const Call& call, const std::vector<Violation>& made, const Memory& memory, LumStatus cacheStatus)
+{
+    const test::ReportedCacheSize cache(cacheStatus, 1 << 16);
+    Arguments arguments = memory.arguments;
+    for (const Violation& violation : made)
+        violation.apply(arguments);
+    const LumStatus status = call.call(arguments);
+    bool explained = made.empty() && status == lumOk;
+    for (const Violation& violation : made)
+        for (const LumStatus possible : violation.statuses)
+            explained = explained || possible == status;
+    if (!explained)
+        fail("status " + std::to_string(status));
+    memory.expectUntouched(status == lumOk);
+    return status;
+}
+
 }  // namespace
-
-void announce(const std::string& text)
-{
-    announced = text;
-}
-
-void printAnnouncement()
-{
-    // async-signal-safe
-    static_cast<void>(!write(STDERR_FILENO, announced.data(), announced.size()));
-    static_cast<void>(!write(STDERR_FILENO, "\n", 1));
-}
-
-void fail(const std::string& complaint)
-{
-    printAnnouncement();
-    std::fprintf(stderr, "%s\n", complaint.c_str());
-    std::abort();
-}
 
 std::string Call::text() const
 {
     std::ostringstream stream;
     const Arguments& a = arguments;
-    stream << function << " on " << a.width << " x " << a.height << ", kernel size " << a.kernelSize << ", anchor "
-           << a.anchor << ", border " << a.borderType << ", divisor " << a.divisor << ", type " << a.dataType
-           << ", channels " << a.channels << ", parameter " << a.parameter;
+    stream << function << " on " << a.width << " x " << a.height << ", mask " << a.mask.width << " x " << a.mask.height
+           << ", kernel size " << a.kernelSize << ", anchor " << a.anchor << ", border " << a.borderType << ", divisor "
+           << a.divisor << ", type " << a.dataType << ", channels " << a.channels << ", parameter " << a.parameter;
     return stream.str();
+}
+
+void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply)
+{
+    call.violations.push_back({std::move(name), {status}, std::move(apply)});
 }
 
 void tryCall(Choices& choices, Call call)
@@ -377,27 +440,79 @@ void tryCall(Choices& choices, Call call)
     }
     announce(text);
 
-    std::unique_ptr<Memory> runs[2];
-    LumStatus statuses[2];
-    for (int run = 0; run < 2; ++run) {
-        const test::ReportedCacheSize cache(run == 0 ? lumErrGeneric : lumOk, 1 << 16);
-        runs[run] = std::make_unique<Memory>(call, content, choices.seed());
-        Arguments arguments = runs[run]->arguments;
-        for (const Violation& violation : made)
-            violation.apply(arguments);
-        statuses[run] = call.call(arguments);
-        bool explained = made.empty() && statuses[run] == lumOk;
-        for (const Violation& violation : made)
-            for (const LumStatus status : violation.statuses)
-                explained = explained || status == statuses[run];
-        if (!explained)
-            fail("status " + std::to_string(statuses[run]));
-        runs[run]->expectUntouched(statuses[run] == lumOk);
+    const Memory first(call, content, choices.seed());
+    const LumStatus status = attempt(call, made, first, lumErrGeneric);
+    const auto expectSame = [&](const Memory& other, LumStatus otherStatus) {
+        if (otherStatus != status)
+            fail("two calls returned " + std::to_string(status) + " and " + std::to_string(otherStatus));
+        if (status == lumOk)
+            first.expectSameResults(other);
+    };
+    const Memory second(call, content, choices.seed());
+    if (current && current->mode() == Recorder::Mode::WithTwins && made.empty()) {
+        Memory twin(call, content, ~content);
+        twin.readFrom(second);
+        LumStatus twinStatus = lumOk;
+        std::thread thread([&] {
+            announce(text);
+            twinStatus = attempt(call, made, twin, lumOk);
+        });
+        expectSame(second, attempt(call, made, second, lumOk));
+        thread.join();
+        expectSame(twin, twinStatus);
+    } else {
+        expectSame(second, attempt(call, made, second, lumOk));
     }
-    if (statuses[0] != statuses[1])
-        fail("two runs returned " + std::to_string(statuses[0]) + " and " + std::to_string(statuses[1]));
-    if (statuses[0] == lumOk)
-        runs[0]->expectSameResults(*runs[1]);
+    if (current) {
+        current->add(text, status);
+        if (status == lumOk)
+            first.record(*current);
+    }
+}
+
+Recorder::Recorder(Mode mode) : mode_(mode)
+{
+    current = this;
+}
+
+Recorder::~Recorder()
+{
+    current = nullptr;
+}
+
+void Recorder::mix(std::uint64_t word)
+{
+    digest_ = (digest_ ^ word) * 0x9E3779B97F4A7C15u;
+    digest_ ^= digest_ >> 32;
+}
+
+void Recorder::add(const std::string& text, LumStatus status)
+{
+    text_ += text_.empty() ? text : " | " + text;
+    text_ += ": status " + std::to_string(status);
+    mix(std::uint64_t(std::uint32_t(status)));
+}
+
+void Recorder::add(const unsigned char* values, std::size_t bytes, Element element)
+{
+    const auto addElements = [=, this]<typename T, typename Word>(T, Word) {
+        for (std::size_t at = 0; at < bytes; at += sizeof(T)) {
+            T value;
+            std::memcpy(&value, values + at, sizeof value);
+            Word word;
+            std::memcpy(&word, &value, sizeof word);
+            mix(std::isnan(value) ? 0x7FF8u : word);
+        }
+    };
+    if (element == Element::F32)
+        return addElements(Lum32f{}, std::uint32_t{});
+    if (element == Element::F64)
+        return addElements(Lum64f{}, std::uint64_t{});
+    for (std::size_t at = 0; at < bytes; at += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, values + at, std::min<std::size_t>(8, bytes - at));
+        mix(word);
+    }
 }
 
 LumiSize chooseSize(Choices& choices)
@@ -454,7 +569,8 @@ int chooseBorder(Choices& choices)
     if (choices.oneIn(8))
         return lumBorderInMem;
     const int modes[] = {lumBorderReplicate, lumBorderMirror, lumBorderConstant};
-    return choices.oneOf(modes) | (choices.oneIn(2) ? 0 : choices.between(0, 15) << 4);
+    const int mode = choices.oneOf(modes);
+    return choices.oneIn(2) ? mode : mode | choices.between(0, 15) << 4;
 }
 
 int chooseWrongBorder(Choices& choices)
@@ -475,11 +591,24 @@ std::vector<Target>& Targets::all()
     return targets;
 }
 
+// The target that the number drawn prefers: each number has an order of preference of its own over all names. So it
+// does not matter where a target stands in the list, and when one is added, few numbers change their minds.
 void runOne(Choices& choices)
 {
-    const std::vector<Target>& targets = Targets::all();
-    const Target& target = targets[std::size_t(choices.between(0, int(targets.size()) - 1))];
-    target.run(choices, target.function);
+    const auto number = std::uint64_t(choices.between(0, 0xFFFF));
+    const Target* chosen = nullptr;
+    std::uint64_t highest = 0;
+    for (const Target& target : Targets::all()) {
+        std::uint64_t name = 0xcbf29ce484222325u;
+        for (const char c : target.function)
+            name = (name ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+        const std::uint64_t preference = Random(name ^ number).bits();
+        if (!chosen || preference > highest) {
+            chosen = &target;
+            highest = preference;
+        }
+    }
+    chosen->run(choices, chosen->function);
 }
 
 }  // namespace lumcv::fuzz

@@ -10,12 +10,14 @@
 #include <lumcv/lumcv.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include "fuzz/support/choices.hpp"
+#include "fuzz/support/fault_report.hpp"
 #include "support/promised_margins.hpp"
 
 namespace lumcv::fuzz {
@@ -53,6 +55,28 @@ constexpr Element elementOf()
     }
 }
 
+// The code of an element type in functions that take the type as an argument.
+constexpr LumDataType typeCode(Element element)
+{
+    switch (element) {
+        case Element::U8:
+            return lumType8u;
+        case Element::U16:
+            return lumType16u;
+        case Element::S16:
+            return lumType16s;
+        case Element::S32:
+            return lumType32s;
+        case Element::F32:
+            return lumType32f;
+        case Element::F64:
+            return lumType64f;
+        case Element::S8:
+            break;  // no function takes it
+    }
+    return 0;
+}
+
 enum class Role
 {
     Read,     // filled before the call, the same after it
@@ -77,6 +101,8 @@ struct ImageOperand
     int leastExtra = 0;  // how many of these columns the stride is held against
     // Of an updated image: half of its elements are zero, as in a mask.
     bool halfZero = false;
+    // Of a 1-bit image, whose elements are the bytes that its pixels lie in: which bits of a row may be written.
+    int firstBit = 0, bitCount = 0;
 };
 
 struct BlockOperand
@@ -94,6 +120,7 @@ struct Arguments
     std::vector<Lum64s> steps;
     std::vector<void*> blocks;
     Lum64s width = 1, height = 1;
+    LumiSizeL mask = {1, 1};
     Lum32s kernelSize = 0, anchor = 0, borderType = 0, divisor = 1, dataType = 0, channels = 0;
     Lum32f parameter = 0;
 
@@ -124,6 +151,12 @@ struct Arguments
     {
         return {width, height};
     }
+    // The size in the type that a function takes.
+    template <typename Size>
+    Size sizeAs() const
+    {
+        return {decltype(Size::width)(width), decltype(Size::height)(height)};
+    }
 };
 
 // A wrong argument and the statuses it may lead to.
@@ -153,14 +186,52 @@ struct Call
     std::string text() const;
 };
 
+// Adds a wrong argument that has one status.
+void addViolation(Call& call, std::string name, LumStatus status, std::function<void(Arguments&)> apply);
+
 void tryCall(Choices& choices, Call call);
 
-// Ends the process with a message that names the case.
-[[noreturn]] void fail(const std::string& complaint);
+// While one lives, it takes down what the calls of its thread return and write. Its digest is the same wherever images
+// and blocks stand, on every processor level and with every compiler; all not-a-numbers are taken for the same.
+class Recorder
+{
+  public:
+    // Twins: the second call of each case is made along with a third on another thread. These two read the same images,
+    // blocks and records.
+    enum class Mode
+    {
+        Alone,
+        WithTwins
+    };
+    explicit Recorder(Mode mode);
+    ~Recorder();
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
 
-// What printAnnouncement() writes to the standard error stream if the process ends in a fault.
-void announce(const std::string& text);
-void printAnnouncement();
+    Mode mode() const
+    {
+        return mode_;
+    }
+    void add(const std::string& text, LumStatus status);
+    void add(const unsigned char* values, std::size_t bytes, Element element);
+
+    std::uint64_t digest() const
+    {
+        return digest_;
+    }
+    // What was called, with which statuses.
+    const std::string& text() const
+    {
+        return text_;
+    }
+
+  private:
+    void mix(std::uint64_t word);
+
+    const Mode mode_;
+    std::uint64_t digest_ = 1;
+    std::string text_;
+};
 
 // Sizes around lane counts for the most part; once in a while enough pixels for the treatment of large images.
 LumiSize chooseSize(Choices& choices);
@@ -174,6 +245,10 @@ int chooseWrongBorder(Choices& choices);
 
 // Makes one case of a function.
 using Run = std::function<void(Choices&, const std::string& function)>;
+
+// The kind of element that a number of 4 or 8 bytes is filled as; it decides the number's alignment.
+template <typename Number>
+constexpr Element numberElement = sizeof(Number) == 4 ? Element::S32 : Element::F64;
 
 // A function to be fuzzed.
 struct Target

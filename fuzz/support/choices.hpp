@@ -1,4 +1,7 @@
 // Where a fuzzed case takes its decisions from: the fuzzer's input first, then a generator seeded with that input.
+//
+// Compilers differ in the order in which they evaluate operands and arguments. Two decisions therefore stand in two
+// statements or in a list in braces, so that a number means the same case whoever compiled it.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +14,15 @@ namespace lumcv::fuzz {
 class Choices
 {
   public:
-    explicit Choices(std::uint64_t seed) : random_(seed) {}
+    // Rarities come up once in a while, or in each case, or in none.
+    enum class Rarities
+    {
+        Some,
+        All,
+        None
+    };
+
+    explicit Choices(std::uint64_t seed, Rarities rarities = Rarities::Some) : random_(seed), rarities_(rarities) {}
     Choices(const std::uint8_t* input, std::size_t size) : input_(input), left_(size), random_(hash(input, size)) {}
 
     // A number from first to last, both included.
@@ -36,7 +47,7 @@ class Choices
     // Not from the input: for what is too slow to be looked for again and again.
     bool rarely(int n)
     {
-        return random_.oneIn(n);
+        return rarities_ == Rarities::Some ? random_.oneIn(n) : rarities_ == Rarities::All;
     }
 
     template <typename T, std::size_t size>
@@ -62,6 +73,7 @@ class Choices
     const std::uint8_t* input_ = nullptr;
     std::size_t left_ = 0;
     test::Random random_;
+    Rarities rarities_ = Rarities::Some;
 };
 
 }  // namespace lumcv::fuzz

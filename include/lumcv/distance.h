@@ -515,8 +515,10 @@ LUMCV_API LumStatus lumiFastMarching_8u32f_C1R(const Lum8u* pSrc, Lum32s srcStep
  *     Lum32s bufferBytes = 0;
  *     LumStatus status = lumiFastMarchingGetBufferSize_8u32f_C1R(roiSize, &marchingBytes);
  *     if (status == lumOk)
- *         status = lumiInpaintGetSize(pMask, maskStep, roiSize, radius, lumInpaintByFront, 1, &specBytes,
- * &bufferBytes); if (status != lumOk) return status;
+ *         status =
+ *             lumiInpaintGetSize(pMask, maskStep, roiSize, radius, lumInpaintByFront, 1, &specBytes, &bufferBytes);
+ *     if (status != lumOk)
+ *         return status;
  *
  *     Lum32s distStep = roiSize.width * (Lum32s)sizeof(Lum32f);
  *     Lum32f* dist = malloc((size_t)distStep * (size_t)roiSize.height);

@@ -361,12 +361,12 @@ LUMCV_API LumStatus lumiEigenValsVecsBorder_8u32f_C1R(const Lum8u* pSrc, Lum32s 
  * `(double)scale * n4`, and `n4` the fourth power of `n` modulo 2 to the 32 (so a window of 256 gives 0 everywhere).
  *
  * **Scratch**, in bytes. `A()` rounds up to a multiple of 32, `L` is 2 for 8u images and 4 for 32f images, `t = n - 1`
- * and `m` as above. For a region of `w` by `h` pixels, extended to `w' = w + t` and `h' = h + t`:
- * - `Sd` is the size of the derivatives told in @ref eigen, for an image of `w'` by `h'` pixels, with aperture 3 for
+ * and `m` as above. For a region of `w` by `h` pixels, extended to `we = w + t` and `he = h + t`:
+ * - `Sd` is the size of the derivatives told in @ref eigen, for an image of `we` by `he` pixels, with aperture 3 for
  *   #lumMask3x3 and 5 for #lumMask5x5.
  * - `Sb = 512 * (((w + n + 14) / 16) | 1) + 63`; the division truncates, and `| 1` makes the number odd.
- * - `core(w, h) = A(4 w') * h' * 3 + A(L w') * h' * 2 + 64 + max(Sd, Sb + A(4 w') * h')`
- * - `tile(w, h) = (A(4 w') * 3 + (2 * L * w' + 62) / 64 * 64) * h' + max(Sd, Sb) + 64`
+ * - `core(w, h) = A(4 we) * he * 3 + A(L we) * he * 2 + 64 + max(Sd, Sb + A(4 we) * he)`
+ * - `tile(w, h) = (A(4 we) * 3 + (2 * L * we + 62) / 64 * 64) * he + max(Sd, Sb) + 64`
  *
  * With `near = (n - 1) / 2 + m` and `far = n / 2 + m`: if `near + far` is at least the width or the height of the ROI,
  * the size is `core(width, height)`. Otherwise it is the largest of `core(width, near)`, `core(near, height)`,

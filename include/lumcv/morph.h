@@ -24,7 +24,7 @@ extern "C" {
  *     dilation: dst(x, y) = maximum of src(x + i - anchorX, y + j - anchorY) over all (i, j) of m
  *     erosion:  dst(x, y) = minimum of the same pixels
  *
- * The element is not reflected. Channels are taken one by one. An empty element, and one of a single position, copy the
+ * The element is not reflected. Channels are taken one by one. An empty element, and one of 1 x 1 pixels, copy the
  * source and look at no pixel outside the ROI. An element larger than the image is allowed.
  *
  * In 32f images each comparison keeps the later of two equal pixels, in the order of the element's rows from the top,

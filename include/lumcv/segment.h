@@ -1037,8 +1037,10 @@ LUMCV_API LumStatus lumiLabelMarkers_8u32s_C1R(const Lum8u* pSrc, Lum32s srcStep
  *     Lum8u* buffer = malloc((size_t)bufferBytes);
  *     if (buffer == NULL)
  *         return lumErrNullPointer;
- *     status = lumiMarkSpeckles_16s_C1IR(pDisparity, disparityStep, roiSize, 0, largestSpeckle, 16, lumNormInf,
- * buffer); free(buffer); return status;
+ *     status =
+ *         lumiMarkSpeckles_16s_C1IR(pDisparity, disparityStep, roiSize, 0, largestSpeckle, 16, lumNormInf, buffer);
+ *     free(buffer);
+ *     return status;
  * }
  * @endcode
  *

@@ -6,7 +6,7 @@
 #include "frame/checks.hpp"
 #include "geometry/lens.hpp"
 #include "lumcv/geometry.h"
-#include "simd/float_mode.hpp"
+#include "simd/control.hpp"
 #include "simd/neighbours.hpp"
 
 namespace lumcv {

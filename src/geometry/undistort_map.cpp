@@ -2,7 +2,7 @@
 #include "frame/checks.hpp"
 #include "geometry/lens.hpp"
 #include "lumcv/geometry.h"
-#include "simd/float_mode.hpp"
+#include "simd/control.hpp"
 
 namespace lumcv {
 namespace {

@@ -69,9 +69,12 @@ template <int channels, class T>
 LumStatus gradientOf(Plane<const T> src, Plane<T> dst, LumiSizeL roiSize, LumiBorderType borderType,
                      const T* borderValue, const LumiMorphCompoundSpecL* pSpec, Lum8u* pBuffer)
 {
+    const auto checks = argumentChecks<channels>(src, dst, roiSize, borderType, borderValue, pSpec, pBuffer);
+    if (checks.failed())
+        return checks.status();
     const int64_t step = intermediateStep<T>(roiSize.width, channels);
     const LumStatus status =
-        argumentChecks<channels>(src, dst, roiSize, borderType, borderValue, pSpec, pBuffer)
+        Checks{}
             .require(!PassRules<Maximum, T, channels>::refusesInPlace || src.pixels != dst.pixels, lumErrInPlace)
             .then(PassRules<Maximum, T, channels>::limits(roiSize, src.step, dst.step))
             .then(PassRules<Minimum, T, channels>::limits(roiSize, src.step, step))

@@ -66,7 +66,7 @@ struct Element
         return flags & flag;
     }
 
-    /// An empty element and one of a single position copy the image and look at nothing around it.
+    /// An empty element and one of 1 x 1 pixels copy the image and look at nothing around it.
     bool copies() const
     {
         return is(shapeEmpty) || (width == 1 && height == 1);

@@ -1,4 +1,6 @@
 // What the compound operations refuse, in which order, and where the operations and the generations differ.
+#include <limits>
+
 #include "morph/morph_fixture.hpp"
 #include "morph/morph_status.hpp"
 #include "support/status_order.hpp"
@@ -205,6 +207,20 @@ TYPE_TEST(CompoundStatusQuick, StatusOfTheLimitIsThatOfThePass)
         EXPECT_EQ(status([](auto& a) { a.dstStep = Lum64s{1} << 40; }), stepLimitStatus<TypeParam>(passes.writing))
             << nameOf(operation);
         EXPECT_EQ(status([](auto& a) { a.roiSize.height = kTooLarge; }), lumErrSizeTooLarge) << nameOf(operation);
+    }
+}
+
+// Nothing is computed from a size before it is known to fit: the bytes of such a row do not fit 64 bits.
+TYPE_TEST(CompoundStatusQuick, LargestGeometryIsTooLarge)
+{
+    constexpr Lum64s largest = std::numeric_limits<Lum64s>::max();
+    for (const Operation operation : kCompounds) {
+        const StatusOperands<TypeParam> operands(operation, Generation::Large);
+        StatusArguments<TypeParam> args(operands);
+        args.roiSize = {largest, largest};
+        EXPECT_EQ(args.call(), lumErrSizeTooLarge) << nameOf(operation);
+        args.roiSize = {largest, 5};
+        EXPECT_EQ(args.call(), lumErrSizeTooLarge) << nameOf(operation);
     }
 }
 

@@ -1,20 +1,22 @@
 #!/usr/bin/env bash
-# The C examples in the public headers compile as they stand, without a warning, and do what is claimed: each example
-# defines a function, and header_examples/FUNCTION.c is the program that calls it.
-# usage: header_examples_test.sh INCLUDE_FOLDER LIBRARY LUMCORE_LIBRARY SANITIZER C_COMPILER
+# The C examples in the public headers and on the pages compile as they stand, without a warning, and do what is claimed:
+# each example defines a function, and header_examples/FUNCTION.c is the program that calls it.
+# usage: header_examples_test.sh INCLUDE_FOLDER PAGES_FOLDER LIBRARY LUMCORE_LIBRARY SANITIZER C_COMPILER
 set -u
 include=$1
-library=$2
-lumcore=$3
-sanitizer=$4
-compiler=$5
+pages=$2
+library=$3
+lumcore=$4
+sanitizer=$5
+compiler=$6
 here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-cat "$include"/lumcv/*.h | awk -v work="$work" '
-    /^ \* @code\{\.c\}/ { inside = 1; text = ""; name = ""; next }
-    /^ \* @endcode/ && inside { inside = 0; printf "%s", text > (work "/" name ".c"); next }
+# between @code and @endcode in headers, between ```c and ``` on pages
+cat "$include"/lumcv/*.h "$pages"/*.md | awk -v work="$work" '
+    /^ \* @code\{\.c\}/ || /^```c$/ { inside = 1; text = ""; name = ""; next }
+    (/^ \* @endcode/ || /^```$/) && inside { inside = 0; printf "%s", text > (work "/" name ".c"); next }
     inside {
         sub(/^ \* ?/, "")
         text = text $0 "\n"
@@ -41,7 +43,7 @@ done
 
 programs=$(find "$here/header_examples" -name '*.c' | wc -l)
 if [ "$count" -ne "$programs" ]; then
-    echo "$count examples in the headers, $programs programs that call them"
+    echo "$count examples in headers and pages, $programs programs that call them"
     failed=1
 fi
 exit $failed

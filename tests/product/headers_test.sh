@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Each public header compiles alone, as C11 and as C++17, without a warning; also when it is included twice.
+# Each public header compiles alone, as C11 and as C++17, without a warning; also when it is included twice. Those of the
+# C++ layer compile as C++20, with exceptions and without.
 # usage: headers_test.sh INCLUDE_FOLDER C_COMPILER CXX_COMPILER
 set -u
 include=$1
@@ -24,11 +25,25 @@ for path in "$include"/lumcv/*.h; do
     compile c++ "$header" "$3" -std=c++17
 done
 
-# the umbrella brings every piece
+for path in "$include"/lumcv/*.hpp; do
+    header=$(basename "$path")
+    compile c++ "$header" "$3" -std=c++20
+    compile c++ "$header" "$3" -std=c++20 -fno-exceptions
+done
+
+# the umbrellas bring every piece
 for path in "$include"/lumcv/*.h; do
     header=$(basename "$path")
     if [ "$header" != lumcv.h ] && ! grep -q "^#include \"$header\"$" "$include/lumcv/lumcv.h"; then
         echo "lumcv.h does not include $header"
+        failed=1
+    fi
+done
+
+for path in "$include"/lumcv/*.hpp; do
+    header=$(basename "$path")
+    if [ "$header" != lumcv.hpp ] && ! grep -q "^#include \"$header\"$" "$include/lumcv/lumcv.hpp"; then
+        echo "lumcv.hpp does not include $header"
         failed=1
     fi
 done

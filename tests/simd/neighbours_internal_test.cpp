@@ -9,8 +9,8 @@
 #include <cstring>
 #include <limits>
 
+#include "simd/control.hpp"
 #include "simd/drawn_lanes.hpp"
-#include "simd/float_mode.hpp"
 #include "support/guarded_block.hpp"
 #include "support/random.hpp"
 

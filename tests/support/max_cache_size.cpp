@@ -1,14 +1,14 @@
-// The stand-in for lumGetMaxCacheSizeB. Tests set it from one thread; the library may ask from several.
+// The stand-in for lumGetMaxCacheSizeB: each thread has its own answer.
 #include "support/max_cache_size.hpp"
 
-#include <atomic>
+#include <utility>
 
 #include "lumcore.h"
 #include "lumcv/types.h"
 
-static std::atomic<int> reportedStatus{lumErrGeneric};
-static std::atomic<int> reportedBytes{0};
-static std::atomic<long> callCount{0};
+static thread_local int reportedStatus = lumErrGeneric;
+static thread_local int reportedBytes = 0;
+static thread_local long callCount = 0;
 
 extern "C" int lumGetMaxCacheSizeB(int* pSizeByte)
 {
@@ -23,8 +23,8 @@ extern "C" int lumGetMaxCacheSizeB(int* pSizeByte)
 namespace lumcv::test {
 
 ReportedCacheSize::ReportedCacheSize(int status, int bytes)
-    : previousStatus_(reportedStatus.exchange(status)),
-      previousBytes_(reportedBytes.exchange(bytes)),
+    : previousStatus_(std::exchange(reportedStatus, status)),
+      previousBytes_(std::exchange(reportedBytes, bytes)),
       callsBefore_(callCount)
 {
 }

@@ -4,8 +4,8 @@
 
 namespace lumcv::test {
 
-/// While this lives the function returns the given status and stores the given size, whatever the status is: a caller
-/// that trusts the number of a failed query is found out.
+/// While this lives the function returns, to the thread that made this, the given status and stores the given size,
+/// whatever the status is: a caller that trusts the number of a failed query is found out.
 class ReportedCacheSize
 {
   public:
@@ -14,7 +14,7 @@ class ReportedCacheSize
     ReportedCacheSize(const ReportedCacheSize&) = delete;
     ReportedCacheSize& operator=(const ReportedCacheSize&) = delete;
 
-    /// How often the library has asked since this was made.
+    /// How often the library has asked in this thread since this was made.
     long calls() const;
 
   private:

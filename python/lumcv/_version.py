@@ -1,0 +1,3 @@
+"""The version of the library that this package was made with."""
+
+VERSION = "0.1.0"
