@@ -89,7 +89,8 @@ END {
             split(order[r], part, "\t")
             if (home[part[1]] != family[f]) continue
             if (!printed) {
-                print "\n## [" title[family[f]] "](" family[f] ".md)\n"
+                print "\n## " title[family[f]] "\n"
+                print "What these functions are for, tells [their page](" family[f] ".md).\n"
                 head = "| Function | Variant |"
                 for (s = 1; s <= 3; s++)
                     if (sizes[s] in measured) head = head " " words[sizes[s]] " |"
