@@ -24,6 +24,15 @@ BEGIN {
     builds = split(levels, level, " ")
     families = split("frame stats filter morph integral pyramid feature distance segment motion geometry", family, " ")
     split("1920x1080 8192x8192 64x64", sizes, " ")
+    about["1920x1080"] = "is the size to compare by."
+    about["8192x8192"] = "shows that cost grows with the pixels and little else. A copy of so much runs at the\n" \
+        "  speed of main memory."
+    about["64x64"] = "is the price of a call. Its copy never leaves the first cache, so that multiples are large; the\n" \
+        "  time of the call stands beside them. So short a time varies from run to run, now and then by half of itself."
+    for (s in sizes) {
+        words[sizes[s]] = sizes[s]
+        sub(/x/, " x ", words[sizes[s]])
+    }
 }
 
 FNR == 1 {
@@ -55,6 +64,7 @@ name ~ /\.tsv$/ {
         known[row] = 1
         order[++rows] = row
     }
+    measured[column[3]] = 1
     time[row, column[3], table] = column[4]
     multiple[row, column[3], table] = column[8]
 }
@@ -69,11 +79,9 @@ END {
     print "for each figure. The three builds are those that [the guide](guide.md) tells of; figures of one size stand in"
     gsub(/ /, " / ", levels)
     print "this order: " levels ". They are medians; differences of a few hundredths say nothing.\n"
-    print "- **1920 x 1080** is the size to compare by."
-    print "- **8192 x 8192** shows that cost grows with the pixels and little else. A copy of so much runs at the speed of"
-    print "  main memory."
-    print "- **64 x 64** is the price of a call. Its copy never leaves the first cache, so that multiples are large; the"
-    print "  time of the call stands beside them.\n"
+    for (s = 1; s <= 3; s++)
+        if (sizes[s] in measured) print "- **" words[sizes[s]] "** " about[sizes[s]]
+    print ""
     print "Where an operation is measured on an image of its own, its variant tells the size, and all columns tell of that."
     for (f = 1; f <= families; f++) {
         printed = 0
@@ -81,15 +89,22 @@ END {
             split(order[r], part, "\t")
             if (home[part[1]] != family[f]) continue
             if (!printed) {
-                print "\n## [" title[family[f]] "](" family[f] ".md)\n"
-                print "| Function | Variant | 1920 x 1080 | 8192 x 8192 | 64 x 64 | One call of 64 x 64 |"
-                print "|---|---|---|---|---|---|"
+                print "\n## " title[family[f]] "\n"
+                print "What these functions are for, tells [their page](" family[f] ".md).\n"
+                head = "| Function | Variant |"
+                for (s = 1; s <= 3; s++)
+                    if (sizes[s] in measured) head = head " " words[sizes[s]] " |"
+                if ("64x64" in measured) head = head " One call of 64 x 64 |"
+                print head
+                gsub(/[^|]+/, "---", head)
+                print head
                 printed = 1
             }
             done[order[r]] = 1
             printf "| `%s` | %s |", part[1], part[2] == "-" ? "" : part[2]
-            for (s = 1; s <= 3; s++) printf " %s |", cell(order[r], sizes[s], "multiple")
-            printf " %s |\n", cell(order[r], "64x64", "time")
+            for (s = 1; s <= 3; s++)
+                if (sizes[s] in measured) printf " %s |", cell(order[r], sizes[s], "multiple")
+            print "64x64" in measured ? " " cell(order[r], "64x64", "time") " |" : ""
         }
     }
     for (r = 1; r <= rows; r++)
