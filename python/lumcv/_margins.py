@@ -7,9 +7,11 @@ from typing import Any, Dict, Optional, Tuple
 
 import numpy
 
+from ._table import CONSTANTS
+
 Margins = Tuple[int, int, int, int]
 
-LEFT, TOP, RIGHT, BOTTOM = 0x40, 0x10, 0x80, 0x20
+LEFT, TOP, RIGHT, BOTTOM = (CONSTANTS[f"lumBorderInMem{side}"][0] for side in ("Left", "Top", "Right", "Bottom"))
 
 
 def laid_reach(init: str, values: Dict[str, Any]) -> Optional[Margins]:
@@ -22,9 +24,9 @@ def laid_reach(init: str, values: Dict[str, Any]) -> Optional[Margins]:
         left, top = (width - 1) // 2, (height - 1) // 2
         return left, top, width - 1 - left, height - 1 - top
     if values.get("pMask") is not None and "maskSize" in values:
-        # elements of a single position look at no pixel but their own
-        alone = numpy.count_nonzero(values["pMask"]) < 2
-        x, y = (0, 0) if alone else (values["maskSize"].width // 2, values["maskSize"].height // 2)
+        # an empty element copies and looks at no other pixel, which one of 1 x 1 does not reach
+        empty = not numpy.any(values["pMask"])
+        x, y = (0, 0) if empty else (values["maskSize"].width // 2, values["maskSize"].height // 2)
         return x, y, x, y
     return None
 

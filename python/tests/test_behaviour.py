@@ -162,7 +162,9 @@ def test_border_flags_of_every_kind_of_filter() -> None:
     lumcv.lumiFilterLowpassBorder_8u_C1R(view, out, lumcv.lumMask3x3, top, 0, scratch)
     with pytest.raises(ValueError, match="top 2"):
         lumcv.lumiFilterLowpassBorder_8u_C1R(view, out, lumcv.lumMask5x5, top, 0, scratch)
-    for height, mask, reaches in ((3, [1] * 9, 1), (5, [1] * 15, 2), (5, [0] * 7 + [1] + [0] * 7, 0)):
+    # of a larger element all of it is looked at, wherever its positions are; an empty one copies
+    centre, corner = [0] * 7 + [1] + [0] * 7, [1] + [0] * 14
+    for height, mask, reaches in ((3, [1] * 9, 1), (5, [1] * 15, 2), (5, centre, 2), (5, corner, 2), (5, [0] * 15, 0)):
         spec = lumcv.Record(4096)
         lumcv.lumiMorphologyBorderInit_8u_C1R((40, 30), mask, (3, height), spec, scratch)
         if reaches < 2:
