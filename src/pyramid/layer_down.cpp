@@ -15,7 +15,7 @@
 namespace lumcv {
 namespace {
 
-template <class T, int channels, int count>
+template <class T, int channels>
 class LayerDown
 {
   public:
@@ -52,6 +52,7 @@ class LayerDown
   private:
     using Input = RowInput<T>;
     using Sample = Smoothed<T>;
+    using Sources = TapSources<Input>;
 
     void takeEverySecond()
     {
@@ -65,10 +66,10 @@ class LayerDown
             gatherRows(std::min(2 * y, srcRoi_.height - 1));
             if constexpr (std::is_same_v<T, Lum8u>)
                 if (isDirect_) {
-                    columnPass<T, count, ColumnResult::Direct>(taps_, kernelSize_, rows_, elements_, dst_.row(y));
+                    convolveColumns<ColumnResult::Direct>(dst_.row(y));
                     continue;
                 }
-            columnPass<T, count, ColumnResult::Pixels>(taps_, kernelSize_, rows_, elements_, dst_.row(y));
+            convolveColumns<ColumnResult::Pixels>(dst_.row(y));
         }
     }
 
@@ -91,7 +92,7 @@ class LayerDown
             Sample* const row = sampled + i % 2 * dstPitch;
             if (done[i % 2] != i) {
                 gatherRows(i);
-                columnPass<T, count, ColumnResult::Smoothed>(taps_, kernelSize_, rows_, elements_, smoothed);
+                convolveColumns<ColumnResult::Smoothed>(smoothed);
                 for (int c = 0; c < channels; ++c)  // so that every sample has a right neighbour
                     smoothed[elements_ + c] = smoothed[elements_ - channels + c];
                 sampleRow(smoothed, indices, weights, row);
@@ -162,33 +163,40 @@ class LayerDown
     {
         const int64_t width = srcRoi_.width;
         if (!isEverySecond_) {
+            const Sources sources{extended_, extended_ + channels, 2 * channels};
             convertRow(row, width * channels, extended_ + reach_ * channels);
-            repeatEnds([this](int64_t i) { return extended_ + i * channels; });
-            rowPass<T, count>(
-                taps_, kernelSize_, [from = extended_](int64_t j) { return from + j * channels; }, elements_, to);
+            repeatEnds(sources);
+            convolveRow(sources, elements_, to);
             return;
         }
-        // pixel i of the extended row
-        const auto place = [even = extended_, odd = extended_ + (width + 2 * reach_ + 1) / 2 * channels](int64_t i) {
-            return (i % 2 ? odd : even) + i / 2 * channels;
-        };
-        separatePixels(row, place(reach_), place(reach_ + 1));
-        repeatEnds(place);
+        const Sources sources{extended_, extended_ + (width + 2 * reach_ + 1) / 2 * channels, channels};
+        separatePixels(row, sources(reach_), sources(reach_ + 1));
+        repeatEnds(sources);
         const int64_t within = std::min(elements_, (width + 1) / 2 * channels);
-        rowPass<T, count>(taps_, kernelSize_, place, within, to);
+        convolveRow(sources, within, to);
         if (within < elements_) {  // at a rate just below 2 there is one more: the last pixel
-            const auto atEnd = [=](int64_t j) { return place(width - 1 + j); };
-            rowPass<T, count>(taps_, kernelSize_, atEnd, channels, to + within);
+            convolveRow(sources.from(width - 1), channels, to + within);
             for (int64_t x = within + channels; x < elements_; ++x)
                 to[x] = to[x - channels];
         }
     }
 
-    /// Repeats the end pixels of the extended row, whose pixel i is at place(i).
-    template <class Place>
-    void repeatEnds(Place place) const
+    void convolveRow(Sources sources, int64_t n, Sample* to) const
     {
-        const auto copy = [=](int64_t from, int64_t to) { std::copy_n(place(from), channels, place(to)); };
+        withTapCount(kernelSize_, [=, this](auto count) { rowPass<T, count>(taps_, kernelSize_, sources, n, to); });
+    }
+
+    template <ColumnResult result, class Out>
+    void convolveColumns(Out* to) const
+    {
+        withTapCount(kernelSize_,
+                     [=, this](auto count) { columnPass<T, count, result>(taps_, kernelSize_, rows_, elements_, to); });
+    }
+
+    /// Repeats the end pixels of the extended row, whose pixel i is at sources(i).
+    void repeatEnds(Sources sources) const
+    {
+        const auto copy = [=](int64_t from, int64_t to) { std::copy_n(sources(from), channels, sources(to)); };
         for (int64_t i = 0; i < reach_; ++i) {
             copy(reach_, i);
             copy(reach_ + srcRoi_.width - 1, reach_ + srcRoi_.width + i);
@@ -248,8 +256,7 @@ LumStatus layerDown(Plane<const T> src, Size srcRoi, Plane<T> dst, Size dstRoi,
     const LumiSizeL from{srcRoi.width, srcRoi.height}, to = sizeBelow(from, pState->rate);
     if (dstRoi.width != to.width || dstRoi.height != to.height)
         return lumErrSize;
-    withTapCount(pState->kernelSize,
-                 [&](auto count) { LayerDown<T, channels, count>(*pState, src, from, dst, to).run(); });
+    LayerDown<T, channels>(*pState, src, from, dst, to).run();
     return lumOk;
 }
 

@@ -67,6 +67,23 @@ template <class T>
     });
 }
 
+/// Where the elements begin that the taps of a row meet: those of even taps and of odd ones `step` apart each.
+template <class Element>
+struct TapSources
+{
+    Element *even, *odd;
+    int64_t step;
+
+    Element* operator()(int64_t j) const
+    {
+        return (j % 2 ? odd : even) + j / 2 * step;
+    }
+    TapSources from(int64_t j) const
+    {
+        return {(*this)(j), (*this)(j + 1), step};
+    }
+};
+
 /// The sum over `count` (or, for 0, kernelSize) taps of tap j times the elements from source(j) on; of words in 32
 /// bits.
 template <int count, int lanes, class Tap, class Source>
@@ -88,9 +105,9 @@ template <int count, int lanes, class Tap, class Source>
 }
 
 /// The row pass: n elements, of which tap j meets those from source(j) on.
-template <class T, int count, class Source>
-[[gnu::flatten]] inline void rowPass(const LayerTap<T>* taps, Lum32s kernelSize, Source source, int64_t n,
-                                     Smoothed<T>* to)
+template <class T, int count>
+[[gnu::flatten]] inline void rowPass(const LayerTap<T>* taps, Lum32s kernelSize, TapSources<RowInput<T>> source,
+                                     int64_t n, Smoothed<T>* to)
 {
     Lum32u centre = 0;  // what the words lack
     if constexpr (std::is_same_v<T, Lum16u>)
