@@ -21,9 +21,11 @@ auto history(Update<T> update)
         Call call = beginCall(choices, name);
         ImageOperand silhouette{Role::Mask, elementOf<T>()};
         silhouette.halfZero = true;
-        call.images = {silhouette, {Role::Updated, Element::F32}};
         const Lum32f time = choices.oneOf(times);
         call.arguments.parameter = choices.oneOf(durations);
+        ImageOperand stamps{Role::Updated, Element::F32};
+        stamps.often = time - call.arguments.parameter;  // what is just not too old
+        call.images = {silhouette, stamps};
         for (const Lum32f wrong : {-1e-30f, -1.0f, -infinity})
             call.violations.push_back(
                 {"duration " + std::to_string(wrong), {lumErrOutOfRange}, [=](Arguments& a) { a.parameter = wrong; }});

@@ -294,6 +294,10 @@ class Memory
                 for (std::size_t i = 0; i < bytes; ++i)
                     if (values.oneIn(2))
                         row[i] = 0;
+            if (operand.often)
+                for (std::size_t at = 0; at + sizeof(Lum32f) <= bytes; at += sizeof(Lum32f))
+                    if (values.oneIn(4))
+                        std::memcpy(row + at, &*operand.often, sizeof(Lum32f));
         }
     }
 

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -101,6 +102,8 @@ struct ImageOperand
     int leastExtra = 0;  // how many of these columns the stride is held against
     // Of an updated image: half of its elements are zero, as in a mask.
     bool halfZero = false;
+    // Of floats: a value that a quarter of the elements have, where a comparison turns on it.
+    std::optional<Lum32f> often = {};
     // Of a 1-bit image, whose elements are the bytes that its pixels lie in: which bits of a row may be written.
     int firstBit = 0, bitCount = 0;
 };
