@@ -106,7 +106,8 @@ class CloseList
     }
 
   private:
-    static constexpr int lanes = simd::registerLanes<Lum32s>;
+    /// Of 16 bytes at all levels, which votes leave two at a time.
+    static constexpr int lanes = 4;
     /// Points that follow each other often vote for the same cell, and a counter waits for its last increment; so the
     /// votes of distant parts of the list take turns.
     static constexpr int parts = 8;
