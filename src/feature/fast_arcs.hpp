@@ -26,26 +26,43 @@ struct Candidates
     simd::Vec<Lum8u, N> bright, dark;
 };
 
-/// An arc has one point of each pair of opposite ones: asks two of those pairs, from point `first` on.
+/// Of pairs of opposite points, the least of the brighter ones and the greatest of the darker ones.
+template <int N>
+struct Opposites
+{
+    simd::Vec<Lum8u, N> brightest, darkest;
+
+    /// An arc has one point of each pair.
+    [[gnu::always_inline]] Candidates<N> candidates(const Limits<N>& limits) const
+    {
+        return {simd::subtractSaturated(brightest, limits.upper), simd::subtractSaturated(limits.lower, darkest)};
+    }
+};
+
+/// Of two pairs, from point `first` on.
 template <int N, class Ring>
-[[gnu::always_inline]] inline Candidates<N> candidates(const Ring& ring, const Lum8u* p, const Limits<N>& limits,
-                                                       int first)
+[[gnu::always_inline]] inline Opposites<N> opposites(const Ring& ring, const Lum8u* p, int first)
 {
     const int quarter = ring.points() / 4;
     const auto point = [&](int i) { return simd::load<N>(p + ring.offsets[first + i * quarter]); };
     const auto a = point(0), b = point(1), c = point(2), d = point(3);
-    const auto brightest = simd::min(simd::max(a, c), simd::max(b, d));
-    const auto darkest = simd::max(simd::min(a, c), simd::min(b, d));
-    return {simd::subtractSaturated(brightest, limits.upper), simd::subtractSaturated(limits.lower, darkest)};
+    return {simd::min(simd::max(a, c), simd::max(b, d)), simd::max(simd::min(a, c), simd::min(b, d))};
 }
 
-/// Asks the pairs that lie between those of the other test, too.
+/// Asks two pairs.
+template <int N, class Ring>
+[[gnu::always_inline]] inline Candidates<N> candidates(const Ring& ring, const Lum8u* p, const Limits<N>& limits)
+{
+    return opposites<N>(ring, p, 0).candidates(limits);
+}
+
+/// Asks the pairs that lie between those, too.
 template <int N, class Ring>
 [[gnu::always_inline]] inline Candidates<N> closeCandidates(const Ring& ring, const Lum8u* p, const Limits<N>& limits)
 {
-    const auto some = candidates(ring, p, limits, 0);
-    const auto others = candidates(ring, p, limits, ring.points() / 8);
-    return {simd::min(some.bright, others.bright), simd::min(some.dark, others.dark)};
+    const auto some = opposites<N>(ring, p, 0), others = opposites<N>(ring, p, ring.points() / 8);
+    return Opposites<N>{simd::min(some.brightest, others.brightest), simd::max(some.darkest, others.darkest)}
+        .candidates(limits);
 }
 
 /// The ring of radius 3 with arcs of nine points.
@@ -58,13 +75,13 @@ struct NineOfSixteen
         return 16;
     }
 
-    /// The greatest, over all arcs, of the smallest excess in the arc; excess(i) is that of point i.
-    template <int N, class Excess>
-    [[gnu::always_inline]] simd::Vec<Lum8u, N> best(Excess excess) const
+    /// The greatest, over all arcs, of the smallest byte in the arc; byte(i) is that of point i.
+    template <int N, class Byte>
+    [[gnu::always_inline]] simd::Vec<Lum8u, N> best(Byte byte) const
     {
         simd::Vec<Lum8u, N> e[16], pairs[16], fours[16];
         for (int i = 0; i < 16; ++i)
-            e[i] = excess(i);
+            e[i] = byte(i);
         // the eight points from each odd one on belong to two arcs, which differ in their ninth point
         for (int i = 1; i < 16; i += 2)
             pairs[i] = simd::min(e[i], e[(i + 1) % 16]);
@@ -90,13 +107,13 @@ struct AnyRing
         return points_;
     }
 
-    template <int N, class Excess>
-    [[gnu::always_inline]] simd::Vec<Lum8u, N> best(Excess excess) const
+    template <int N, class Byte>
+    [[gnu::always_inline]] simd::Vec<Lum8u, N> best(Byte byte) const
     {
         const int n = points_;
         simd::Vec<Lum8u, N> e[2 * mostPoints];
         for (int i = 0; i < n; ++i)
-            e[i] = excess(i);
+            e[i] = byte(i);
         // e[i] becomes the smallest of the `reach` points from i on
         const auto widen = [&](int by) {
             for (int i = 0; i < by; ++i)
@@ -115,14 +132,16 @@ struct AnyRing
     }
 };
 
-/// By how much the best arc of each of the N pixels at p exceeds the limit; 0 where there is none.
-template <bool isBright, int N, class Ring>
-[[gnu::always_inline]] inline simd::Vec<Lum8u, N> bestArcs(const Ring& ring, const Lum8u* p, const Limits<N>& limits)
+/// By how much the best arc of each of the N pixels at p exceeds the limit; 0 where there is none. Where `inverted` is
+/// 255 and not 0, the arcs are dark ones: those are bright in the inverted image.
+template <int N, class Ring>
+[[gnu::always_inline]] inline simd::Vec<Lum8u, N> bestArcs(const Ring& ring, const Lum8u* p,
+                                                           simd::Vec<Lum8u, N> inverted, Lum8u threshold)
 {
-    return ring.template best<N>([&](int i) {
-        const auto point = simd::load<N>(p + ring.offsets[i]);
-        return isBright ? simd::subtractSaturated(point, limits.upper) : simd::subtractSaturated(limits.lower, point);
-    });
+    const auto byteAt = [=](int64_t offset) { return simd::load<N>(p + offset) ^ inverted; };
+    // what is left of the least byte of an arc is the least excess of its points
+    const auto best = ring.template best<N>([&](int i) { return byteAt(ring.offsets[i]); });
+    return simd::subtractSaturated(best, simd::addSaturated(byteAt(0), simd::broadcast<N>(threshold)));
 }
 
 }  // namespace lumcv::fast

@@ -91,21 +91,43 @@ class Places
     int64_t places_[room];
 };
 
-/// Marks the corners with a bright arc, or with a dark one, of the blocks at these places of a row of n pixels.
-template <bool isBright, bool withScores, int N, class Places, class Ring, class Orientations>
+/// Blocks that may have arcs, and which arcs are asked for: see bestArcs().
+template <int room, int N>
+struct ArcPlaces
+{
+    int count = 0;
+    int64_t begins[room];
+    Lum8u inverted[room][N];
+
+    /// Asks each pixel for a dark arc if it cannot have a bright one; a pixel that may have either is asked twice.
+    [[gnu::always_inline]] void add(int64_t begin, const Candidates<N>& found)
+    {
+        const auto none = simd::broadcast<N>(Lum8u{0}), all = simd::broadcast<N>(Lum8u{255});
+        const auto isNotBright = simd::equal(found.bright, none);
+        begins[count] = begin;
+        simd::store(inverted[count], simd::select(isNotBright, all, none));
+        count += simd::anyNonZero(found.bright | found.dark);
+        begins[count] = begin;
+        simd::store(inverted[count], simd::select(isNotBright, none, all));
+        count += simd::anyNonZero(simd::min(found.bright, found.dark));
+    }
+};
+
+/// Marks the corners with the arcs that are asked for at these places of a row of n pixels.
+template <bool withScores, int N, class Places, class Ring, class Orientations>
 [[gnu::always_inline]] inline Lum32s markBlocks(const Places& places, const Ring& ring, const Lum8u* row, int64_t n,
                                                 Lum8u threshold, Marks marks, Orientations& orientations)
 {
     const auto zero = simd::broadcast<N>(Lum8u{0});
-    const auto kind = simd::broadcast<N>(isBright ? brightCorner : darkCorner);
+    const auto bright = simd::broadcast<N>(brightCorner), dark = simd::broadcast<N>(darkCorner);
     Lum32s total = 0;
-    for (const int64_t begin : places) {
-        const Block<N> block(begin, n);
+    for (int i = 0; i < places.count; ++i) {
+        const Block<N> block(places.begins[i], n);
         const Lum8u* const p = row + block.x;
-        const auto best = bestArcs<isBright>(ring, p, Limits<N>(p, threshold));
-        if (!simd::anyNonZero(best))
-            continue;
+        const auto inverted = simd::load<N>(places.inverted[i]);
+        const auto best = bestArcs(ring, p, inverted, threshold);
         const auto isNone = simd::equal(best, zero);
+        const auto kind = simd::select(simd::equal(inverted, zero), bright, dark);
         merge(marks.corners + block.x, simd::select(isNone, zero, kind));
         if constexpr (withScores)
             merge(marks.scores + block.x, simd::select(isNone, zero, best + simd::broadcast<N>(threshold)));
@@ -124,20 +146,18 @@ template <bool withScores, class Ring, class Orientations>
         Lum32s total = 0;
         for (int64_t begin = 0; begin < n; begin += blocks * lanes) {
             const int64_t end = begin + blocks * lanes < n ? begin + blocks * lanes : n;
-            Places<blocks> either, bright, dark;
+            Places<blocks> likely;
             for (int64_t x = begin; x < end; x += lanes) {
                 const Lum8u* const p = row + Block<lanes>(x, n).x;
-                const auto found = candidates(ring, p, Limits<lanes>(p, threshold), 0);
-                either.add(x, simd::anyNonZero(found.bright | found.dark));
+                const auto found = candidates(ring, p, Limits<lanes>(p, threshold));
+                likely.add(x, simd::anyNonZero(found.bright | found.dark));
             }
-            for (const int64_t x : either) {
+            ArcPlaces<2 * blocks, lanes> places;
+            for (const int64_t x : likely) {
                 const Lum8u* const p = row + Block<lanes>(x, n).x;
-                const auto found = closeCandidates(ring, p, Limits<lanes>(p, threshold));
-                bright.add(x, simd::anyNonZero(found.bright));
-                dark.add(x, simd::anyNonZero(found.dark));
+                places.add(x, closeCandidates(ring, p, Limits<lanes>(p, threshold)));
             }
-            total += markBlocks<true, withScores, lanes>(bright, ring, row, n, threshold, marks, orientations);
-            total += markBlocks<false, withScores, lanes>(dark, ring, row, n, threshold, marks, orientations);
+            total += markBlocks<withScores, lanes>(places, ring, row, n, threshold, marks, orientations);
         }
         return total;
     });

@@ -82,24 +82,35 @@ class CloseList
         const Lum32s addend = (plane.centre << 10) + 512;
         const auto couple = static_cast<Lum32u>(normal.cosine & 0xffff) | static_cast<Lum32u>(normal.sine) << 16;
         const Lum16s* const points = points_;
-        int64_t i = 0;
-        for (; i + step <= count_; i += step) {
-            alignas(64) Lum32s voted[step];
-            for (int j = 0; j < step; j += lanes) {
+        const int64_t part = count_ / parts / lanes * lanes;
+        for (int64_t i = 0; i < part; i += lanes) {
+            alignas(64) Lum32s voted[parts][lanes];
+            for (int k = 0; k < parts; ++k) {
                 const auto factors = simd::reinterpreted<Lum16s>(simd::broadcast<lanes>(static_cast<Lum32s>(couple)));
-                const auto products = simd::neighbourProducts(simd::load<2 * lanes>(points + 2 * (i + j)), factors);
-                simd::store(voted + j, (products + simd::broadcast<lanes>(addend)) >> 10);
+                const auto couples = simd::load<2 * lanes>(points + 2 * (k * part + i));
+                simd::store(voted[k],
+                            (simd::neighbourProducts(couples, factors) + simd::broadcast<lanes>(addend)) >> 10);
             }
-            for (int j = 0; j < step; ++j)
-                ++cells[voted[j]];
+            for (int j = 0; j < lanes; j += 2) {
+                uint64_t twoVotes[parts];
+                for (int k = 0; k < parts; ++k)
+                    __builtin_memcpy(twoVotes + k, voted[k] + j, sizeof *twoVotes);
+                for (const uint64_t votes : twoVotes)
+                    ++cells[static_cast<Lum32u>(votes)];
+                for (const uint64_t votes : twoVotes)
+                    ++cells[votes >> 32];
+            }
         }
-        for (; i < count_; ++i)
+        for (int64_t i = parts * part; i < count_; ++i)
             ++cells[(points[2 * i] * normal.cosine + points[2 * i + 1] * normal.sine + addend) >> 10];
     }
 
   private:
-    static constexpr int lanes = simd::registerLanes<Lum32s>;
-    static constexpr int step = 16;
+    /// Of 16 bytes at all levels, which votes leave two at a time.
+    static constexpr int lanes = 4;
+    /// Points that follow each other often vote for the same cell, and a counter waits for its last increment; so the
+    /// votes of distant parts of the list take turns.
+    static constexpr int parts = 8;
 
     Lum16s* points_;
     int64_t count_;

@@ -89,17 +89,43 @@ class BitImage
     LumiSize size_;
 };
 
-/// Draws points in an order that looks random and is the same in each call.
-class Generator
+/// Takes points out of a list, in an order that looks random and is the same in each call.
+class Lottery
 {
   public:
-    Lum32u below(Lum32u count)
+    /// Of a number of points that is not zero.
+    Lottery(ListedPoint* points, Lum32u count) : points_(points), remaining_(count)
     {
-        state_ = (state_ & 0xffffffff) * 0xF83F630A + (state_ >> 32);
-        return static_cast<Lum32u>(state_) % count;
+        draw();
+    }
+
+    bool isEmpty() const
+    {
+        return remaining_ == 0;
+    }
+
+    LumiPoint take()
+    {
+        const LumiPoint taken{next_.x, next_.y};
+        points_[drawn_] = points_[--remaining_];
+        if (remaining_ > 0)
+            draw();
+        return taken;
     }
 
   private:
+    /// Reads the next point while there is something else to do, for a place that is drawn is seldom in a cache.
+    void draw()
+    {
+        state_ = (state_ & 0xffffffff) * 0xF83F630A + (state_ >> 32);
+        drawn_ = static_cast<Lum32u>(state_) % remaining_;
+        next_ = points_[drawn_];
+    }
+
+    ListedPoint* points_;
+    Lum32u remaining_;
+    Lum32u drawn_;
+    ListedPoint next_;
     uint64_t state_ = ~uint64_t{0};
 };
 
@@ -136,14 +162,14 @@ struct Scratch
     }
 };
 
-/// The angle with the most votes.
+/// The angle with the most votes; none as long as it is negative.
 struct Best
 {
-    Lum32s votes = 0;
-    Lum32s angle = 0;
+    Lum32s votes;
+    Lum32s angle = -1;
 };
 
-/// The counters of all cells. `Count` holds the votes of all points; if `isChecked`, votes may fall outside.
+/// The counters of all cells. `Count` holds the votes of all points of a cell; if `isChecked`, votes may fall outside.
 template <class Count, bool isChecked>
 class Votes
 {
@@ -152,18 +178,22 @@ class Votes
         : counters_(reinterpret_cast<Counter<Count>*>(counters)), normals_(call.record->normals()), plane_(plane)
     {
         __builtin_memset(counters, 0, static_cast<size_t>(Scratch::counterCount(plane)) * sizeof(Count));
+        for (int i = 0; i < simd::restLanes; ++i)
+            centres_[i] = static_cast<Lum32s>(int64_t{plane.cells} * i + plane.centre);
     }
 
-    /// Adds those of a point and tells the angle that has the most now, the first one of equal ones.
-    [[gnu::flatten]] Best add(Lum32s x, Lum32s y)
+    /// Adds those of a point and tells the angle that has the most now, the first one of equal ones, or a negative
+    /// number if all have less than `threshold`: points that reach it are rare, and other maxima are not worth a
+    /// branch.
+    [[gnu::flatten]] Lum32s add(Lum32s x, Lum32s y, Lum32s threshold)
     {
-        Best best;
+        Best best{threshold - 1};
         eachCell(x, y, [&best](Counter<Count>& counter, Lum32s angle) {
             const Lum32s votes = ++counter.votes;
             if (votes > best.votes)
                 best = {votes, angle};
         });
-        return best;
+        return best.angle;
     }
 
     [[gnu::flatten]] void remove(Lum32s x, Lum32s y)
@@ -181,17 +211,22 @@ class Votes
             const auto all = [lanes](Lum32s n) { return simd::broadcast<lanes>(static_cast<Lum32f>(n)); };
             const auto cells = simd::truncated(all(x) * normals.a + all(y) * normals.b);
             Lum32s cell[lanes];
-            simd::store(cell, cells + simd::broadcast<lanes>(plane_.centre));
-            Counter<Count>* row = counters_ + angle * plane_.cells;
-            for (int i = 0; i < lanes; ++i, row += plane_.cells)
-                if (!isChecked || static_cast<Lum32u>(cell[i]) < static_cast<Lum32u>(plane_.cells))
-                    use(row[cell[i]], static_cast<Lum32s>(angle) + i);
+            simd::store(cell, cells + simd::load<lanes>(centres_));
+            Counter<Count>* const first = counters_ + angle * plane_.cells;
+            const auto rowLength = static_cast<Lum32u>(plane_.cells);
+            for (Lum32u i = 0; i < lanes; ++i) {
+                const auto at = static_cast<Lum32u>(cell[i]);
+                if (!isChecked || at - i * rowLength < rowLength)
+                    use(first[at], static_cast<Lum32s>(angle) + static_cast<Lum32s>(i));
+            }
         });
     }
 
     Counter<Count>* counters_;
     const Lum32f* normals_;
     Plane plane_;
+    /// Where the cells through the first pixel are, of the angles of a vector. They fit: so do the counters of as many.
+    Lum32s centres_[simd::restLanes];
 };
 
 /// Steps along a line, in 16.16 fixed point.
@@ -263,21 +298,19 @@ void consume(BitImage& image, LumiPoint from, Direction direction, LumiPoint to,
 }
 
 template <class Count, bool isChecked>
-LumStatus findSegments(const Call& call, const Plane& plane, const Scratch& scratch, BitImage image, Lum32u remaining)
+LumStatus findSegments(const Call& call, const Plane& plane, const Scratch& scratch, BitImage image, Lum32u count)
 {
     Votes<Count, isChecked> votes(call, plane, scratch.counters);
     const Lum32f* const normals = call.record->normals();
-    Generator generator;
-    for (; remaining > 0; --remaining) {
-        const Lum32u drawn = generator.below(remaining);
-        const LumiPoint point{scratch.points[drawn].x, scratch.points[drawn].y};
-        scratch.points[drawn] = scratch.points[remaining - 1];
+    Lottery lottery(scratch.points, count);
+    while (!lottery.isEmpty()) {
+        const LumiPoint point = lottery.take();
         if (!image.isSet(point.x, point.y))
             continue;
-        const Best best = votes.add(point.x, point.y);
-        if (best.votes < call.threshold)
+        const Lum32s angle = votes.add(point.x, point.y, call.threshold);
+        if (angle < 0)
             continue;
-        const auto normal = simd::loadCouples<1>(normals + 2 * int64_t{best.angle});
+        const auto normal = simd::loadCouples<1>(normals + 2 * int64_t{angle});
         const Direction direction(normal.a.raw, normal.b.raw);
         const LumiPoint start = endOf(image, point, direction, call.lineGap);
         const LumiPoint end = endOf(image, point, direction.opposite(), call.lineGap);
@@ -319,6 +352,16 @@ bool areAllInside(const Call& call, const Plane& plane)
     return true;
 }
 
+/// Whether fewer points than 16 bits count lie in a cell. They are all in a strip of two cells, which is where
+/// truncation widens it; no row, or no column, has more than 2 * sqrt(2) * rho + 2 pixels of that.
+bool areFewInCell(const Call& call, Lum32u count)
+{
+    constexpr Lum32u limit = 32767;
+    const Lum64f inRow = 4 * static_cast<Lum64f>(call.record->delta.rho) + 2;
+    const Lum64f rows = call.roiSize.width > call.roiSize.height ? call.roiSize.width : call.roiSize.height;
+    return count < limit || inRow * rows < limit;
+}
+
 /// What is done while the rounding is changed.
 [[gnu::noinline]] LumStatus findSegments(const Call& call, const Plane& plane)
 {
@@ -334,7 +377,7 @@ bool areAllInside(const Call& call, const Plane& plane)
     if (count == 0)
         return lumOk;
     const bool isChecked = !areAllInside(call, plane);
-    if (count < 32767)
+    if (areFewInCell(call, count))
         return isChecked ? findSegments<Lum16s, true>(call, plane, scratch, image, count)
                          : findSegments<Lum16s, false>(call, plane, scratch, image, count);
     return isChecked ? findSegments<Lum32s, true>(call, plane, scratch, image, count)

@@ -118,6 +118,20 @@ TEST(HoughProgressive, ManyPoints)
     }
 }
 
+// From 32767 points on cells have 16 bits all the same if none can count as many, which a rho of 40.4 just allows here.
+TEST(HoughProgressive, ManyPointsInNarrowCells)
+{
+    constexpr LumiSize size = {200, 190};
+    Image<Lum8u> image(Placement{}.layout(size));
+    image.forEach(Area::Roi, [](Lum8u& element, int, int, int) { element = 1; });
+    for (const Lum32f rho : {1.0f, 7.0f, 40.4f, 40.5f, 100.0f}) {
+        for (const int threshold : {5, 100, 7000}) {
+            expectSegments(image, {rho, 0.3f}, {threshold, 150, 0, 400});
+        }
+        EXPECT_GT(expectSegments(image, {rho, 0.3f}, {100, 150, 0, 400}), 0) << rho;
+    }
+}
+
 // Counts that have become negative have to be made up for: a second line in the cells of the first.
 TEST(HoughProgressive, NegativeCounts)
 {
