@@ -33,9 +33,11 @@ class BinomialDown
         begin(src_.row(0));
         const auto row = [this](int64_t y) { return src_.row(std::min(y, lastRow_)); };
         int64_t y = 0;
-        for (; y + 1 < dstRoi_.height; y += 2)
-            advanceTwo({row(2 * y + 1), row(2 * y + 2), row(2 * y + 3), row(2 * y + 4)}, sums_[y / 2 % 2],
+        for (; y + 1 < dstRoi_.height; y += 2) {
+            const int64_t ahead = 2 * y + 8 <= lastRow_ ? 4 * src_.step : 0;
+            advanceTwo({row(2 * y + 1), row(2 * y + 2), row(2 * y + 3), row(2 * y + 4), ahead}, sums_[y / 2 % 2],
                        sums_[(y / 2 + 1) % 2], dst_.row(y), dst_.row(y + 1));
+        }
         if (y < dstRoi_.height)
             end(row(2 * y + 1), row(2 * y + 2), sums_[y / 2 % 2], dst_.row(y));
     }
@@ -106,6 +108,15 @@ class BinomialDown
     struct FourRows
     {
         const Lum8u *first, *second, *third, *fourth;
+        int64_t ahead;  ///< bytes to the next four, or 0
+
+        /// Asks for the pixels of the next four rows: the processor does not see their pages coming.
+        template <int N>
+        [[gnu::always_inline]] void prefetchNext(int64_t x) const
+        {
+            for (const Lum8u* row : {first, second, third, fourth})
+                simd::prefetch<N>(rowAt(row + x, ahead, 1));
+        }
     };
 
     /// Takes the two lower rows of a destination row, and the two that follow. The sums reach 255 * 256 + 128, as
@@ -113,6 +124,8 @@ class BinomialDown
     [[gnu::flatten]] void advanceTwo(FourRows rows, Sums from, Sums to, Lum8u* upperDst, Lum8u* lowerDst) const
     {
         eachColumn([=](int64_t x, auto n, auto sums) {
+            if constexpr (n > 1)
+                rows.template prefetchNext<2 * n>(2 * x);
             const auto second = sums(rows.second);
             // what both destination rows take of the last source row above and of these two
             const auto shared = simd::load<n>(from.last + x) + fourTimes(sums(rows.first)) + second;
