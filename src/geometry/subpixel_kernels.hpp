@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "frame/image.hpp"
+#include "frame/next_row.hpp"
 #include "geometry/subpixel_weights.hpp"
 #include "simd/neighbours.hpp"
 #include "simd/simd.hpp"
@@ -296,9 +297,8 @@ template <class Kernel, class D>
                            int64_t height)
 {
     constexpr int bandRows = 4;
-    constexpr int64_t pixelsInCache = 1 << 14;  // so few that they are likely to be there
     int64_t y = 0;
-    if (width * height > pixelsInCache)
+    if (isLarge(width, height))
         for (; y + 2 * bandRows <= height; y += bandRows)
             copyBand<bandRows, bandRows>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
     for (; y + bandRows <= height; y += bandRows)
