@@ -6,9 +6,9 @@
 namespace lumcv {
 namespace {
 
-/// Bytes and words are subtracted a register at a time, floats likewise.
+/// A cache line at a time.
 template <class T>
-inline constexpr int lanesPerStep = simd::registerLanes<T>;
+inline constexpr int lanesPerStep = 64 / static_cast<int>(sizeof(T));
 
 template <class T>
 LumStatus absDiff(Plane<const T> src1, Plane<const T> src2, Plane<T> dst, LumiSize roiSize, int channels)

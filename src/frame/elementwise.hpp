@@ -1,6 +1,8 @@
 // The driver of operations in which a destination pixel depends on the pixels at the same place alone.
 #pragma once
 
+#include <algorithm>
+
 #include "frame/image.hpp"
 #include "simd/simd.hpp"
 
@@ -25,6 +27,10 @@ inline bool interferes(Plane<const Lum8u> dst, int64_t dstRowBytes, Plane<const 
     return true;
 }
 
+/// Elements of a row where an image has no gaps and may be cut anywhere: some pages of floats, a few cache lines of
+/// bytes.
+inline constexpr int64_t elementsOfGaplessRow = 2048;
+
 /// Calls kernel(lanes, pDst, pSrc...) for each group of `lanes` elements of a row; it reads that many of each operand
 /// and stores that many. Operands that overlap are worked through pixel after pixel, row after row, each result stored
 /// before the next pixel is read.
@@ -33,6 +39,7 @@ template <int N, class Kernel, class D, class... S>
 {
     int64_t width = size.width;
     int64_t height = size.height;
+    int64_t lastWidth = width;
     const auto bytesOf = [](const auto& plane) {
         return Plane<const Lum8u>{reinterpret_cast<const Lum8u*>(plane.pixels), plane.step};
     };
@@ -42,15 +49,30 @@ template <int N, class Kernel, class D, class... S>
 
     if (dst.step == width * static_cast<int64_t>(sizeof(D)) &&
         ((src.step == width * static_cast<int64_t>(sizeof(S))) && ...)) {
-        width *= height;  // no gaps: one long row
-        height = 1;
+        const int64_t elements = width * height;
+        width = std::min(elements, elementsOfGaplessRow);
+        height = (elements + width - 1) / width;
+        lastWidth = elements - (height - 1) * width;
+        dst.step = width * static_cast<int64_t>(sizeof(D));
+        ((src.step = width * static_cast<int64_t>(sizeof(S))), ...);
     }
     for (int64_t y = 0; y < height; ++y) {
         const auto group = [&](int64_t x, auto lanes) { kernel(lanes, dst.row(y) + x, (src.row(y) + x)...); };
+        const auto groupAndNextRow = [&](int64_t x, auto lanes) {
+            if constexpr (lanes == N) {
+                simd::prefetch<lanes>(static_cast<const D*>(dst.row(y + 1) + x));
+                (simd::prefetch<lanes>(src.row(y + 1) + x), ...);
+            }
+            group(x, lanes);
+        };
+        const bool isLast = y + 1 == height;
+        const int64_t end = isLast ? lastWidth : width;
         if (oneByOne)
-            simd::eachOnce<1>(0, width, group);
+            simd::eachOnce<1>(0, end, group);
+        else if (isLast || y + 2 == height)  // the row after this one is none, or a short one
+            simd::eachOnce<N>(0, end, group);
         else
-            simd::eachOnce<N>(0, width, group);
+            simd::eachOnce<N>(0, end, groupAndNextRow);  // the processor does not see a row's next page coming
     }
 }
 

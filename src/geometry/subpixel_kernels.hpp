@@ -11,7 +11,10 @@
 //     alongColumn(p, q)        a pixel that has no column beside it, from p and from q below it
 #pragma once
 
+#include <algorithm>
+
 #include "frame/image.hpp"
+#include "frame/next_row.hpp"
 #include "geometry/subpixel_weights.hpp"
 #include "simd/neighbours.hpp"
 #include "simd/simd.hpp"
@@ -127,7 +130,7 @@ class ToScaledWords
     Lum32s factor_ = 1;
 };
 
-/// Bytes, whose sums of products with weights in two parts fit words: w = 64 * upper + lower.
+/// Bytes, whose sums of products with weights in two parts fit words: w = 128 * upper + lower.
 class ByteKernel
 {
   public:
@@ -139,7 +142,7 @@ class ByteKernel
     template <int N>
     [[gnu::always_inline]] simd::NeighbourBytes<N> columns(const Lum8u* p) const
     {
-        return simd::loadNeighbourBytes<N>(p);
+        return {simd::load<N>(p), simd::load<N>(p + 1)};
     }
 
     template <int N>
@@ -148,20 +151,18 @@ class ByteKernel
         if constexpr (N == 1) {
             const Lum32s sum = weights_.w00 * above.at.raw + weights_.w10 * above.next.raw +
                                weights_.w01 * below.at.raw + weights_.w11 * below.next.raw;
-            return {static_cast<Lum8u>((sum + 128 * one + one / 2) >> fractionBits)};
+            return {static_cast<Lum8u>((sum + one / 2) >> fractionBits)};
         } else {
-            // Of bytes less 128, the upper parts' sum lies within -128 * 256 and 127 * 256 and that of the lower parts
-            // within 128 * 4 * 63 of 0. Without its lowest six bits, the whole sum plus 128 * 16384 and a half of 16384
-            // is their sum plus 0x8080, of which the upper byte is the result.
-            const auto sums = [this](simd::Vec<Lum8s, N> a, simd::Vec<Lum8s, N> b) {
-                const auto product = [](simd::Vec<Lum8s, N> v, Lum16s factors) {
+            // the whole sum without its lowest seven bits, which do not count, and then rounded to a byte
+            const auto rounded = [this](simd::Vec<Lum8u, N> a, simd::Vec<Lum8u, N> b) {
+                const auto product = [](simd::Vec<Lum8u, N> v, Lum16s factors) {
                     return simd::pairProducts(v, simd::broadcast<N / 2>(factors));
                 };
                 const auto upper = product(a, upperAbove_) + product(b, upperBelow_);
                 const auto lower = product(a, lowerAbove_) + product(b, lowerBelow_);
-                return upper + (lower >> lowerBits) + simd::broadcast<N / 2>(static_cast<Lum16s>(0x8080));
+                return simd::roundedProduct(upper + (lower >> lowerBits), 1 << (15 - (fractionBits - lowerBits)));
             };
-            return simd::upperBytes(sums(above.at, below.at), sums(above.next, below.next));
+            return simd::merged(rounded(above.at, below.at), rounded(above.next, below.next));
         }
     }
 
@@ -181,33 +182,34 @@ class ByteKernel
     }
 
   private:
-    static constexpr int lowerBits = 6;
+    static constexpr int lowerBits = 7;
+    static constexpr Lum32s lowerUnit = 1 << lowerBits;
 
-    ByteKernel(Share x, Share y, Weights weights)
-        : x_(x),
-          y_(y),
-          weights_(weights),
-          upperAbove_(pair(upper(weights.w00), upper(weights.w10))),
-          upperBelow_(pair(upper(weights.w01), upper(weights.w11))),
-          lowerAbove_(pair(lower(weights.w00), lower(weights.w10))),
-          lowerBelow_(pair(lower(weights.w01), lower(weights.w11)))
+    ByteKernel(Share x, Share y, Weights weights) : x_(x), y_(y), weights_(weights)
     {
+        // a weight of 1 has no upper part of seven bits, and the next smaller one leaves every byte as it is, too
+        const auto bounded = [](Lum32s w) { return std::min(w, one - 1); };
+        const Lum32s all[4] = {bounded(weights.w00), bounded(weights.w10), bounded(weights.w01), bounded(weights.w11)};
+        Lum32s lower[4], upper[4], sum = 0;
+        for (int i = 0; i < 4; ++i)
+            sum += lower[i] = all[i] % lowerUnit;
+        // The sum of the weights is 1, and this one 0 to 3 units. With the greatest two or all of them made negative,
+        // neither the positive nor the negative ones exceed a unit in sum, and their products with bytes fit words.
+        for (Lum32s excess = sum / lowerUnit - 1; excess > 0; --excess)
+            for (int i = 0; i < 2; ++i)
+                *std::max_element(lower, lower + 4) -= lowerUnit;
+        for (int i = 0; i < 4; ++i)
+            upper[i] = (all[i] - lower[i]) / lowerUnit;
+        upperAbove_ = pair(upper[0], upper[1]);
+        upperBelow_ = pair(upper[2], upper[3]);
+        lowerAbove_ = pair(lower[0], lower[1]);
+        lowerBelow_ = pair(lower[2], lower[3]);
     }
 
-    /// A weight of 1, which leaves 0 for the others, has a lower part of 64.
-    static Lum32s upper(Lum32s weight)
-    {
-        return weight == one ? 255 : weight >> lowerBits;
-    }
-
-    static Lum32s lower(Lum32s weight)
-    {
-        return weight - (upper(weight) << lowerBits);
-    }
-
+    /// Two signed bytes in a word.
     static Lum16s pair(Lum32s first, Lum32s second)
     {
-        return static_cast<Lum16s>(first | second << 8);
+        return static_cast<Lum16s>((first & 0xff) | (second & 0xff) << 8);
     }
 
     Share x_, y_;
@@ -273,11 +275,18 @@ template <int N, int rows, class Kernel, class D>
     }
 }
 
-template <int rows, class Kernel, class D>
+/// Asks for the rows that come `ahead` rows later, if that is not 0: the processor does not see a row's next page
+/// coming.
+template <int rows, int ahead, class Kernel, class D>
 [[gnu::always_inline]] inline void copyBand(const Kernel& kernel, Plane<const typename Kernel::Source> src,
                                             Plane<D> dst, int64_t width)
 {
     simd::eachAtLeastOnce<simd::registerLanes<Lum8u>>(0, width, [=](int64_t x, auto lanes) {
+        if constexpr (ahead > 0 && lanes > 1)
+            for (int y = ahead; y < ahead + rows; ++y) {
+                simd::prefetch<lanes>(src.row(y + 1) + x);
+                simd::prefetch<lanes>(static_cast<const D*>(dst.row(y) + x));
+            }
         copyBlock<lanes, rows>(kernel, {src.pixels + x, src.step}, Plane<D>{dst.pixels + x, dst.step});
     });
 }
@@ -289,10 +298,13 @@ template <class Kernel, class D>
 {
     constexpr int bandRows = 4;
     int64_t y = 0;
+    if (isLarge(width, height))
+        for (; y + 2 * bandRows <= height; y += bandRows)
+            copyBand<bandRows, bandRows>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
     for (; y + bandRows <= height; y += bandRows)
-        copyBand<bandRows>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
+        copyBand<bandRows, 0>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
     for (; y < height; ++y)
-        copyBand<1>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
+        copyBand<1, 0>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
 }
 
 template <class S, class D>

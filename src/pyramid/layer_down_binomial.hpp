@@ -33,9 +33,11 @@ class BinomialDown
         begin(src_.row(0));
         const auto row = [this](int64_t y) { return src_.row(std::min(y, lastRow_)); };
         int64_t y = 0;
-        for (; y + 1 < dstRoi_.height; y += 2)
-            advanceTwo({row(2 * y + 1), row(2 * y + 2), row(2 * y + 3), row(2 * y + 4)}, sums_[y / 2 % 2],
+        for (; y + 1 < dstRoi_.height; y += 2) {
+            const int64_t ahead = 2 * y + 8 <= lastRow_ ? 4 * src_.step : 0;
+            advanceTwo({row(2 * y + 1), row(2 * y + 2), row(2 * y + 3), row(2 * y + 4), ahead}, sums_[y / 2 % 2],
                        sums_[(y / 2 + 1) % 2], dst_.row(y), dst_.row(y + 1));
+        }
         if (y < dstRoi_.height)
             end(row(2 * y + 1), row(2 * y + 2), sums_[y / 2 % 2], dst_.row(y));
     }
@@ -47,7 +49,7 @@ class BinomialDown
 
     struct Sums
     {
-        Lum16s* upper;  ///< 1, 4 and 6 times the rows of a destination row from its first one on, and a half
+        Lum16s* upper;  ///< 1, 4 and 5 times the rows of a destination row from its first one on
         Lum16s* last;   ///< once the last of these rows, and a half
     };
 
@@ -98,15 +100,23 @@ class BinomialDown
         const Sums to = sums_[0];
         eachColumn([=](int64_t x, auto n, auto sums) {
             const auto sum = sums(row);
-            const auto rounding = simd::broadcast<n>(half);
-            simd::store(to.upper + x, sum * simd::broadcast<n>(Lum16s{11}) + rounding);
-            simd::store(to.last + x, sum + rounding);
+            simd::store(to.upper + x, sum * simd::broadcast<n>(Lum16s{10}));
+            simd::store(to.last + x, sum + simd::broadcast<n>(half));
         });
     }
 
     struct FourRows
     {
         const Lum8u *first, *second, *third, *fourth;
+        int64_t ahead;  ///< bytes to the next four, or 0
+
+        /// Asks for the pixels of the next four rows: the processor does not see their pages coming.
+        template <int N>
+        [[gnu::always_inline]] void prefetchNext(int64_t x) const
+        {
+            for (const Lum8u* row : {first, second, third, fourth})
+                simd::prefetch<N>(rowAt(row + x, ahead, 1));
+        }
     };
 
     /// Takes the two lower rows of a destination row, and the two that follow. The sums reach 255 * 256 + 128, as
@@ -114,16 +124,18 @@ class BinomialDown
     [[gnu::flatten]] void advanceTwo(FourRows rows, Sums from, Sums to, Lum8u* upperDst, Lum8u* lowerDst) const
     {
         eachColumn([=](int64_t x, auto n, auto sums) {
-            const auto first = fourTimes(sums(rows.first));
+            if constexpr (n > 1)
+                rows.template prefetchNext<2 * n>(2 * x);
             const auto second = sums(rows.second);
-            simd::store(upperDst + x, highBytes(simd::load<n>(from.upper + x) + first + second));
-            const auto lower = simd::load<n>(from.last + x) + first + sixTimes(second);
-            const auto third = fourTimes(sums(rows.third));
+            // what both destination rows take of the last source row above and of these two
+            const auto shared = simd::load<n>(from.last + x) + fourTimes(sums(rows.first)) + second;
+            simd::store(upperDst + x, highBytes(simd::load<n>(from.upper + x) + shared));
             const auto fourth = sums(rows.fourth);
-            simd::store(lowerDst + x, highBytes(lower + third + fourth));
-            const auto rounding = simd::broadcast<n>(half);
-            simd::store(to.upper + x, second + rounding + third + sixTimes(fourth));
-            simd::store(to.last + x, fourth + rounding);
+            // what the lower destination row and the next one take of these three
+            const auto sharedBelow = second + fourTimes(sums(rows.third)) + fourth;
+            simd::store(lowerDst + x, highBytes(shared + fourTimes(second) + sharedBelow));
+            simd::store(to.upper + x, sharedBelow + fourTimes(fourth));
+            simd::store(to.last + x, fourth + simd::broadcast<n>(half));
         });
     }
 
@@ -131,22 +143,15 @@ class BinomialDown
     [[gnu::flatten]] void end(const Lum8u* fourth, const Lum8u* fifth, Sums from, Lum8u* dst) const
     {
         eachColumn([=](int64_t x, auto n, auto sums) {
-            simd::store(dst + x, highBytes(simd::load<n>(from.upper + x) + fourTimes(sums(fourth)) + sums(fifth)));
+            const auto upper = simd::load<n>(from.upper + x) + simd::load<n>(from.last + x);
+            simd::store(dst + x, highBytes(upper + fourTimes(sums(fourth)) + sums(fifth)));
         });
     }
 
-    template <class V>
-    [[gnu::always_inline]] static V fourTimes(V v)
+    template <int N>
+    [[gnu::always_inline]] static simd::Vec<Lum16s, N> fourTimes(simd::Vec<Lum16s, N> v)
     {
-        const V twice = v + v;
-        return twice + twice;
-    }
-
-    template <class V>
-    [[gnu::always_inline]] static V sixTimes(V v)
-    {
-        const V twice = v + v;
-        return twice + twice + twice;
+        return v * simd::broadcast<N>(Lum16s{4});
     }
 
     template <int N>

@@ -160,59 +160,42 @@ template <int lowest, int N>
     }
 }
 
-/// N bytes less 128, and those one place further.
+/// N bytes, and those one place further.
 template <int N>
 struct NeighbourBytes
 {
-    Vec<Lum8s, N> at, next;
+    Vec<Lum8u, N> at, next;
 };
 
-/// Reads N + 1 bytes.
+/// factors[0] * v[2 i] + factors[1] * v[2 i + 1] for each pair of bytes, with two signed bytes in each word of factors;
+/// the sums fit words.
 template <int N>
-[[gnu::always_inline]] inline NeighbourBytes<N> loadNeighbourBytes(const Lum8u* p)
-{
-    const auto centred = []<int M>(const auto& self, Vec<Lum8u, M> v) -> Vec<Lum8s, M> {
-        if constexpr (kindOf<Lum8u, M> == Kind::pair)
-            return {self(self, v.lo), self(self, v.hi)};
-        else if constexpr (M == 1)
-            return {static_cast<Lum8s>(v.raw - 128)};
-        else
-            return {(typename Vec<Lum8s, M>::Raw)(v.raw ^ Lum8u{128})};
-    };
-    return {centred(centred, load<N>(p)), centred(centred, load<N>(p + 1))};
-}
-
-/// factors[0] * v[2 i] + factors[1] * v[2 i + 1] for each pair of bytes; the factors sum to 256 at most, and the sums
-/// fit words.
-template <int N>
-[[gnu::always_inline]] inline Vec<Lum16s, N / 2> pairProducts(Vec<Lum8s, N> v, Vec<Lum16s, N / 2> factors)
+[[gnu::always_inline]] inline Vec<Lum16s, N / 2> pairProducts(Vec<Lum8u, N> v, Vec<Lum16s, N / 2> factors)
 {
     using V = Vec<Lum16s, N / 2>;
-    if constexpr (kindOf<Lum8s, N> == Kind::pair)
+    if constexpr (kindOf<Lum8u, N> == Kind::pair)
         return {pairProducts(v.lo, factors.lo), pairProducts(v.hi, factors.hi)};
     else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)_mm_maddubs_epi16(bits(factors.raw), bits(v.raw))};
+        return {(typename V::Raw)_mm_maddubs_epi16(bits(v.raw), bits(factors.raw))};
 #if defined(__AVX2__)
     else if constexpr (sizeof(V) == 32)
-        return {(typename V::Raw)_mm256_maddubs_epi16(bits(factors.raw), bits(v.raw))};
+        return {(typename V::Raw)_mm256_maddubs_epi16(bits(v.raw), bits(factors.raw))};
 #endif
 #if defined(__AVX512BW__)
     else
-        return {(typename V::Raw)_mm512_maddubs_epi16(bits(factors.raw), bits(v.raw))};
+        return {(typename V::Raw)_mm512_maddubs_epi16(bits(v.raw), bits(factors.raw))};
 #endif
 }
 
-/// The upper bytes of words of even and of odd places, in their order.
+/// Bytes that stand in words, those of even and those of odd places, in their order.
 template <int N>
-[[gnu::always_inline]] inline Vec<Lum8u, 2 * N> upperBytes(Vec<Lum16s, N> even, Vec<Lum16s, N> odd)
+[[gnu::always_inline]] inline Vec<Lum8u, 2 * N> merged(Vec<Lum16s, N> even, Vec<Lum16s, N> odd)
 {
     using V = Vec<Lum8u, 2 * N>;
     if constexpr (kindOf<Lum16s, N> == Kind::pair)
-        return {upperBytes(even.lo, odd.lo), upperBytes(even.hi, odd.hi)};
-    else {
-        constexpr Lum16u upper = 0xff00;
-        return {(typename V::Raw)(wrapping(even) >> 8 | (wrapping(odd) & upper))};
-    }
+        return {merged(even.lo, odd.lo), merged(even.hi, odd.hi)};
+    else
+        return {(typename V::Raw)(wrapping(even) | wrapping(odd) << 8)};
 }
 
 }  // namespace lumcv::simd

@@ -1,6 +1,8 @@
 // How the statistics walk a row: in groups of pixels of a fixed number, the last one made up to that number.
 #pragma once
 
+#include "frame/image.hpp"
+#include "frame/next_row.hpp"
 #include "simd/simd.hpp"
 
 namespace lumcv {
@@ -9,12 +11,20 @@ namespace lumcv {
 template <class T, int channels>
 struct PixelRow
 {
-    const T* first;  ///< the first pixel's element of the channel
-    T fill;          ///< what the missing pixels of the last group hold
+    const T* first;     ///< the first pixel's element of the channel
+    T fill;             ///< what the missing pixels of the last group hold
+    int64_t ahead = 0;  ///< bytes to the next row, or 0
 
     const T* at(int64_t x) const
     {
         return first + x * channels;
+    }
+
+    /// Asks for N pixels of the next row.
+    template <int N>
+    void prefetchNext(int64_t x) const
+    {
+        simd::prefetch<N * channels>(rowAt(at(x), ahead, 1));
     }
 };
 
@@ -45,14 +55,34 @@ class LastGroup
     alignas(64) T elements_[elements];
 };
 
+/// Whether the pixels of the next row are asked for along with those of the present one.
+enum class NextRow
+{
+    Left,
+    Asked
+};
+
+/// Calls body(nextRow) with the choice for images of a size, as a constant.
+template <class Body>
+[[gnu::always_inline]] inline void withNextRow(LumiSize size, Body body)
+{
+    if (isLarge(size.width, size.height))
+        body(std::integral_constant<NextRow, NextRow::Asked>{});
+    else
+        body(std::integral_constant<NextRow, NextRow::Left>{});
+}
+
 /// Calls body(const T* of each row) for each group of N of the pixels x of [begin, width); it reads N pixels of each
 /// row. Pixel begin + i is always in lane i mod N.
-template <int N, class Body, class... Rows>
+template <int N, NextRow nextRow = NextRow::Left, class Body, class... Rows>
 [[gnu::always_inline]] inline void eachGroup(int64_t begin, int64_t width, Body body, Rows... rows)
 {
     int64_t x = begin;
-    for (; x + N <= width; x += N)
+    for (; x + N <= width; x += N) {
+        if constexpr (nextRow == NextRow::Asked)
+            (rows.template prefetchNext<N>(x), ...);
         body(rows.at(x)...);
+    }
     if (x < width) {
         const auto last = [&]<class T, int channels>(PixelRow<T, channels> row) {
             return LastGroup<N, T, channels>(row, x, width);
@@ -66,12 +96,12 @@ inline constexpr int64_t pixelsPerSettlement = 1 << 17;
 
 /// Adds a row of any width to sums that have to be settled: sums.settle() comes after every pixelsPerSettlement pixels
 /// and at the end of the row. The body adds a group to the same sums.
-template <int N, class Sums, class Body, class... Rows>
+template <int N, NextRow nextRow, class Sums, class Body, class... Rows>
 [[gnu::always_inline]] inline void addSettled(Sums& sums, int64_t width, Body body, Rows... rows)
 {
     static_assert(pixelsPerSettlement % N == 0);
     for (int64_t x = 0; x < width; x += pixelsPerSettlement) {
-        eachGroup<N>(x, width - x < pixelsPerSettlement ? width : x + pixelsPerSettlement, body, rows...);
+        eachGroup<N, nextRow>(x, width - x < pixelsPerSettlement ? width : x + pixelsPerSettlement, body, rows...);
         sums.settle();
     }
 }

@@ -118,23 +118,21 @@ TEST(SimdNeighbours, WeightedSumsOfBytes)
         const GuardedBlock block = elements<Lum8u, N + 1>(seed);
         const auto* const p = block.as<Lum8u>();
         Random random(seed);
-        const auto first = int(random.between(0, 255)), second = int(random.between(0, std::min(255, 256 - first)));
-        const auto factors = simd::broadcast<N / 2>(Lum16s(first | second << 8));
-        const auto bytes = simd::loadNeighbourBytes<N>(p);
-        const auto sum = [=](int i) { return (p[i] - 128) * first + (p[i + 1] - 128) * second; };
-        const auto even = simd::pairProducts(bytes.at, factors), odd = simd::pairProducts(bytes.next, factors);
-        expectEach(even, [=](int i) { return sum(2 * i); });
-        expectEach(odd, [=](int i) { return sum(2 * i + 1); });
-        expectEach(simd::upperBytes(even, odd), [=](int i) { return sum(i) >> 8; });
+        const auto first = int(random.between(-64, 64)), second = int(random.between(-64, 64));
+        const auto factors = simd::broadcast<N / 2>(Lum16s((first & 0xff) | (second & 0xff) << 8));
+        expectEach(simd::pairProducts(simd::load<N>(p), factors),
+                   [=](int i) { return p[2 * i] * first + p[2 * i + 1] * second; });
     });
 }
 
-TEST(SimdNeighbours, BytesOfASinglePlace)
+TEST(SimdNeighbours, BytesOfEvenAndOddPlaces)
 {
-    const Lum8u p[2] = {0, 255};
-    const auto bytes = simd::loadNeighbourBytes<1>(p);
-    EXPECT_EQ(bytes.at.raw, -128);
-    EXPECT_EQ(bytes.next.raw, 127);
+    forLaneCounts([]<int N>(simd::Lanes<N>, unsigned seed) {
+        const GuardedBlock block = elements<Lum8u, 2 * N>(seed);
+        const auto* const p = block.as<Lum8u>();
+        const auto even = simd::loadWords<N>(p), odd = simd::loadWords<N>(p + N);
+        expectEach(simd::merged(even, odd), [=](int i) { return p[i / 2 + i % 2 * N]; });
+    });
 }
 
 TEST(SimdFloatMode, IsItsOwnForAWhile)
