@@ -2,7 +2,7 @@
 //
 // Where each row of the element is a run, every image row is reduced once for each length that occurs, the longer
 // windows from the shorter ones, into a ring of rows; an output row then takes one window from each row under the
-// element.
+// element. Two neighbouring output rows join first what both of them take.
 #include "morph/area.hpp"
 
 namespace lumcv {
