@@ -4,6 +4,7 @@
 // later one of two equals stays: that is how zeros of both signs come out the same from every kernel.
 #pragma once
 
+#include "filter/bands.hpp"
 #include "frame/image.hpp"
 #include "morph/element_record.hpp"
 #include "simd/simd.hpp"
@@ -66,6 +67,17 @@ struct Area
     int64_t height;
     int64_t channels;
 };
+
+/// The width of bands of columns, at most `widest`: all nearly as wide as the others, and whole cache lines if
+/// possible.
+inline int64_t bandElements(int64_t elements, int64_t widest)
+{
+    if (elements <= widest)
+        return elements;
+    const int64_t even = evenBands(elements, widest);
+    const int64_t whole = roundedUp(even, 64);
+    return whole < widest ? whole : even;
+}
 
 /// Memory for rows, aligned to 32 bytes.
 struct Scratch

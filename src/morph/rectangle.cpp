@@ -3,9 +3,9 @@
 // Rectangles of 3x3 and 5x5 advance by as many rows as two windows share; what those rows have in common is carried
 // from step to step. For others a ring holds rows of windows, from which a block of output rows is combined: the rows
 // that all of them see are taken together once, and what each sees above and below is added step by step.
-#include "filter/bands.hpp"
 #include "morph/area.hpp"
 #include "morph/morph_sizes.hpp"
+#include "simd/successive.hpp"
 
 namespace lumcv {
 namespace {
@@ -14,14 +14,8 @@ namespace {
 /// cache.
 constexpr int64_t cacheBytes = 24 * 1024;
 
-int64_t bandElements(int64_t elements, int64_t widest)
-{
-    if (elements <= widest)
-        return elements;
-    const int64_t even = evenBands(elements, widest);
-    const int64_t whole = roundedUp(even, 64);
-    return whole < widest ? whole : even;
-}
+/// Rows of the image are asked for so early: a ring is not to be driven out of the first-level cache by more of them.
+constexpr int64_t imageRowsAhead = 2;
 
 /// `count` windows at the given distances. What lies `ahead` bytes from them is asked for, if anything does.
 template <int count, bool asksAhead, class Operation, class T>
@@ -29,7 +23,7 @@ template <int count, bool asksAhead, class Operation, class T>
                                                  int64_t ahead)
 {
     const int64_t d1 = distances[1], d2 = distances[2], d3 = distances[3];
-    eachInPlace<lanesIn<T, 2>>(
+    eachInPlace<lanesIn<T, 4>>(
         n,
         [=](int64_t x, auto lanes) {
             if constexpr (asksAhead && lanes > 1)
@@ -42,6 +36,61 @@ template <int count, bool asksAhead, class Operation, class T>
             return extreme;
         },
         [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
+}
+
+/// Windows of eight pixels, `unit` elements apart, of integers: pairs are loaded, and grow by what the vector before
+/// them has of the pairs and fours that they follow.
+template <int unit, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void windowsOfEight(const T* from, T* to, int64_t n, int64_t ahead)
+{
+    static_assert(std::is_integral_v<T>);
+    constexpr int N = lanesIn<T, 2>;
+    const auto pairAt = [=](int64_t x, auto lanes) {
+        return Operation{}(simd::load<lanes>(from + x), simd::load<lanes>(from + x + unit));
+    };
+    const auto result = [=](int64_t x, auto lanes) {
+        const auto early = Operation{}(pairAt(x, lanes), pairAt(x + 2 * unit, lanes));
+        return Operation{}(early, Operation{}(pairAt(x + 4 * unit, lanes), pairAt(x + 6 * unit, lanes)));
+    };
+    if (n < N)
+        return eachInPlace<N>(n, result, [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
+
+    constexpr simd::Lanes<N> lanes;
+    const auto first = result(0, lanes), last = result(n - N, lanes);
+    auto pair = pairAt(6 * unit, lanes), four = Operation{}(pairAt(4 * unit, lanes), pair);
+    simd::store(to, first);
+    for (int64_t x = N; x + N <= n; x += N) {
+        simd::prefetch<N>(rowAt(from + x, ahead, 1));
+        const auto nextPair = pairAt(x + 6 * unit, lanes);
+        const auto nextFour = Operation{}(simd::movedIn<2 * unit>(pair, nextPair), nextPair);
+        simd::store(to + x, Operation{}(simd::movedIn<4 * unit>(four, nextFour), nextFour));
+        pair = nextPair;
+        four = nextFour;
+    }
+    simd::store(to + n - N, last);
+}
+
+/// The same where the unit is that of an image; false, and nothing done, for others and for floats, of which a
+/// not-a-number comes out by the order of operations.
+template <class Operation, class T>
+bool windowsOfEight(const T* from, T* to, int64_t unit, int64_t n, int64_t ahead)
+{
+    if constexpr (std::is_integral_v<T>) {
+        switch (unit) {
+            case 1:
+                windowsOfEight<1, Operation>(from, to, n, ahead);
+                return true;
+            case 3:
+                if constexpr (sizeof(T) == 1)
+                    windowsOfEight<3, Operation>(from, to, n, ahead);
+                return sizeof(T) == 1;
+            case 4:
+                if constexpr (sizeof(T) == 1)
+                    windowsOfEight<4, Operation>(from, to, n, ahead);
+                return sizeof(T) == 1;
+        }
+    }
+    return false;
 }
 
 // Squares of 3x3 and 5x5, in terms of what is kept of the pixels under them: an extreme, or both for a gradient.
@@ -258,23 +307,23 @@ template <int rows, class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void joinRows(WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n,
                                               int64_t dstAhead)
 {
+    // what lies in the ring, by a table: what rows see above, what all of them see, most of it, and what they see below
+    constexpr int64_t tableRows = 64;
     const T* above[rows];
     const T* below[rows];
-    T* d[rows];
+    const T* table[tableRows];
     for (int i = 0; i < rows; ++i) {
         above[i] = windows.row(i);  // the last one begins what all rows see
         below[i] = windows.row(i == 0 ? rows - 1 : height - 1 + i);
-        d[i] = dst.row(i);
     }
-    // what all rows see, most of it by a table of where its rows lie in the ring
-    constexpr int64_t tableRows = 64;
-    const T* table[tableRows];
     const int64_t tabled = height - rows < tableRows ? height - rows : tableRows;
     for (int64_t i = 0; i < tabled; ++i)
         table[i] = windows.row(rows + i);
+    const int64_t dstStep = dst.step;
+    T* const d = dst.pixels;
     // a cache line at a time: there is enough to do while the maximum of what all rows see waits for its next row
     constexpr int line = 64 / static_cast<int>(sizeof(T));
-    simd::eachAtLeastOnce<line>(0, n, [=, &table](int64_t x, auto lanes) {
+    simd::eachAtLeastOnce<line>(0, n, [=, &above, &below, &table](int64_t x, auto lanes) {
         constexpr int N = lanes < simd::registerLanes<T> ? int{lanes} : simd::registerLanes<T>;
         constexpr int parts = lanes / N;
         using V = simd::Vec<T, N>;
@@ -291,20 +340,20 @@ template <int rows, class Operation, class T>
             see(windows.row(i));
         if constexpr (lanes > 1)
             for (int i = 0; i < rows; ++i)
-                simd::prefetch<lanes>(static_cast<const T*>(rowAt(d[i] + x, dstAhead, 1)));
+                simd::prefetch<lanes>(static_cast<const T*>(rowAt(d + x, dstStep * i + dstAhead, 1)));
         for (int part = 0; part < parts; ++part) {
             const int64_t at = x + part * N;
             V seen[rows];  // by each output row, down to the last common one
             seen[rows - 1] = common[part];
             for (int i = rows - 2; i >= 0; --i)
                 seen[i] = Operation{}(simd::load<N>(above[i] + at), seen[i + 1]);
-            simd::store(d[0] + at, seen[0]);
+            simd::store(d + at, seen[0]);
             if constexpr (rows > 1) {
                 V rest = simd::load<N>(below[1] + at);
-                simd::store(d[1] + at, Operation{}(seen[1], rest));
+                simd::store(rowAt(d + at, dstStep, 1), Operation{}(seen[1], rest));
                 for (int i = 2; i < rows; ++i) {
                     rest = Operation{}(rest, simd::load<N>(below[i] + at));
-                    simd::store(d[i] + at, Operation{}(seen[i], rest));
+                    simd::store(rowAt(d + at, dstStep, i), Operation{}(seen[i], rest));
                 }
             }
         }
@@ -349,6 +398,14 @@ void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, 
             joinWindows<count, false, Operation>(from, distances, result, elements, 0);
         ahead = 0;
     };
+    if (length == 1 && longer >= 8 &&
+        windowsOfEight<Operation>(from, longer == 8 ? to : line, unit, n + (longer - 8) * unit, ahead)) {
+        if (longer == 8)
+            return;
+        from = line;
+        length = 8;
+        ahead = 0;
+    }
     for (; longer > 4 * length; length *= 4, from = line)
         join(simd::Lanes<4>{}, {0, length * unit, 2 * length * unit, 3 * length * unit}, line,
              n + (longer - 4 * length) * unit);
@@ -394,28 +451,30 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
     }
 
     // a ring for the rows that a block of output rows sees, and a line with room for shorter windows
-    constexpr int64_t elementBytes = sizeof(T);
+    constexpr int64_t elementBytes = sizeof(T), aligned = 32 / elementBytes;
     const int64_t slots = height - 1 + (height < mostRows ? height : mostRows);
-    const int64_t excess = (width - 1) * channels;
+    const int64_t excess = roundedUp((width - 1) * channels, aligned);
     const int64_t room = scratch.bytes / elementBytes - excess, cached = cacheBytes / elementBytes;
     const int64_t available = (room < cached ? room : cached) / (slots + 1);
     const int64_t least = 64 * channels;
     const int64_t possible = room / (slots + 1);
     const int64_t widest = available > least ? available : possible < least ? possible : least;
     const int64_t band = bandElements(area.elements, widest);
-    T* const ring = line + band + excess;
+    const int64_t pitch = roundedUp(band, aligned) <= possible ? roundedUp(band, aligned) : band;
+    T* const ring = line + pitch + excess;
     for (int64_t begin = 0; begin < area.elements; begin += band) {
         const int64_t n = begin + band < area.elements ? band : area.elements - begin;
         int64_t filled = 0, slot = 0, firstSlot = 0;
         for (int64_t y = 0; y < area.height;) {
             const int64_t rows = blockRows(height, area.height - y);
             for (; filled < y + rows + height - 1; ++filled) {
-                T* const to = ring + slot * band;
-                growWindows<Operation>(srcRow(filled) + begin, 1, line, to, width, channels, n,
-                                       filled + mostRows < area.height + height - 1 ? mostRows * area.src.step : 0);
+                T* const to = ring + slot * pitch;
+                growWindows<Operation>(
+                    srcRow(filled) + begin, 1, line, to, width, channels, n,
+                    filled + imageRowsAhead < area.height + height - 1 ? imageRowsAhead * area.src.step : 0);
                 slot = slot + 1 == slots ? 0 : slot + 1;
             }
-            joinBlock<Operation>(rows, WindowRows<T>{ring, band * elementBytes, slots, firstSlot}, height,
+            joinBlock<Operation>(rows, WindowRows<T>{ring, pitch * elementBytes, slots, firstSlot}, height,
                                  {area.dst.row(y) + begin, area.dst.step}, n, ahead(y, rows));
             firstSlot = (firstSlot + rows) % slots;
             y += rows;

@@ -2,7 +2,7 @@
 //
 // Where each row of the element is a run, every image row is reduced once for each length that occurs, the longer
 // windows from the shorter ones, into a ring of rows; an output row then takes one window from each row under the
-// element.
+// element. Two neighbouring output rows join first what both of them take.
 #include "morph/area.hpp"
 
 namespace lumcv {
@@ -69,36 +69,52 @@ int64_t listRuns(const Element& element, const RunLengths& lengths, int64_t chan
     return count;
 }
 
+/// What the lists of two neighbouring output rows have in common: a row of windows that both take at the same place.
+struct Sharing
+{
+    bool isShared[mostRows];  ///< of the upper row's run with the run above it of the lower row
+    int64_t shared = 0;
+
+    Sharing(const Run* runs, int64_t count)
+    {
+        for (int64_t i = 0; i < count; ++i) {
+            isShared[i] = i > 0 && runs[i].row == runs[i - 1].row + 1 && runs[i].first == runs[i - 1].first &&
+                          runs[i].line == runs[i - 1].line;
+            shared += isShared[i];
+        }
+    }
+};
+
 /// Where the windows of a ring lie: for each image row one line for each length above 1.
 struct RingLayout
 {
-    int64_t lines;   ///< in a slot
-    int64_t band;    ///< output elements
-    int64_t excess;  ///< elements by which a line is longer
+    int64_t lines;  ///< in a slot
+    int64_t band;   ///< output elements; none if the scratch has no room for as many as are worthwhile
+    int64_t pitch;  ///< elements from line to line
     int64_t slots;
-
-    int64_t pitch() const
-    {
-        return band + excess;
-    }
 };
 
 constexpr int64_t cacheBytes = 32 * 1024;
 
+/// For output rows that are computed so many at a time, in bands of `worthwhile` elements at least.
 template <class T>
-RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLengths& lengths, Scratch scratch)
+RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLengths& lengths, int64_t rows,
+                      int64_t worthwhile, Scratch scratch)
 {
+    constexpr int64_t elementBytes = sizeof(T), aligned = 32 / elementBytes;
     const int64_t lines = lengths.count - (lengths.length[0] == 1);
+    const int64_t slots = element.height - 1 + rows;
     const int64_t excess = (element.width - 1) * area.channels;
-    const auto widest = [&](int64_t bytes) {
-        return lines == 0 ? bytes : bytes / static_cast<int64_t>(sizeof(T)) / (lines * element.height) - excess;
-    };
+    const auto pitchIn = [&](int64_t bytes) { return lines == 0 ? bytes : bytes / elementBytes / (lines * slots); };
     constexpr int64_t least = 256;
-    int64_t band = widest(cacheBytes);
-    band = band < least ? least : band;
-    band = band < area.elements ? band : area.elements;
-    const int64_t possible = widest(scratch.bytes);
-    return {lines, band < possible ? band : possible, excess, element.height};
+    const int64_t cached = pitchIn(cacheBytes) - excess, possible = pitchIn(scratch.bytes) - excess;
+    const int64_t wanted = cached < least ? least : cached;
+    const int64_t widest = wanted < possible ? wanted : possible;
+    if (widest < (area.elements < worthwhile ? area.elements : worthwhile))
+        return {};
+    const int64_t band = bandElements(area.elements, widest);
+    const int64_t pitch = roundedUp(band + excess, aligned);
+    return {lines, band, pitch - excess <= possible ? pitch : band + excess, slots};
 }
 
 /// Windows of several lengths that begin at the same pixel, each from the one before it, for x in [begin, end).
@@ -172,6 +188,34 @@ template <class Operation, class T>
     });
 }
 
+/// The extremes of two neighbouring rows. First come the lines that both of them take, then those of the upper one
+/// alone, then those of the lower one.
+template <class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void joinLinesOfTwo(const T* const* lines, int64_t shared, int64_t upper, int64_t lower,
+                                                    Plane<T> dst, int64_t n, int64_t dstAhead)
+{
+    const int64_t dstStep = dst.step;
+    T* const d = dst.pixels;
+    simd::eachAtLeastOnce<lanesIn<T, 4>>(0, n, [=](int64_t x, auto lanes) {
+        T* const to = d + x;
+        if constexpr (lanes > 1) {
+            simd::prefetch<lanes>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
+            simd::prefetch<lanes>(static_cast<const T*>(rowAt(to, dstAhead + dstStep, 1)));
+        }
+        auto common = simd::load<lanes>(lines[0] + x);
+        int64_t i = 1;
+        for (; i < shared; ++i)
+            common = Operation{}(common, simd::load<lanes>(lines[i] + x));
+        auto extreme = common;
+        for (; i < shared + upper; ++i)
+            extreme = Operation{}(extreme, simd::load<lanes>(lines[i] + x));
+        simd::store(to, extreme);
+        for (; i < shared + upper + lower; ++i)
+            common = Operation{}(common, simd::load<lanes>(lines[i] + x));
+        simd::store(rowAt(to, dstStep, 1), common);
+    });
+}
+
 /// The extreme of the listed pixels; src is the pixel under the element's first position.
 template <class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void joinListed(const Area<T>& area, const Element& element, const T* src, T* dst,
@@ -224,40 +268,68 @@ bool rowRuns(Area<T> area, const Element& element, Scratch scratch)
     const RunLengths lengths(element);
     if (lengths.areTooMany)
         return false;
-    const RingLayout layout = ringLayout(area, element, lengths, scratch);
-    constexpr int64_t worthwhile = 64;
-    if (layout.band < (area.elements < worthwhile ? area.elements : worthwhile))
+    Run runs[mostRows];
+    const int64_t channels = area.channels;
+    const int64_t count = listRuns(element, lengths, channels, runs);
+    // of floats a not-a-number comes out by the order of the rows
+    const Sharing sharing(runs, std::is_integral_v<T> ? count : 0);
+    constexpr int64_t worthJoining = 3, worthwhileOfTwo = 256, worthwhile = 64;
+    int64_t most = sharing.shared >= worthJoining ? 2 : 1;
+    RingLayout layout{};
+    if (most == 2)
+        layout = ringLayout(area, element, lengths, most, worthwhileOfTwo, scratch);
+    if (layout.band == 0) {
+        most = 1;
+        layout = ringLayout(area, element, lengths, most, worthwhile, scratch);
+    }
+    if (layout.band == 0)
         return false;
-    const int64_t pitch = layout.pitch(), channels = area.channels;
+    const int64_t pitch = layout.pitch;
     T* const ring = reinterpret_cast<T*>(scratch.begin);
     const auto srcRow = [&](int64_t y, int64_t begin) {
         return area.src.row(y - element.anchorY) + begin - element.anchorX * channels;
     };
 
-    Run runs[mostRows];
-    const int64_t count = listRuns(element, lengths, channels, runs);
-
     for (int64_t begin = 0; begin < area.elements; begin += layout.band) {
         const int64_t n = begin + layout.band < area.elements ? layout.band : area.elements - begin;
+        const int64_t seen = n + (element.width - 1) * channels;
         const int64_t slotElements = layout.lines * pitch;
         int64_t filled = 0, slot = 0, firstSlot = 0;
-        for (int64_t y = 0; y < area.height; ++y) {
-            for (; filled < y + element.height; ++filled) {
+        for (int64_t y = 0; y < area.height;) {
+            const int64_t rows = y + most <= area.height ? most : 1;
+            for (; filled < y + rows - 1 + element.height; ++filled) {
                 const bool isLast = filled + 1 == area.height + element.height - 1;
-                fillLines<Operation>(srcRow(filled, begin), lengths, ring + slot * slotElements, pitch, channels,
-                                     n + layout.excess, isLast ? 0 : area.src.step);
+                fillLines<Operation>(srcRow(filled, begin), lengths, ring + slot * slotElements, pitch, channels, seen,
+                                     isLast ? 0 : area.src.step);
                 slot = slot + 1 == layout.slots ? 0 : slot + 1;
             }
-            const T* lines[mostRows];
-            for (int64_t i = 0; i < count; ++i) {
-                const Run& run = runs[i];
-                int64_t at = firstSlot + run.row;
+            const T* lines[2 * mostRows];
+            const auto lineOf = [&](const Run& run, int64_t below) {
+                int64_t at = firstSlot + run.row + below;
                 at = at < layout.slots ? at : at - layout.slots;
-                lines[i] = (run.line < 0 ? srcRow(y + run.row, begin) : ring + at * slotElements + run.line * pitch) +
-                           run.first;
+                const T* const windows =
+                    run.line < 0 ? srcRow(y + run.row + below, begin) : ring + at * slotElements + run.line * pitch;
+                return windows + run.first;
+            };
+            const Plane<T> dst{area.dst.row(y) + begin, area.dst.step};
+            const int64_t ahead = y + 2 * rows <= area.height ? rows * area.dst.step : 0;
+            if (rows == 1) {
+                for (int64_t i = 0; i < count; ++i)
+                    lines[i] = lineOf(runs[i], 0);
+                joinLines<Operation>(lines, count, dst.pixels, n, ahead);
+            } else {
+                const int64_t alone = count - sharing.shared;
+                int64_t inBoth = 0, above = sharing.shared, below = count;
+                for (int64_t i = 0; i < count; ++i) {
+                    lines[sharing.isShared[i] ? inBoth++ : above++] = lineOf(runs[i], 0);
+                    if (i + 1 == count || !sharing.isShared[i + 1])
+                        lines[below++] = lineOf(runs[i], 1);
+                }
+                joinLinesOfTwo<Operation>(lines, sharing.shared, alone, alone, dst, n, ahead);
             }
-            joinLines<Operation>(lines, count, area.dst.row(y) + begin, n, y + 1 < area.height ? area.dst.step : 0);
-            firstSlot = firstSlot + 1 == layout.slots ? 0 : firstSlot + 1;
+            firstSlot += rows;
+            firstSlot -= firstSlot < layout.slots ? 0 : layout.slots;
+            y += rows;
         }
     }
     return true;
