@@ -24,10 +24,12 @@ static unsigned long long largestCacheOfLeaf(unsigned leaf)
         mostSubleaves = 32
     };
     unsigned long long largest = 0;
+    /* asked for once: a hypervisor takes microseconds to answer each question */
+    if (__get_cpuid_max(leaf & 0x80000000u, 0) < leaf)
+        return 0;
     for (unsigned subleaf = 0; subleaf < mostSubleaves; ++subleaf) {
-        unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;
-        if (!__get_cpuid_count(leaf, subleaf, &eax, &ebx, &ecx, &edx))
-            break;
+        unsigned eax, ebx, ecx, edx;
+        __cpuid_count(leaf, subleaf, eax, ebx, ecx, edx);
         const unsigned type = eax & 31u;
         if (type == noMoreCaches)
             break;

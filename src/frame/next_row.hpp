@@ -7,7 +7,7 @@
 namespace lumcv {
 
 /// Whether an image has so many pixels that they are likely not to be in a cache. Where they are, asking costs time.
-inline bool isLarge(int64_t width, int64_t height)
+inline bool asksForNextRow(int64_t width, int64_t height)
 {
     return width * height > 1 << 14;
 }

@@ -298,7 +298,7 @@ template <class Kernel, class D>
 {
     constexpr int bandRows = 4;
     int64_t y = 0;
-    if (isLarge(width, height))
+    if (asksForNextRow(width, height))
         for (; y + 2 * bandRows <= height; y += bandRows)
             copyBand<bandRows, bandRows>(kernel, {src.row(y), src.step}, Plane<D>{dst.row(y), dst.step}, width);
     for (; y + bandRows <= height; y += bandRows)

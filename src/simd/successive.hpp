@@ -24,7 +24,7 @@ template <int count, class T, int N>
 #endif
 #if defined(__AVX512BW__)
     else {
-        const __m512i before = _mm512_alignr_epi64(bits(later.raw), bits(earlier.raw), 6);
+        const __m512i before = _mm512_maskz_alignr_epi64(0xff, bits(later.raw), bits(earlier.raw), 6);
         return {(typename V::Raw)_mm512_alignr_epi8(bits(later.raw), before, shift)};
     }
 #endif

@@ -66,7 +66,7 @@ enum class NextRow
 template <class Body>
 [[gnu::always_inline]] inline void withNextRow(LumiSize size, Body body)
 {
-    if (isLarge(size.width, size.height))
+    if (asksForNextRow(size.width, size.height))
         body(std::integral_constant<NextRow, NextRow::Asked>{});
     else
         body(std::integral_constant<NextRow, NextRow::Left>{});
