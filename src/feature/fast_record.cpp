@@ -3,8 +3,8 @@
 
 #include <array>
 #include <climits>
-#include <cmath>
 
+#include "feature/sine.hpp"
 #include "frame/byte_counts.hpp"
 
 namespace lumcv::fast {
@@ -124,8 +124,9 @@ LumStatus init(const Geometry& geometry, Lum32f threshold, LumFastNSpec* block)
     if (geometry.mode & lumFastNOrientation)
         for (int i = 0; i < points; ++i) {
             const auto angle = static_cast<Lum32f>(i * 2 * 3.14159265358979323846 / points);
-            sines[i] = static_cast<Lum32f>(std::sin(static_cast<double>(angle)));
-            cosines[i] = static_cast<Lum32f>(std::cos(static_cast<double>(angle)));
+            const SineCosine of = sineCosine(static_cast<Lum64f>(angle));
+            sines[i] = static_cast<Lum32f>(of.sine);
+            cosines[i] = static_cast<Lum32f>(of.cosine);
         }
     cosines[points] = static_cast<Lum32f>(geometry.bins * 0.15915494309189535);
     return lumOk;

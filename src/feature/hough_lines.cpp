@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "feature/hough_peaks.hpp"
+#include "feature/sine.hpp"
 #include "frame/byte_counts.hpp"
 #include "frame/checks.hpp"
 #include "frame/rounding.hpp"
@@ -37,9 +38,9 @@ class Normals
     /// That of the next angle, from 0 on.
     Normal next()
     {
-        const auto angle = static_cast<Lum64f>(angle_);
+        const SineCosine of = sineCosine(static_cast<Lum64f>(angle_));
         angle_ += step_;
-        return {truncated(scale_ * std::cos(angle)), truncated(scale_ * std::sin(angle))};
+        return {truncated(scale_ * of.cosine), truncated(scale_ * of.sine)};
     }
 
   private:

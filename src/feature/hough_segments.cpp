@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "feature/hough_plane.hpp"
+#include "feature/sine.hpp"
 #include "frame/checks.hpp"
 
 namespace lumcv::hough {
@@ -432,8 +433,8 @@ LumStatus init(LumiSize roiSize, LumiPointPolar delta, Lum32s hint, LumHoughProb
     const Lum32s lastAngle = Plane(roiSize, delta).lastAngle;
     Lum32f angle = 0;
     for (int64_t i = 0; i <= lastAngle; ++i, angle += delta.theta) {
-        const Lum32f normal[2] = {static_cast<Lum32f>(scale * std::cos(static_cast<Lum64f>(angle))),
-                                  static_cast<Lum32f>(scale * std::sin(static_cast<Lum64f>(angle)))};
+        const SineCosine of = sineCosine(static_cast<Lum64f>(angle));
+        const Lum32f normal[2] = {static_cast<Lum32f>(scale * of.cosine), static_cast<Lum32f>(scale * of.sine)};
         __builtin_memcpy(record->normals() + i * static_cast<int64_t>(sizeof normal), normal, sizeof normal);
     }
     return lumOk;

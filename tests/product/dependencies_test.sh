@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The library needs libc, libm and liblumcore and nothing else, is named by its SONAME, and takes from outside no
+# The library needs libc and liblumcore and nothing else, is named by its SONAME, and takes from outside no
 # function but those listed here: none that allocates, starts threads, prints or belongs to the run time of C++. It has no
 # variables: what calls share is in the memory of their callers.
 # usage: dependencies_test.sh LIBRARY NM READELF
@@ -18,14 +18,14 @@ fi
 
 needed=$("$readelf" -dW "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
 while read -r name; do
-    if [[ ! $name =~ ^(libc\.so\.6|libm\.so\.6|liblumcore\.so\.[0-9]+)$ ]]; then
+    if [[ ! $name =~ ^(libc\.so\.6|liblumcore\.so\.[0-9]+)$ ]]; then
         echo "the library needs '$name'"
         failed=1
     fi
 done <<<"$needed"
 
-# moving memory, the sines and cosines of tables, and the one question to the sibling
-allowed=' memcpy memmove memset memcmp sin cos sincos lumGetMaxCacheSizeB '
+# moving memory, and the one question to the sibling
+allowed=' memcpy memmove memset memcmp lumGetMaxCacheSizeB '
 # what the compiler's start files refer to in every shared object, weakly
 weak=' __cxa_finalize __gmon_start__ _ITM_deregisterTMCloneTable _ITM_registerTMCloneTable '
 undefined=0
