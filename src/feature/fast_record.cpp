@@ -3,6 +3,7 @@
 
 #include <array>
 #include <climits>
+#include <cstddef>
 
 #include "feature/sine.hpp"
 #include "frame/byte_counts.hpp"
