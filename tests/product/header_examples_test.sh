@@ -32,7 +32,7 @@ for example in "$work"/*.c; do
     count=$((count + 1))
     # shellcheck disable=SC2086  # the flags are several words
     if ! "$compiler" $flags -I"$include" "$example" "$here/header_examples/$name.c" -o "$work/$name" "$library" \
-            -Wl,-rpath-link,"$(dirname "$lumcore")"; then
+            -Wl,-rpath-link,"$(dirname "$lumcore")" -lm; then
         echo "the example $name does not compile"
         failed=1
     elif ! LD_LIBRARY_PATH=$(dirname "$library"):$(dirname "$lumcore") "$work/$name"; then
