@@ -307,23 +307,26 @@ template <int rows, class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void joinRows(WindowRows<T> windows, int64_t height, Plane<T> dst, int64_t n,
                                               int64_t dstAhead)
 {
-    // what lies in the ring, by a table: what rows see above, what all of them see, most of it, and what they see below
+    // where it lies in the ring
     constexpr int64_t tableRows = 64;
-    const T* above[rows];
-    const T* below[rows];
-    const T* table[tableRows];
+    struct
+    {
+        const T* above[rows];       // what rows see above; the last one begins what all of them see
+        const T* table[tableRows];  // most of the rest of that
+        const T* below[rows];       // what they see below, from the second one on
+    } seenAt;
     for (int i = 0; i < rows; ++i) {
-        above[i] = windows.row(i);  // the last one begins what all rows see
-        below[i] = windows.row(i == 0 ? rows - 1 : height - 1 + i);
+        seenAt.above[i] = windows.row(i);
+        seenAt.below[i] = windows.row(i == 0 ? rows - 1 : height - 1 + i);
     }
     const int64_t tabled = height - rows < tableRows ? height - rows : tableRows;
     for (int64_t i = 0; i < tabled; ++i)
-        table[i] = windows.row(rows + i);
+        seenAt.table[i] = windows.row(rows + i);
     const int64_t dstStep = dst.step;
     T* const d = dst.pixels;
     // a cache line at a time: there is enough to do while the maximum of what all rows see waits for its next row
     constexpr int line = 64 / static_cast<int>(sizeof(T));
-    simd::eachAtLeastOnce<line>(0, n, [=, &above, &below, &table](int64_t x, auto lanes) {
+    simd::eachAtLeastOnce<line>(0, n, [=, &seenAt](int64_t x, auto lanes) {
         constexpr int N = lanes < simd::registerLanes<T> ? int{lanes} : simd::registerLanes<T>;
         constexpr int parts = lanes / N;
         using V = simd::Vec<T, N>;
@@ -333,9 +336,9 @@ template <int rows, class Operation, class T>
                 common[i] = Operation{}(common[i], simd::load<N>(row + x + i * N));
         };
         for (int i = 0; i < parts; ++i)
-            common[i] = simd::load<N>(above[rows - 1] + x + i * N);
+            common[i] = simd::load<N>(seenAt.above[rows - 1] + x + i * N);
         for (int64_t i = 0; i < tabled; ++i)
-            see(table[i]);
+            see(seenAt.table[i]);
         for (int64_t i = rows + tabled; i < height; ++i)
             see(windows.row(i));
         if constexpr (lanes > 1)
@@ -346,13 +349,13 @@ template <int rows, class Operation, class T>
             V seen[rows];  // by each output row, down to the last common one
             seen[rows - 1] = common[part];
             for (int i = rows - 2; i >= 0; --i)
-                seen[i] = Operation{}(simd::load<N>(above[i] + at), seen[i + 1]);
+                seen[i] = Operation{}(simd::load<N>(seenAt.above[i] + at), seen[i + 1]);
             simd::store(d + at, seen[0]);
             if constexpr (rows > 1) {
-                V rest = simd::load<N>(below[1] + at);
+                V rest = simd::load<N>(seenAt.below[1] + at);
                 simd::store(rowAt(d + at, dstStep, 1), Operation{}(seen[1], rest));
                 for (int i = 2; i < rows; ++i) {
-                    rest = Operation{}(rest, simd::load<N>(below[i] + at));
+                    rest = Operation{}(rest, simd::load<N>(seenAt.below[i] + at));
                     simd::store(rowAt(d + at, dstStep, i), Operation{}(seen[i], rest));
                 }
             }
