@@ -136,13 +136,10 @@ template <int channels, bool withSquares, class T, class... Mask>
     using Sums = MomentSums<T, withSquares>;
     Sums sums{};
     const auto add = [&sums](const T* p, const Mask*... m) { sums.template add<channels>(p, m...); };
-    withNextRow(size, [&](auto nextRow) {
-        for (int64_t y = 0; y < size.height; ++y) {
-            const auto ahead = [=](const auto& plane) { return y + 1 < size.height ? plane.step : 0; };
-            addSettled<Sums::lanes, nextRow>(sums, size.width, add,
-                                             PixelRow<T, channels>{src.row(y), Sums::fill, ahead(src)},
-                                             PixelRow<Mask, 1>{mask.row(y), 0, ahead(mask)}...);
-        }
+    eachRow(size, [&](int64_t y, auto nextRow, auto ahead) {
+        addSettled<Sums::lanes, nextRow>(sums, size.width, add,
+                                         PixelRow<T, channels>{src.row(y), Sums::fill, ahead(src)},
+                                         PixelRow<Mask, 1>{mask.row(y), 0, ahead(mask)}...);
     });
     const auto pixels = static_cast<uint64_t>(size.width) * static_cast<uint64_t>(size.height);
     return sums.total(sizeof...(mask) == 0 ? pixels : simd::total(sums.keptPixels));
@@ -162,12 +159,9 @@ template <int channels, class... Mask>
         ((distance = simd::keepWhere(m, distance)), ...);
         sum = simd::addExactSquare(sum, simd::toDouble(distance));
     };
-    withNextRow(size, [&](auto nextRow) {
-        for (int64_t y = 0; y < size.height; ++y) {
-            const auto ahead = [=](const auto& plane) { return y + 1 < size.height ? plane.step : 0; };
-            eachGroup<lanes, nextRow>(0, size.width, add, PixelRow<Lum32f, channels>{src.row(y), centre, ahead(src)},
-                                      PixelRow<Mask, 1>{mask.row(y), 0, ahead(mask)}...);
-        }
+    eachRow(size, [&](int64_t y, auto nextRow, auto ahead) {
+        eachGroup<lanes, nextRow>(0, size.width, add, PixelRow<Lum32f, channels>{src.row(y), centre, ahead(src)},
+                                  PixelRow<Mask, 1>{mask.row(y), 0, ahead(mask)}...);
     });
     return simd::total(sum);
 }

@@ -94,13 +94,10 @@ template <class Gatherer, int channels, class... T>
     constexpr int lanes = Gatherer::lanes;
     Gatherer sums{};
     const auto add = [&sums](const Lum8u* m, const T*... p) { sums.add(m, simd::loadPixels<lanes, channels>(p)...); };
-    withNextRow(size, [&](auto nextRow) {
-        for (int64_t y = 0; y < size.height; ++y) {
-            const auto ahead = [=](const auto& plane) { return y + 1 < size.height ? plane.step : 0; };
-            addSettled<lanes, nextRow>(sums, size.width, add, PixelRow<Lum8u, 1>{mask.row(y), 0, ahead(mask)},
-                                       PixelRow<T, channels>{images.row(y), T{0}, ahead(images)}...);
-            sums.endRow();
-        }
+    eachRow(size, [&](int64_t y, auto nextRow, auto ahead) {
+        addSettled<lanes, nextRow>(sums, size.width, add, PixelRow<Lum8u, 1>{mask.row(y), 0, ahead(mask)},
+                                   PixelRow<T, channels>{images.row(y), T{0}, ahead(images)}...);
+        sums.endRow();
     });
     return sums.value();
 }

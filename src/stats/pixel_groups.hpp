@@ -62,14 +62,19 @@ enum class NextRow
     Asked
 };
 
-/// Calls body(nextRow) with the choice for images of a size, as a constant.
+/// Calls body(y, nextRow, ahead) for each row of an image of that size: nextRow is the choice for it, as a constant,
+/// and ahead(plane) tells the bytes from this row to the next one, or 0.
 template <class Body>
-[[gnu::always_inline]] inline void withNextRow(LumiSize size, Body body)
+[[gnu::always_inline]] inline void eachRow(LumiSize size, Body body)
 {
+    const auto all = [=](auto nextRow) {
+        for (int64_t y = 0; y < size.height; ++y)
+            body(y, nextRow, [=](const auto& plane) { return y + 1 < size.height ? plane.step : 0; });
+    };
     if (asksForNextRow(size.width, size.height))
-        body(std::integral_constant<NextRow, NextRow::Asked>{});
+        all(std::integral_constant<NextRow, NextRow::Asked>{});
     else
-        body(std::integral_constant<NextRow, NextRow::Left>{});
+        all(std::integral_constant<NextRow, NextRow::Left>{});
 }
 
 /// Calls body(const T* of each row) for each group of N of the pixels x of [begin, width); it reads N pixels of each
