@@ -8,14 +8,14 @@ namespace lumcv::bench {
 
 std::byte* Job::allocate(std::size_t bytes)
 {
-    constexpr std::size_t lineBytes = 64;
+    constexpr std::size_t lineBytes = 64, pageBytes = 4096;
     constexpr std::size_t linesApart = 17;
-    const std::size_t offset = (blocks_.size() * linesApart % 64) * lineBytes;
-    const std::size_t total = bytes + offset + lineBytes;
+    const std::size_t offset = blocks_.size() * linesApart * lineBytes % pageBytes;
+    const std::size_t total = bytes + offset + pageBytes;
     blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(total));
     std::byte* block = blocks_.back().get();
     std::memset(block, 1, total);
-    const std::size_t slack = (lineBytes - reinterpret_cast<std::uintptr_t>(block) % lineBytes) % lineBytes;
+    const std::size_t slack = (pageBytes - reinterpret_cast<std::uintptr_t>(block) % pageBytes) % pageBytes;
     return block + slack + offset;
 }
 

@@ -6,6 +6,7 @@
 
 #include <lumcv/lumcv.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -137,9 +138,10 @@ class Job
             value = randomValue<T>();
         std::size_t at = 0;
         for (int y = 0; y < size.height; ++y)
-            for (std::size_t x = 0; x < elements; ++x) {
-                image.row(y)[x] = pattern[at];
-                at = at + 1 == patternLength ? 0 : at + 1;
+            for (std::size_t x = 0, count; x < elements; x += count) {
+                count = std::min(elements - x, patternLength - at);
+                std::copy_n(&pattern[at], count, image.row(y) + x);
+                at = (at + count) % patternLength;
             }
         return image;
     }
