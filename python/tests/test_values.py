@@ -292,7 +292,15 @@ def test_integral_images() -> None:
     tilted = numpy.empty((15, 21), numpy.int32)
     with pytest.raises(ValueError, match="pDst has 20x14"):
         lumcv.lumiTiltedIntegral_8u32s_C1R(pixels, sums, 0)
-    lumcv.lumiTiltedIntegral_8u32s_C1R(pixels, tilted, 0)
+    lumcv.lumiTiltedIntegral_8u32s_C1R(pixels, tilted, 9)
+    cones = numpy.full((15, 21), 9, numpy.int64)
+    for r in range(13):
+        above, before = cones[r + 1], cones[r]
+        cones[r + 2, 0] = above[1]
+        cones[r + 2, 1:19] = above[:18] - before[1:19] + above[2:20] + wide[r, :18] + wide[r, 1:]
+        cones[r + 2, 19] = above[18] - before[19] + above[20] + wide[r, 18]
+        cones[r + 2, 20] = above[20]
+    assert (tilted == cones).all()
 
 
 def test_haar_stage() -> None:
@@ -329,6 +337,17 @@ def test_corners() -> None:
     )
     expected = (a + c - numpy.sqrt((a - c) ** 2 + 4 * b * b)) * 0.5 / (255 << 4)
     assert out == pytest.approx(expected, rel=1e-3, abs=1e-2)
+    kind, size = lumcv.lumFilterSobel, lumcv.lumMask3x3
+    scratch = lumcv.blocks(lumcv.lumiHarrisCornerGetBufferSize, (30, 24), size, 3, lumcv.lumType8u, 1)
+    lumcv.lumiHarrisCorner_8u32f_C1R(pixels, out, kind, size, 3, 0.05, 1e-10, REPLICATE, 0, scratch)
+    response = (a * c - b * b - 0.05 * (a + c) ** 2) * 1e-10 * 3**4
+    assert out == pytest.approx(response, rel=1e-3, abs=1e-5 * abs(response).max())
+    features = image(numpy.uint8, 24, 30, seed=5)
+    kept = numpy.empty_like(features)
+    scratch = lumcv.blocks(lumcv.lumiLineSuppressionGetBufferSize, (30, 24), size, 3, lumcv.lumType8u, 1)
+    lumcv.lumiLineSuppression_8u_C1R(pixels, features, kept, kind, size, 3, 6.0, REPLICATE, 0, scratch)
+    is_line = (a + c) ** 2 > (a * c - b * b) * 6.0
+    assert (kept == numpy.where(is_line, 0, features)).all() and 0.1 < is_line.mean() < 0.9
     # all distinct, so that a peak is above its neighbours
     peaks = numpy.random.default_rng(2).permutation(24 * 30).reshape(24, 30).astype(numpy.float32)
     points = numpy.zeros(200, numpy.dtype(lumcv.LumiPoint))
@@ -387,6 +406,11 @@ def test_edges_and_lines() -> None:
     count = lumcv.lumiHoughLine_8u32f_C1R(edges, step, 20, lines, 4, scratch)
     assert count >= 1
     assert lines[0] == pytest.approx([columns[0], 0])
+    spec, scratch = lumcv.blocks(lumcv.lumiHoughProbLineGetSize_8u_C1R, (50, 40), step)
+    lumcv.lumiHoughProbLineInit_8u32f_C1R((50, 40), step, 0, spec)
+    segments = numpy.zeros((4, 4), numpy.int32)
+    assert lumcv.lumiHoughProbLine_8u32f_C1R(edges, 20, 30, 2, segments, 4, scratch, spec) == 1
+    assert sorted(segments[0].reshape(2, 2).tolist()) == [[columns[0], 0], [columns[0], 39]]
 
 
 def test_distances() -> None:
@@ -492,6 +516,16 @@ def test_labels_speckles_and_watersheds() -> None:
     scratch = lumcv.blocks(lumcv.lumiSegmentWatershedGetBufferSize_8u_C1R, (21, 9))
     lumcv.lumiSegmentWatershed_8u_C1IR(heights, markers, 1, lumcv.lumSegmentByLevel, scratch)
     assert (markers[:, :10] == 1).all() and (markers[:, 11:] == 2).all()
+    # two plateaus, each of which is flooded from its seed before the step between them
+    plateaus = numpy.tile(numpy.where(numpy.arange(21) < 12, 50, 120).astype(numpy.uint8), (9, 1))
+    markers[:] = 0
+    markers[4, 2], markers[4, 18] = 1, 2
+    scratch = lumcv.blocks(lumcv.lumiSegmentGradientGetBufferSize_8u_C1R, (21, 9))
+    lumcv.lumiSegmentGradient_8u_C1IR(plateaus, markers, 1, 0, scratch)
+    inside = markers[1:8, 1:20]
+    assert (inside == numpy.where(plateaus[1:8, 1:20] == 50, 1, 2)).all()
+    markers[1:8, 1:20] = 255
+    assert (markers == 255).all()
 
 
 def test_background_and_motion() -> None:
