@@ -1,8 +1,9 @@
 // Straight integral images. An entry is the running total of its row, which begins at 0, added to the entry above. Two
 // rows are summed at a time: the second reads the entries above it from registers, and hides the time that the first
-// one's total takes from group to group.
+// one's total takes from group to group. Meanwhile, the two that come next are asked for.
 #include <algorithm>
 
+#include "frame/next_row.hpp"
 #include "integral/tables.hpp"
 #include "lumcv/integral.h"
 
@@ -35,19 +36,22 @@ template <class T, int N>
 template <class S, class T, int rows>
 struct RowBlock
 {
-    RowBlock(Plane<const S> src, Plane<T> table, int64_t y, int64_t height) : above(table.row(y) + 1)
+    RowBlock(Plane<const S> src, Plane<T> table, int64_t y, LumiSize roiSize) : above(table.row(y) + 1)
     {
         for (int k = 0; k < rows; ++k) {
             source[k] = src.row(y + k);
             entries[k] = table.row(y + k + 1) + 1;
         }
-        nextRow = y + rows < height ? table.step : 0;
+        const bool asks = y + 2 * rows <= roiSize.height && asksForNextRow(roiSize.width, roiSize.height);
+        sourceAhead = asks ? rows * src.step : 0;
+        entriesAhead = asks ? rows * table.step : 0;
     }
 
     const S* source[rows];
     const T* above;
     T* entries[rows];
-    int64_t nextRow;  ///< from the last row to the first of the next block, or 0
+    int64_t sourceAhead;   ///< bytes from a row to the same one of the next block, or 0
+    int64_t entriesAhead;  ///< and from its entries to theirs
 
     /// The pixels to take from column x on until entries are aligned to a register.
     int64_t unaligned(int64_t x) const
@@ -55,11 +59,16 @@ struct RowBlock
         return static_cast<int64_t>(-reinterpret_cast<uintptr_t>(entries[0] + x) % simd::registerBytes<T> / sizeof(T));
     }
 
-    /// Asks for entries of the next block at a column: what is only written would otherwise be waited for.
+    /// Asks for N columns of the next block, entries too: what is only written would otherwise be waited for.
     template <int N>
     [[gnu::always_inline]] void prefetchNext(int64_t x) const
     {
-        simd::prefetch<N>(rowAt(entries[rows - 1] + x, nextRow, 1));
+        if (entriesAhead == 0)
+            return;
+        for (int k = 0; k < rows; ++k) {
+            simd::prefetch<N>(rowAt(source[k] + x, sourceAhead, 1));
+            simd::prefetch<N>(static_cast<const T*>(rowAt(entries[k] + x, entriesAhead, 1)));
+        }
     }
 };
 
@@ -138,6 +147,7 @@ template <int rows>
         total[k] = simd::broadcast<4>(0.0f);
     int64_t x = 0;
     for (; x + 4 <= width; x += 4) {
+        block.template prefetchNext<4>(x);
         auto sums = simd::load<4>(block.above + x);
 #pragma GCC unroll 4
         for (int k = 0; k < rows; ++k) {
@@ -159,7 +169,7 @@ template <int rows>
 template <int rows, class S, class Term, class T>
 void integrateRows(Plane<const S> src, Table<Term, T> table, int64_t y, LumiSize roiSize)
 {
-    const RowBlock<S, T, rows> block(src, table.entries, y, roiSize.height);
+    const RowBlock<S, T, rows> block(src, table.entries, y, roiSize);
     for (int k = 0; k < rows; ++k)
         block.entries[k][-1] = table.initial;
     if constexpr (std::is_same_v<S, Lum32f>)

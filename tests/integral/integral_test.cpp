@@ -47,7 +47,8 @@ TEST(IntegralQuick, AgreesWithTheReference)
 // Tall and wide ones, so that sums run through every row and carries through every group.
 TEST(Integral, LargerImages)
 {
-    for (const LumiSize size : {LumiSize{1100, 40}, LumiSize{33, 700}, LumiSize{1, 500}, LumiSize{260, 260}}) {
+    for (const LumiSize size :
+         {LumiSize{1100, 40}, LumiSize{33, 700}, LumiSize{1, 500}, LumiSize{260, 260}, LumiSize{261, 71}}) {
         Random random(static_cast<std::uint64_t>(size.width));
         Image<Lum8u> source({.width = size.width, .height = size.height, .gap = 5});
         fillPixels(source, random);
