@@ -45,6 +45,11 @@ struct ColumnFold<FixedTaps<count>>
     {
     }
 
+    [[gnu::always_inline]] Lum32f* newest() const
+    {
+        return rows[2 * h];
+    }
+
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
     {
@@ -63,10 +68,19 @@ struct ColumnFold<AnyTaps>
     AnyTaps taps;
     RowRing ring;
     int64_t centre;
+    Lum32f* newestRow;
 
     ColumnFold(const AnyTaps& kernelTaps, const RowRing& rowRing, int64_t firstSlot)
-        : taps(kernelTaps), ring(rowRing), centre((firstSlot + rowRing.slots / 2) % rowRing.slots)
+        : taps(kernelTaps),
+          ring(rowRing),
+          centre((firstSlot + rowRing.slots / 2) % rowRing.slots),
+          newestRow(rowRing.rowBehind(firstSlot, rowRing.slots - 1))
     {
+    }
+
+    Lum32f* newest() const
+    {
+        return newestRow;
     }
 
     template <class Lanes>

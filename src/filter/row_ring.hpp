@@ -32,7 +32,7 @@ using RowRing = RingOf<Lum32f>;
 template <int count>
 struct RingRows
 {
-    const Lum32f* rows[count];
+    Lum32f* rows[count];
 
     RingRows(const RowRing& ring, int64_t first)
     {
@@ -40,7 +40,7 @@ struct RingRows
             rows[j] = ring.rowBehind(first, j);
     }
 
-    [[gnu::always_inline]] const Lum32f* operator[](int64_t j) const
+    [[gnu::always_inline]] Lum32f* operator[](int64_t j) const
     {
         return rows[j];
     }

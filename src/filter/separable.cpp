@@ -18,7 +18,7 @@ struct AnyRingRows
 
     AnyRingRows(const RowRing& rowRing, int64_t firstSlot) : ring(rowRing), first(firstSlot) {}
 
-    [[gnu::always_inline]] const Lum32f* operator[](int64_t j) const
+    [[gnu::always_inline]] Lum32f* operator[](int64_t j) const
     {
         return ring.rowBehind(first, j);
     }
@@ -41,6 +41,11 @@ struct ColumnConvolution
 {
     Taps taps;
     typename RowsUnder<Taps>::Type rows;
+
+    [[gnu::always_inline]] Lum32f* newest() const
+    {
+        return rows[taps.count() - 1];
+    }
 
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const

@@ -6,7 +6,10 @@
 //   Taps               what its loops are compiled for
 //   width(), height()  the taps along and across; before the centre lie (n - 1) / 2 of n
 //   along(line)        yields the sums of a row at (x, lanes); line[0] is the first tap of x = 0
-//   across(ring, slot) yields the sums of the ring's rows at (x, lanes); `slot` holds the first tap
+//   across(ring, slot) yields the sums of the ring's rows at (x, lanes); `slot` holds the first tap. Its newest() is
+//   where
+//                      the row of the last tap lies, the very pointer that it reads by: compilers see that what has
+//                      just been stored there need not be loaded again
 //   constant(value)    what along() would yield where all pixels are `value`
 //   stored<D>(sums)    the elements that go to the destination
 #pragma once
@@ -76,9 +79,10 @@ struct Upcoming
 
 /// Both for each step, so that the loads of the one overlap with the arithmetic of the other.
 template <class Kernel, class S, class D, class Along, class Across>
-[[gnu::flatten, gnu::noinline]] void filterThrough(Along along, Lum32f* slot, Across across, D* dst, int64_t n,
-                                                   bool isLarge, Upcoming<S, D> upcoming)
+[[gnu::flatten, gnu::noinline]] void filterThrough(Along along, Across across, D* dst, int64_t n, bool isLarge,
+                                                   Upcoming<S, D> upcoming)
 {
+    Lum32f* const slot = across.newest();
     storeRow<bandLanes<Kernel, D>>(dst, n, isLarge, [=](int64_t x, auto lanes) {
         simd::prefetch<lanes>(upcoming.src + x);
         simd::prefetch<lanes>(upcoming.dst + x);
@@ -119,7 +123,7 @@ void filterBand(const SeparableImages<S, D, channels>& images, const Kernel& ker
         else
             row.read(first, last, space);
         if (step.output >= 0)
-            filterThrough<Kernel, S, D>(kernel.along(line), slot, across, out, n, isLarge,
+            filterThrough<Kernel, S, D>(kernel.along(line), across, out, n, isLarge,
                                         {ahead(images.src, step.row.index), ahead(images.dst, step.output)});
         else
             filterIn<Kernel, D>(kernel.along(line), slot, n);
