@@ -241,70 +241,70 @@ template <class Kept, int size, int rows, bool areChained, class Result, class T
     const int64_t srcAhead = srcStep * rowsAhead, dstAhead = dstStep * rowsAhead;
     const T* const srcFirst = src.pixels;
     T* const dstFirst = dst.pixels;
-    Kept secondHalf[rows];
-    eachCarrying<N, Kept::vectors*(size - 1), areChained>(
-        n, carried, [=, &secondHalf](int64_t x, T* places, auto isBehind) {
-            const auto fresh = [&](int i) {
-                const T* const first = rowAt(srcFirst + x, srcStep, i);
-                simd::prefetch<N>(rowAt(first, srcAhead, 1));
-                Kept kept;
-                if constexpr (areChained) {
-                    const Kept half = window<Kept, radius + 1>(first + radius, 1);
-                    if constexpr (isBehind)
-                        kept = joined(Kept::template movedIn<radius>(secondHalf[i], half), half);
-                    else
-                        kept = joined(window<Kept, radius>(first, 1), half);
-                    secondHalf[i] = half;
-                } else
-                    kept = window<Kept, size>(first, channels);
-                return kept;
-            };
-            const auto put = [&](int i, Kept kept) {
-                T* const to = rowAt(dstFirst + x, dstStep, i);
-                simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
-                simd::store(to, result(kept));
-            };
-            if constexpr (joinsPairs<T>) {
-                Kept last = Kept::carriedAt(places + (size - 2) * place), pair = Kept::carriedAt(places + place);
-                for (int i = 0; i < rows; i += 2) {
-                    const Kept next = fresh(i);
-                    Kept common = joined(last, next);
-                    if constexpr (size == 5) {
-                        const Kept earlier = pair;
-                        pair = common;
-                        common = joined(earlier, common);
-                    }
-                    put(i, joined(Kept::carriedAt(places + i * place), common));
-                    if constexpr (replaces) {
-                        next.carry(places + i * place);
-                        if (i > 0)
-                            pair.carry(places + (i - 1) * place);
-                    }
-                    if (i + 1 < rows) {
-                        last = fresh(i + 1);
-                        put(i + 1, joined(common, last));
-                    }
+    [[maybe_unused]] Kept halves[rows];
+    [[maybe_unused]] Kept* const secondHalf = halves;
+    eachCarrying<N, Kept::vectors*(size - 1), areChained>(n, carried, [=](int64_t x, T* places, auto isBehind) {
+        const auto fresh = [&](int i) {
+            const T* const first = rowAt(srcFirst + x, srcStep, i);
+            simd::prefetch<N>(rowAt(first, srcAhead, 1));
+            Kept kept;
+            if constexpr (areChained) {
+                const Kept half = window<Kept, radius + 1>(first + radius, 1);
+                if constexpr (isBehind)
+                    kept = joined(Kept::template movedIn<radius>(secondHalf[i], half), half);
+                else
+                    kept = joined(window<Kept, radius>(first, 1), half);
+                secondHalf[i] = half;
+            } else
+                kept = window<Kept, size>(first, channels);
+            return kept;
+        };
+        const auto put = [&](int i, Kept kept) {
+            T* const to = rowAt(dstFirst + x, dstStep, i);
+            simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
+            simd::store(to, result(kept));
+        };
+        if constexpr (joinsPairs<T>) {
+            Kept last = Kept::carriedAt(places + (size - 2) * place), pair = Kept::carriedAt(places + place);
+            for (int i = 0; i < rows; i += 2) {
+                const Kept next = fresh(i);
+                Kept common = joined(last, next);
+                if constexpr (size == 5) {
+                    const Kept earlier = pair;
+                    pair = common;
+                    common = joined(earlier, common);
                 }
-                if constexpr (replaces)
-                    last.carry(places + (size - 2) * place);
-            } else {
-                Kept all[rows];
-                Kept below;
-                for (int i = 0; i < rows; ++i) {
-                    all[i] = fresh(i);
-                    below = i == 0 ? all[0] : joined(below, all[i]);
-                    put(i, joined(Kept::carriedAt(places + i * place), below));
-                }
+                put(i, joined(Kept::carriedAt(places + i * place), common));
                 if constexpr (replaces) {
-                    Kept above = all[rows - 1];
-                    above.carry(places + (size - 2) * place);
-                    for (int i = size - 3; i >= 0; --i) {
-                        above = joined(all[i], above);
-                        above.carry(places + i * place);
-                    }
+                    next.carry(places + i * place);
+                    if (i > 0)
+                        pair.carry(places + (i - 1) * place);
+                }
+                if (i + 1 < rows) {
+                    last = fresh(i + 1);
+                    put(i + 1, joined(common, last));
                 }
             }
-        });
+            if constexpr (replaces)
+                last.carry(places + (size - 2) * place);
+        } else {
+            Kept all[rows];
+            Kept below;
+            for (int i = 0; i < rows; ++i) {
+                all[i] = fresh(i);
+                below = i == 0 ? all[0] : joined(below, all[i]);
+                put(i, joined(Kept::carriedAt(places + i * place), below));
+            }
+            if constexpr (replaces) {
+                Kept above = all[rows - 1];
+                above.carry(places + (size - 2) * place);
+                for (int i = size - 3; i >= 0; --i) {
+                    above = joined(all[i], above);
+                    above.carry(places + i * place);
+                }
+            }
+        }
+    });
 }
 
 /// The columns that are worked through at a time, or 0 if there are too few or what they carry does not fit into the
