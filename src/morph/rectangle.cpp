@@ -3,6 +3,8 @@
 // Rectangles of 3x3 and 5x5 advance by as many rows as two windows share; what those rows have in common is carried
 // from step to step. For others a ring holds rows of windows, from which a block of output rows is combined: the rows
 // that all of them see are taken together once, and what each sees above and below is added step by step.
+#include <algorithm>
+
 #include "morph/area.hpp"
 #include "morph/morph_sizes.hpp"
 #include "simd/successive.hpp"
@@ -13,6 +15,10 @@ namespace {
 /// Columns are worked through in bands of this many bytes, so that carried rows and rings stay in the first-level
 /// cache.
 constexpr int64_t cacheBytes = 24 * 1024;
+
+/// A ring that would leave bands narrower than this may be larger: what a row costs beside its pixels, and what
+/// processors fetch ahead in vain, is more than a ring in the second-level cache.
+constexpr int64_t leastBandBytes = 1024;
 
 /// Rows of the image are asked for so early: a ring is not to be driven out of the first-level cache by more of them.
 constexpr int64_t imageRowsAhead = 2;
@@ -75,21 +81,17 @@ template <int unit, class Operation, class T>
 template <class Operation, class T>
 bool windowsOfEight(const T* from, T* to, int64_t unit, int64_t n, int64_t ahead)
 {
-    if constexpr (std::is_integral_v<T>) {
-        switch (unit) {
-            case 1:
-                windowsOfEight<1, Operation>(from, to, n, ahead);
-                return true;
-            case 3:
-                if constexpr (sizeof(T) == 1)
-                    windowsOfEight<3, Operation>(from, to, n, ahead);
-                return sizeof(T) == 1;
-            case 4:
-                if constexpr (sizeof(T) == 1)
-                    windowsOfEight<4, Operation>(from, to, n, ahead);
-                return sizeof(T) == 1;
+    if constexpr (std::is_integral_v<T>)
+        if (unit == 1) {
+            windowsOfEight<1, Operation>(from, to, n, ahead);
+            return true;
         }
-    }
+    if constexpr (sizeof(T) == 1)
+        if (unit == 3 || unit == 4) {
+            unit == 3 ? windowsOfEight<3, Operation>(from, to, n, ahead)
+                      : windowsOfEight<4, Operation>(from, to, n, ahead);
+            return true;
+        }
     return false;
 }
 
@@ -104,6 +106,8 @@ struct Extreme
 {
     static constexpr int N = squareLanes<T>;
     static constexpr int vectors = 1;
+    /// Moving lanes between the 16-byte parts of wider registers costs more than it saves.
+    static constexpr bool canBeChained = std::is_integral_v<T> && simd::registerBytes<T> == 16;
     simd::Vec<T, N> value;
 
     [[gnu::always_inline]] static Extreme ofPixels(const T* pixels)
@@ -125,6 +129,13 @@ struct Extreme
     {
         return {Operation{}(earlier.value, later.value)};
     }
+
+    /// What is kept `count` pixels before those of a vector, of which it and the one before it are given.
+    template <int count>
+    [[gnu::always_inline]] static Extreme movedIn(Extreme earlier, Extreme later)
+    {
+        return {simd::movedIn<count>(earlier.value, later.value)};
+    }
 };
 
 /// The largest and the smallest.
@@ -133,6 +144,7 @@ struct Extremes
 {
     static constexpr int N = squareLanes<T>;
     static constexpr int vectors = 2;
+    static constexpr bool canBeChained = false;
     simd::Vec<T, N> largest, smallest;
 
     [[gnu::always_inline]] static Extremes ofPixels(const T* pixels)
@@ -167,66 +179,129 @@ template <class Kept, int size, class T>
     return kept;
 }
 
-/// Calls body(x, place) for the vectors of a row of n elements, N at least, with a place for what each vector carries
-/// from row to row. The last one may overlap the one before it, but what they carry does not.
-template <int N, int carriedVectors, class T, class Body>
+/// Calls body(x, place, isBehind) for the vectors of a row of n elements, N at least, with a place for what each vector
+/// carries from row to row. The last one may overlap the one before it, but what they carry does not; isBehind tells a
+/// body that wants to know it that the vector before this one has just been seen.
+template <int N, int carriedVectors, bool wantsToKnow, class T, class Body>
 [[gnu::always_inline]] inline void eachCarrying(int64_t n, T* carried, Body body)
 {
     int64_t x = 0;
+    if constexpr (wantsToKnow) {
+        body(x, carried, std::false_type{});
+        x += N;
+        carried += carriedVectors * N;
+    }
     for (; x + N <= n; x += N, carried += carriedVectors * N)
-        body(x, carried);
+        body(x, carried, std::bool_constant<wantsToKnow>{});
     if (x < n)
-        body(n - N, carried);
+        body(n - N, carried, std::false_type{});
 }
 
-/// What a square of `size` carries for each vector: place i holds what is kept of the last size - 1 - i rows of
-/// windows. These are the first of them.
+/// Whether a square joins rows of windows in pairs, each of which serves four output rows: where it does not, a
+/// not-a-number comes out by the order of operations.
+template <class T>
+inline constexpr bool joinsPairs = std::is_integral_v<T>;
+
+/// What a square of `size` carries for each vector: these are the first of them. Place i holds what is kept of the last
+/// size - 1 - i rows of windows or, where rows are joined in pairs, of row i alone, but of two rows if i is odd and not
+/// the last.
 template <class Kept, int size, class T>
 [[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, int64_t channels, T* carried, int64_t n)
 {
     constexpr int place = Kept::vectors * Kept::N;
     const int64_t step = src.step;
     const T* const first = src.pixels;
-    eachCarrying<Kept::N, Kept::vectors*(size - 1)>(n, carried, [=](int64_t x, T* places) {
-        Kept above = window<Kept, size>(rowAt(first + x, step, size - 2), channels);
-        above.carry(places + (size - 2) * place);
+    eachCarrying<Kept::N, Kept::vectors*(size - 1), false>(n, carried, [=](int64_t x, T* places, std::false_type) {
+        Kept below = window<Kept, size>(rowAt(first + x, step, size - 2), channels);
+        below.carry(places + (size - 2) * place);
         for (int i = size - 3; i >= 0; --i) {
-            above = joined(window<Kept, size>(rowAt(first + x, step, i), channels), above);
-            above.carry(places + i * place);
+            const Kept row = window<Kept, size>(rowAt(first + x, step, i), channels);
+            const bool isAlone = joinsPairs<T> && i % 2 == 0;
+            const Kept joinedRows = joined(row, below);
+            (isAlone ? row : joinedRows).carry(places + i * place);
+            below = joinsPairs<T> ? row : joinedRows;
         }
     });
 }
 
 /// Computes `rows` output rows from as many new rows, of which `src` is the first window, and what is carried; replaces
 /// that by the new rows if these are enough. The rows that many further on are asked for.
-template <class Kept, int size, int rows, class Result, class T>
+///
+/// If windows are chained, pixels are single elements, and each vector of windows finds the first half of its pixels in
+/// what the one before it has kept of the second half.
+template <class Kept, int size, int rows, bool areChained, class Result, class T>
 [[gnu::flatten, gnu::noinline]] void advance(Result result, Plane<const T> src, int64_t channels, Plane<T> dst,
                                              T* carried, int64_t n, int64_t rowsAhead)
 {
     constexpr int N = Kept::N;
     constexpr int place = Kept::vectors * N;
+    constexpr int radius = size / 2;
+    constexpr bool replaces = rows == size - 1;
     const int64_t srcStep = src.step, dstStep = dst.step;
     const int64_t srcAhead = srcStep * rowsAhead, dstAhead = dstStep * rowsAhead;
     const T* const srcFirst = src.pixels;
     T* const dstFirst = dst.pixels;
-    eachCarrying<N, Kept::vectors*(size - 1)>(n, carried, [=](int64_t x, T* places) {
-        Kept fresh[rows];
-        Kept below;
-        for (int i = 0; i < rows; ++i) {
+    [[maybe_unused]] Kept halves[rows];
+    [[maybe_unused]] Kept* const secondHalf = halves;
+    eachCarrying<N, Kept::vectors*(size - 1), areChained>(n, carried, [=](int64_t x, T* places, auto isBehind) {
+        const auto fresh = [&](int i) {
             const T* const first = rowAt(srcFirst + x, srcStep, i);
-            T* const to = rowAt(dstFirst + x, dstStep, i);
             simd::prefetch<N>(rowAt(first, srcAhead, 1));
+            Kept kept;
+            if constexpr (areChained) {
+                const Kept half = window<Kept, radius + 1>(first + radius, 1);
+                if constexpr (isBehind)
+                    kept = joined(Kept::template movedIn<radius>(secondHalf[i], half), half);
+                else
+                    kept = joined(window<Kept, radius>(first, 1), half);
+                secondHalf[i] = half;
+            } else
+                kept = window<Kept, size>(first, channels);
+            return kept;
+        };
+        const auto put = [&](int i, Kept kept) {
+            T* const to = rowAt(dstFirst + x, dstStep, i);
             simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
-            fresh[i] = window<Kept, size>(first, channels);
-            below = i == 0 ? fresh[0] : joined(below, fresh[i]);
-            simd::store(to, result(joined(Kept::carriedAt(places + i * place), below)));
-        }
-        if constexpr (rows == size - 1) {
-            Kept above = fresh[rows - 1];
-            above.carry(places + (size - 2) * place);
-            for (int i = size - 3; i >= 0; --i) {
-                above = joined(fresh[i], above);
-                above.carry(places + i * place);
+            simd::store(to, result(kept));
+        };
+        if constexpr (joinsPairs<T>) {
+            Kept last = Kept::carriedAt(places + (size - 2) * place), pair = Kept::carriedAt(places + place);
+            for (int i = 0; i < rows; i += 2) {
+                const Kept next = fresh(i);
+                Kept common = joined(last, next);
+                if constexpr (size == 5) {
+                    const Kept earlier = pair;
+                    pair = common;
+                    common = joined(earlier, common);
+                }
+                put(i, joined(Kept::carriedAt(places + i * place), common));
+                if constexpr (replaces) {
+                    next.carry(places + i * place);
+                    if (i > 0)
+                        pair.carry(places + (i - 1) * place);
+                }
+                if (i + 1 < rows) {
+                    last = fresh(i + 1);
+                    put(i + 1, joined(common, last));
+                }
+            }
+            if constexpr (replaces)
+                last.carry(places + (size - 2) * place);
+        } else {
+            Kept all[rows];
+            Kept below;
+            for (int i = 0; i < rows; ++i) {
+                all[i] = fresh(i);
+                below = i == 0 ? all[0] : joined(below, all[i]);
+                put(i, joined(Kept::carriedAt(places + i * place), below));
+            }
+            if constexpr (replaces) {
+                Kept above = all[rows - 1];
+                above.carry(places + (size - 2) * place);
+                for (int i = size - 3; i >= 0; --i) {
+                    above = joined(all[i], above);
+                    above.carry(places + i * place);
+                }
             }
         }
     });
@@ -249,6 +324,7 @@ void square(Result result, Area<T> area, int64_t band, Scratch scratch)
 {
     constexpr int radius = size / 2;
     constexpr int step = size - 1;
+    constexpr bool areChained = Kept::canBeChained && size == 5;
     const int64_t channels = area.channels;
     T* const carried = reinterpret_cast<T*>(scratch.begin);
     for (int64_t end = 0; end < area.elements;) {
@@ -262,11 +338,15 @@ void square(Result result, Area<T> area, int64_t band, Scratch scratch)
         int64_t y = 0;
         for (; y + step <= area.height; y += step) {
             const int64_t ahead = y + 2 * step <= area.height ? step : 0;
-            advance<Kept, size, step>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, ahead);
+            if (areChained && channels == 1)
+                advance<Kept, size, step, areChained>(result, srcFrom(y + step), channels, dstFrom(y), carried, band,
+                                                      ahead);
+            else
+                advance<Kept, size, step, false>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, ahead);
         }
         const auto rest = [&]<int rows>(simd::Lanes<rows>) {
             if (area.height - y == rows)
-                advance<Kept, size, rows>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, 0);
+                advance<Kept, size, rows, false>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, 0);
         };
         rest(simd::Lanes<1>{});
         if constexpr (step > 2) {
@@ -327,7 +407,8 @@ template <int rows, class Operation, class T>
     // a cache line at a time: there is enough to do while the maximum of what all rows see waits for its next row
     constexpr int line = 64 / static_cast<int>(sizeof(T));
     simd::eachAtLeastOnce<line>(0, n, [=, &seenAt](int64_t x, auto lanes) {
-        constexpr int N = lanes < simd::registerLanes<T> ? int{lanes} : simd::registerLanes<T>;
+        // two registers for each row that is looked up
+        constexpr int N = lanes < 2 * simd::registerLanes<T> ? int{lanes} : 2 * simd::registerLanes<T>;
         constexpr int parts = lanes / N;
         using V = simd::Vec<T, N>;
         V common[parts];
@@ -457,11 +538,9 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
     constexpr int64_t elementBytes = sizeof(T), aligned = 32 / elementBytes;
     const int64_t slots = height - 1 + (height < mostRows ? height : mostRows);
     const int64_t excess = roundedUp((width - 1) * channels, aligned);
-    const int64_t room = scratch.bytes / elementBytes - excess, cached = cacheBytes / elementBytes;
-    const int64_t available = (room < cached ? room : cached) / (slots + 1);
-    const int64_t least = 64 * channels;
-    const int64_t possible = room / (slots + 1);
-    const int64_t widest = available > least ? available : possible < least ? possible : least;
+    const int64_t possible = (scratch.bytes / elementBytes - excess) / (slots + 1);
+    const int64_t cached = cacheBytes / (slots + 1), wanted = cached < leastBandBytes ? leastBandBytes : cached;
+    const int64_t widest = std::min(wanted / elementBytes, possible);
     const int64_t band = bandElements(area.elements, widest);
     const int64_t pitch = roundedUp(band, aligned) <= possible ? roundedUp(band, aligned) : band;
     T* const ring = line + pitch + excess;
