@@ -7,9 +7,8 @@
 //   width(), height()  the taps along and across; before the centre lie (n - 1) / 2 of n
 //   along(line)        yields the sums of a row at (x, lanes); line[0] is the first tap of x = 0
 //   across(ring, slot) yields the sums of the ring's rows at (x, lanes); `slot` holds the first tap. Its newest() is
-//   where
-//                      the row of the last tap lies, the very pointer that it reads by: compilers see that what has
-//                      just been stored there need not be loaded again
+//                      the last tap's row, by the pointer that it is read by: compilers see then that what has just
+//                      been stored there need not be loaded again
 //   constant(value)    what along() would yield where all pixels are `value`
 //   stored<D>(sums)    the elements that go to the destination
 #pragma once

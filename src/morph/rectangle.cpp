@@ -106,8 +106,6 @@ struct Extreme
 {
     static constexpr int N = squareLanes<T>;
     static constexpr int vectors = 1;
-    /// Moving lanes between the 16-byte parts of wider registers costs more than it saves.
-    static constexpr bool canBeChained = std::is_integral_v<T> && simd::registerBytes<T> == 16;
     simd::Vec<T, N> value;
 
     [[gnu::always_inline]] static Extreme ofPixels(const T* pixels)
@@ -129,13 +127,6 @@ struct Extreme
     {
         return {Operation{}(earlier.value, later.value)};
     }
-
-    /// What is kept `count` pixels before those of a vector, of which it and the one before it are given.
-    template <int count>
-    [[gnu::always_inline]] static Extreme movedIn(Extreme earlier, Extreme later)
-    {
-        return {simd::movedIn<count>(earlier.value, later.value)};
-    }
 };
 
 /// The largest and the smallest.
@@ -144,7 +135,6 @@ struct Extremes
 {
     static constexpr int N = squareLanes<T>;
     static constexpr int vectors = 2;
-    static constexpr bool canBeChained = false;
     simd::Vec<T, N> largest, smallest;
 
     [[gnu::always_inline]] static Extremes ofPixels(const T* pixels)
@@ -179,114 +169,85 @@ template <class Kept, int size, class T>
     return kept;
 }
 
-/// Calls body(x, place, isBehind) for the vectors of a row of n elements, N at least, with a place for what each vector
-/// carries from row to row. The last one may overlap the one before it, but what they carry does not; isBehind tells a
-/// body that wants to know it that the vector before this one has just been seen.
-template <int N, int carriedVectors, bool wantsToKnow, class T, class Body>
+/// Calls body(x, place) for the vectors of a row of n elements, N at least, with a place for what each vector carries
+/// from row to row. The last one may overlap the one before it, but what they carry does not.
+template <int N, int carriedVectors, class T, class Body>
 [[gnu::always_inline]] inline void eachCarrying(int64_t n, T* carried, Body body)
 {
     int64_t x = 0;
-    if constexpr (wantsToKnow) {
-        body(x, carried, std::false_type{});
-        x += N;
-        carried += carriedVectors * N;
-    }
     for (; x + N <= n; x += N, carried += carriedVectors * N)
-        body(x, carried, std::bool_constant<wantsToKnow>{});
+        body(x, carried);
     if (x < n)
-        body(n - N, carried, std::false_type{});
+        body(n - N, carried);
 }
 
-/// Whether a square joins rows of windows in pairs, each of which serves four output rows: where it does not, a
-/// not-a-number comes out by the order of operations.
-template <class T>
-inline constexpr bool joinsPairs = std::is_integral_v<T>;
+/// Whether rows of windows are joined in pairs, each of which serves four output rows of a square: where they are not,
+/// a not-a-number comes out by the order of operations.
+template <class T, int size>
+inline constexpr bool joinsPairs = size == 5 && std::is_integral_v<T>;
 
 /// What a square of `size` carries for each vector: these are the first of them. Place i holds what is kept of the last
-/// size - 1 - i rows of windows or, where rows are joined in pairs, of row i alone, but of two rows if i is odd and not
-/// the last.
+/// size - 1 - i rows of windows or, where rows are joined in pairs, of row i alone, but of rows 1 and 2 in place 1.
 template <class Kept, int size, class T>
 [[gnu::flatten, gnu::noinline]] void beginCarrying(Plane<const T> src, int64_t channels, T* carried, int64_t n)
 {
     constexpr int place = Kept::vectors * Kept::N;
     const int64_t step = src.step;
     const T* const first = src.pixels;
-    eachCarrying<Kept::N, Kept::vectors*(size - 1), false>(n, carried, [=](int64_t x, T* places, std::false_type) {
+    eachCarrying<Kept::N, Kept::vectors*(size - 1)>(n, carried, [=](int64_t x, T* places) {
         Kept below = window<Kept, size>(rowAt(first + x, step, size - 2), channels);
         below.carry(places + (size - 2) * place);
         for (int i = size - 3; i >= 0; --i) {
             const Kept row = window<Kept, size>(rowAt(first + x, step, i), channels);
-            const bool isAlone = joinsPairs<T> && i % 2 == 0;
-            const Kept joinedRows = joined(row, below);
-            (isAlone ? row : joinedRows).carry(places + i * place);
-            below = joinsPairs<T> ? row : joinedRows;
+            const Kept both = joined(row, below);
+            (joinsPairs<T, size> && i != 1 ? row : both).carry(places + i * place);
+            below = joinsPairs<T, size> ? row : both;
         }
     });
 }
 
 /// Computes `rows` output rows from as many new rows, of which `src` is the first window, and what is carried; replaces
 /// that by the new rows if these are enough. The rows that many further on are asked for.
-///
-/// If windows are chained, pixels are single elements, and each vector of windows finds the first half of its pixels in
-/// what the one before it has kept of the second half.
-template <class Kept, int size, int rows, bool areChained, class Result, class T>
+template <class Kept, int size, int rows, class Result, class T>
 [[gnu::flatten, gnu::noinline]] void advance(Result result, Plane<const T> src, int64_t channels, Plane<T> dst,
                                              T* carried, int64_t n, int64_t rowsAhead)
 {
     constexpr int N = Kept::N;
     constexpr int place = Kept::vectors * N;
-    constexpr int radius = size / 2;
     constexpr bool replaces = rows == size - 1;
     const int64_t srcStep = src.step, dstStep = dst.step;
     const int64_t srcAhead = srcStep * rowsAhead, dstAhead = dstStep * rowsAhead;
     const T* const srcFirst = src.pixels;
     T* const dstFirst = dst.pixels;
-    [[maybe_unused]] Kept halves[rows];
-    [[maybe_unused]] Kept* const secondHalf = halves;
-    eachCarrying<N, Kept::vectors*(size - 1), areChained>(n, carried, [=](int64_t x, T* places, auto isBehind) {
-        const auto fresh = [&](int i) {
+    eachCarrying<N, Kept::vectors*(size - 1)>(n, carried, [=](int64_t x, T* places) {
+        const auto fresh = [=](int i) {
             const T* const first = rowAt(srcFirst + x, srcStep, i);
             simd::prefetch<N>(rowAt(first, srcAhead, 1));
-            Kept kept;
-            if constexpr (areChained) {
-                const Kept half = window<Kept, radius + 1>(first + radius, 1);
-                if constexpr (isBehind)
-                    kept = joined(Kept::template movedIn<radius>(secondHalf[i], half), half);
-                else
-                    kept = joined(window<Kept, radius>(first, 1), half);
-                secondHalf[i] = half;
-            } else
-                kept = window<Kept, size>(first, channels);
-            return kept;
+            return window<Kept, size>(first, channels);
         };
-        const auto put = [&](int i, Kept kept) {
+        const auto put = [=](int i, Kept kept) {
             T* const to = rowAt(dstFirst + x, dstStep, i);
             simd::prefetch<N>(static_cast<const T*>(rowAt(to, dstAhead, 1)));
             simd::store(to, result(kept));
         };
-        if constexpr (joinsPairs<T>) {
-            Kept last = Kept::carriedAt(places + (size - 2) * place), pair = Kept::carriedAt(places + place);
+        if constexpr (joinsPairs<T, size>) {
+            Kept last = Kept::carriedAt(places + 3 * place), pair = Kept::carriedAt(places + place);
             for (int i = 0; i < rows; i += 2) {
-                const Kept next = fresh(i);
-                Kept common = joined(last, next);
-                if constexpr (size == 5) {
-                    const Kept earlier = pair;
-                    pair = common;
-                    common = joined(earlier, common);
-                }
+                const Kept next = fresh(i), both = joined(last, next);
+                const Kept common = joined(pair, both);
                 put(i, joined(Kept::carriedAt(places + i * place), common));
-                if constexpr (replaces) {
+                pair = both;
+                if constexpr (replaces)
                     next.carry(places + i * place);
-                    if (i > 0)
-                        pair.carry(places + (i - 1) * place);
-                }
                 if (i + 1 < rows) {
                     last = fresh(i + 1);
                     put(i + 1, joined(common, last));
                 }
             }
-            if constexpr (replaces)
-                last.carry(places + (size - 2) * place);
+            if constexpr (replaces) {
+                pair.carry(places + place);
+                last.carry(places + 3 * place);
+            }
         } else {
             Kept all[rows];
             Kept below;
@@ -324,7 +285,6 @@ void square(Result result, Area<T> area, int64_t band, Scratch scratch)
 {
     constexpr int radius = size / 2;
     constexpr int step = size - 1;
-    constexpr bool areChained = Kept::canBeChained && size == 5;
     const int64_t channels = area.channels;
     T* const carried = reinterpret_cast<T*>(scratch.begin);
     for (int64_t end = 0; end < area.elements;) {
@@ -338,15 +298,11 @@ void square(Result result, Area<T> area, int64_t band, Scratch scratch)
         int64_t y = 0;
         for (; y + step <= area.height; y += step) {
             const int64_t ahead = y + 2 * step <= area.height ? step : 0;
-            if (areChained && channels == 1)
-                advance<Kept, size, step, areChained>(result, srcFrom(y + step), channels, dstFrom(y), carried, band,
-                                                      ahead);
-            else
-                advance<Kept, size, step, false>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, ahead);
+            advance<Kept, size, step>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, ahead);
         }
         const auto rest = [&]<int rows>(simd::Lanes<rows>) {
             if (area.height - y == rows)
-                advance<Kept, size, rows, false>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, 0);
+                advance<Kept, size, rows>(result, srcFrom(y + step), channels, dstFrom(y), carried, band, 0);
         };
         rest(simd::Lanes<1>{});
         if constexpr (step > 2) {

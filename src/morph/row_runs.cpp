@@ -3,10 +3,7 @@
 // Where each row of the element is a run, every image row is reduced once for each length that occurs, the longer
 // windows from the shorter ones, into a ring of rows; an output row then takes one window from each row under the
 // element. Two neighbouring output rows join first what both of them take.
-#include <utility>
-
 #include "morph/area.hpp"
-#include "simd/successive.hpp"
 
 namespace lumcv {
 namespace {
@@ -120,16 +117,13 @@ RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLeng
     return {lines, band, pitch - excess <= possible ? pitch : band + excess, slots};
 }
 
-template <class T>
-inline constexpr int nestedLanes = lanesIn<T, 4>;
-
 /// Windows of several lengths that begin at the same pixel, each from the one before it, for x in [begin, end).
 template <class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void nestedWindows(const T* from, const int64_t* lengths, int64_t count, T* to,
                                                    int64_t pitch, int64_t channels, int64_t begin, int64_t end,
                                                    int64_t ahead)
 {
-    simd::eachAtLeastOnce<nestedLanes<T>>(begin, end, [=](int64_t x, auto lanes) {
+    simd::eachAtLeastOnce<lanesIn<T, 4>>(begin, end, [=](int64_t x, auto lanes) {
         if constexpr (lanes > 1)
             simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
         const T* next = from + x;
@@ -147,69 +141,6 @@ template <class Operation, class T>
     });
 }
 
-/// The same for integers, of which a pixel is one, and lengths that are all odd or all even, the longest one 2 * pairs
-/// or one more. Of the vectors' pairs of pixels the last one is loaded, and the others are those of the vector before,
-/// moved in; so the first vector is left out.
-template <int pairs, class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void nestedPairs(const T* from, const int64_t* lengths, int64_t count, T* to,
-                                                 int64_t pitch, int64_t n, int64_t ahead)
-{
-    constexpr int N = nestedLanes<T>;
-    T* lines[pairs] = {};  // by the pairs of their windows
-    for (int64_t i = 0; i < count; ++i)
-        lines[lengths[i] / 2 - 1] = to + i * pitch;
-    const T* const ofLastPair = from + lengths[0] % 2 + 2 * (pairs - 1);
-    const auto lastPair = [=](int64_t x) {
-        return Operation{}(simd::load<N>(ofLastPair + x), simd::load<N>(ofLastPair + x + 1));
-    };
-    auto earlier = lastPair(0);
-    for (int64_t x = N; x + N <= n; x += N) {
-        simd::prefetch<N>(rowAt(from + x, ahead, 1));
-        const auto later = lastPair(x);
-        auto extreme = simd::load<N>(from + x);
-        const auto grow = [&]<int pair>(simd::Lanes<pair>) {
-            extreme = Operation{}(extreme, simd::movedIn<2 * (pairs - 1 - pair)>(earlier, later));
-            if (lines[pair])
-                simd::store(lines[pair] + x, extreme);
-        };
-        [&]<int... pair>(std::integer_sequence<int, pair...>)
-        {
-            (grow(simd::Lanes<pair>{}), ...);
-        }
-        (std::make_integer_sequence<int, pairs>{});
-        earlier = later;
-    }
-}
-
-/// Whether it can be done for these lengths, and is: up to 2 * 5 + 1 pixels, whose pairs of 16 bits still move within
-/// 16 bytes.
-template <class Operation, class T>
-bool nestedPairs(const T* from, const int64_t* lengths, int64_t count, T* to, int64_t pitch, int64_t channels,
-                 int64_t n, int64_t ahead)
-{
-    if constexpr (std::is_integral_v<T>) {
-        bool areAlike = channels == 1;
-        for (int64_t i = 1; i < count; ++i)
-            areAlike = areAlike && lengths[i] % 2 == lengths[0] % 2;
-        const int64_t pairs = areAlike ? lengths[count - 1] / 2 : 0;
-        switch (pairs) {
-            case 2:
-                nestedPairs<2, Operation>(from, lengths, count, to, pitch, n, ahead);
-                return true;
-            case 3:
-                nestedPairs<3, Operation>(from, lengths, count, to, pitch, n, ahead);
-                return true;
-            case 4:
-                nestedPairs<4, Operation>(from, lengths, count, to, pitch, n, ahead);
-                return true;
-            case 5:
-                nestedPairs<5, Operation>(from, lengths, count, to, pitch, n, ahead);
-                return true;
-        }
-    }
-    return false;
-}
-
 /// Fills a line for each length above 1 with all its windows in so many elements.
 template <class Operation, class T>
 void fillLines(const T* from, const RunLengths& lengths, T* to, int64_t pitch, int64_t channels, int64_t elements,
@@ -224,18 +155,11 @@ void fillLines(const T* from, const RunLengths& lengths, T* to, int64_t pitch, i
         return;
     if (lengths.length[lengths.count - 1] <= longestNested) {
         const int64_t* const length = lengths.length + first;
-        const int64_t n = windows(length[lines - 1]);
-        constexpr int N = nestedLanes<T>;
-        if (n > 2 * N && nestedPairs<Operation>(from, length, lines, to, pitch, channels, n, ahead)) {
-            nestedWindows<Operation>(from, length, lines, to, pitch, channels, 0, N, ahead);
-            if (n % N != 0)
-                nestedWindows<Operation>(from, length, lines, to, pitch, channels, n - N, n, 0);
-        } else
-            nestedWindows<Operation>(from, length, lines, to, pitch, channels, 0, n, ahead);
+        nestedWindows<Operation>(from, length, lines, to, pitch, channels, 0, windows(length[lines - 1]), ahead);
         for (int64_t count = lines - 1; count > 0; --count) {
             // the shorter windows go further; a vector that overlaps what is there costs less than a few elements
             const int64_t end = windows(length[count - 1]), missing = end - windows(length[count]);
-            const int64_t whole = missing < nestedLanes<T> ? nestedLanes<T> : missing;
+            const int64_t whole = missing < lanesIn<T, 4> ? lanesIn<T, 4> : missing;
             nestedWindows<Operation>(from, length, count, to, pitch, channels, end < whole ? 0 : end - whole, end, 0);
         }
         return;
