@@ -71,12 +71,12 @@ Measurement measure(const Call& call, std::size_t copyBytes, double seconds)
 
     const double first = timeCall(1);
     timeCopy(1);
-    // a long call has been seen well enough: what the first one costs besides, and chance, count little in it
-    constexpr double longCall = 0.1;
+    // a long call is soon seen well enough: what the first one costs besides, and chance, count little in it
+    constexpr double longCall = 0.1, veryLongCall = 1;
     const int calls = first > longCall ? 1 : repetitions(timeCall(1));
     const int copies = repetitions(timeCopy(1));
 
-    const std::size_t leastPairs = first > longCall ? 3 : 5;
+    const std::size_t leastPairs = first > veryLongCall ? 1 : first > longCall ? 3 : 5;
     constexpr std::size_t mostPairs = 2001;
     std::vector<double> callTimes, copyTimes, ratios;
     const auto start = Clock::now();
