@@ -112,8 +112,12 @@ FlowPixels<T> pixelsUnder(Plane<const T> image, int64_t width, const FlowWindow&
     if (x + roundedUp(area.width, flowLanes) + right <= width)
         return {plane, right, below};
     const Plane<T> copy{copyBlock, copyStep * static_cast<int64_t>(sizeof(T))};
-    for (int64_t y = 0; y < area.height + below; ++y)
-        __builtin_memcpy(copy.row(y), plane.row(y), static_cast<std::size_t>(area.width + right) * sizeof(T));
+    const int64_t copied = area.width + right, read = roundedUp(area.width, flowLanes) + right;
+    for (int64_t y = 0; y < area.height + below; ++y) {
+        __builtin_memcpy(copy.row(y), plane.row(y), static_cast<std::size_t>(copied) * sizeof(T));
+        // they count for nothing, but are not to be read before they are written
+        __builtin_memset(copy.row(y) + copied, 0, static_cast<std::size_t>(read - copied) * sizeof(T));
+    }
     return {{copy.pixels, copy.step}, right, below};
 }
 
