@@ -68,19 +68,15 @@ struct ColumnFold<AnyTaps>
     AnyTaps taps;
     RowRing ring;
     int64_t centre;
-    Lum32f* newestRow;
 
     ColumnFold(const AnyTaps& kernelTaps, const RowRing& rowRing, int64_t firstSlot)
-        : taps(kernelTaps),
-          ring(rowRing),
-          centre((firstSlot + rowRing.slots / 2) % rowRing.slots),
-          newestRow(rowRing.rowBehind(firstSlot, rowRing.slots - 1))
+        : taps(kernelTaps), ring(rowRing), centre((firstSlot + rowRing.slots / 2) % rowRing.slots)
     {
     }
 
     Lum32f* newest() const
     {
-        return newestRow;
+        return ring.rowBehind(centre, ring.slots / 2);
     }
 
     template <class Lanes>

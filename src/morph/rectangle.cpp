@@ -495,7 +495,7 @@ void rectangle(Area<T> area, int64_t width, int64_t height, Scratch scratch)
     const int64_t slots = height - 1 + (height < mostRows ? height : mostRows);
     const int64_t excess = roundedUp((width - 1) * channels, aligned);
     const int64_t possible = (scratch.bytes / elementBytes - excess) / (slots + 1);
-    const int64_t cached = cacheBytes / (slots + 1), wanted = cached < leastBandBytes ? leastBandBytes : cached;
+    const int64_t wanted = std::max(cacheBytes / (slots + 1), leastBandBytes);
     const int64_t widest = std::min(wanted / elementBytes, possible);
     const int64_t band = bandElements(area.elements, widest);
     const int64_t pitch = roundedUp(band, aligned) <= possible ? roundedUp(band, aligned) : band;
