@@ -96,7 +96,16 @@ class Pass
     void inPlace(const Rectangle& area) const
     {
         kernel({src_.row(area.y) + area.x * channels_, src_.step}, {dstAt(area.x, area.y), dst_.step}, area.width,
-               area.height);
+               area.height, wholeScratch());
+    }
+
+    /// Where nothing is extended the ring may take all the scratch. Larger rings make wider bands.
+    Scratch wholeScratch() const
+    {
+        if (element_.width >= roi_.width || element_.height >= roi_.height)
+            return ring_;
+        const Bytes strip = stripPixels(roi_, {element_.width, element_.height});
+        return {ring_.begin, ring_.bytes + byteStep(static_cast<int64_t>(strip) * channels_)};
     }
 
     /// Computes an area from a copy with its border.
@@ -109,7 +118,7 @@ class Pass
         if (isNarrow(area))
             return narrowArea(area, pitch);
         kernel({extended_ + top_ * pitch + left_ * channels_, byteStep(pitch)}, {dstAt(area.x, area.y), dst_.step},
-               area.width, area.height);
+               area.width, area.height, ring_);
     }
 
     static int64_t byteStep(int64_t elements)
@@ -272,16 +281,16 @@ class Pass
     }
 
     /// The kernel for the element's shape; all give the same image.
-    void kernel(Plane<const T> src, Plane<T> dst, int64_t width, int64_t height) const
+    void kernel(Plane<const T> src, Plane<T> dst, int64_t width, int64_t height, Scratch ring) const
     {
         if (width < 1 || height < 1)
             return;
         const Area<T> area{src, dst, width * channels_, height, channels_};
         if (element_.is(shapeRectangle))
-            rectangle<Operation>(area, element_.width, element_.height, ring_);
+            rectangle<Operation>(area, element_.width, element_.height, ring);
         else if ((element_.flags & (shapeDisc | shapeDisc5x5 | shapeDisc7x7)) == shapeDisc)
             smallCross<Operation>(area);
-        else if (!element_.is(shapeRowRuns) || !rowRuns<Operation>(area, element_, ring_))
+        else if (!element_.is(shapeRowRuns) || !rowRuns<Operation>(area, element_, ring))
             anyShape<Operation>(area, element_);
     }
 

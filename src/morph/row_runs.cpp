@@ -117,20 +117,19 @@ RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLeng
     return {lines, band, pitch - excess <= possible ? pitch : band + excess, slots};
 }
 
-/// Windows of several lengths that begin at the same pixel, each from the one before it, for x in [begin, end).
+/// Windows of several lengths, each from the one before it: all that there are in so many elements.
 template <class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void nestedWindows(const T* from, const int64_t* lengths, int64_t count, T* to,
-                                                   int64_t pitch, int64_t channels, int64_t begin, int64_t end,
-                                                   int64_t ahead)
+                                                   int64_t pitch, int64_t channels, int64_t elements, int64_t ahead)
 {
-    simd::eachAtLeastOnce<lanesIn<T, 4>>(begin, end, [=](int64_t x, auto lanes) {
-        if constexpr (lanes > 1)
-            simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
+    const auto windows = [=](int64_t length) { return elements - (length - 1) * channels; };
+    // for the first ones of the lengths
+    const auto grow = [=](int64_t lines, int64_t x, auto lanes) {
         const T* next = from + x;
         const T* const first = next;
         auto extreme = simd::load<lanes>(next);
         T* line = to + x;
-        for (int64_t i = 0; i < count; ++i, line += pitch) {
+        for (int64_t i = 0; i < lines; ++i, line += pitch) {
             const T* const last = first + (lengths[i] - 1) * channels;
             while (next != last) {
                 next += channels;
@@ -138,7 +137,19 @@ template <class Operation, class T>
             }
             simd::store(line, extreme);
         }
+    };
+    simd::eachAtLeastOnce<lanesIn<T, 4>>(0, windows(lengths[count - 1]), [=](int64_t x, auto lanes) {
+        if constexpr (lanes > 1)
+            simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
+        grow(count, x, lanes);
     });
+    // the shorter windows go further; a vector that overlaps what is there costs less than a few elements
+    for (int64_t lines = count - 1; lines > 0; --lines) {
+        const int64_t end = windows(lengths[lines - 1]), missing = end - windows(lengths[lines]);
+        const int64_t whole = missing < simd::restLanes ? simd::restLanes : missing;
+        simd::eachAtLeastOnce<simd::restLanes>(end < whole ? 0 : end - whole, end,
+                                               [=](int64_t x, auto lanes) { grow(lines, x, lanes); });
+    }
 }
 
 /// Fills a line for each length above 1 with all its windows in so many elements.
@@ -154,14 +165,7 @@ void fillLines(const T* from, const RunLengths& lengths, T* to, int64_t pitch, i
     if (lines == 0)
         return;
     if (lengths.length[lengths.count - 1] <= longestNested) {
-        const int64_t* const length = lengths.length + first;
-        nestedWindows<Operation>(from, length, lines, to, pitch, channels, 0, windows(length[lines - 1]), ahead);
-        for (int64_t count = lines - 1; count > 0; --count) {
-            // the shorter windows go further; a vector that overlaps what is there costs less than a few elements
-            const int64_t end = windows(length[count - 1]), missing = end - windows(length[count]);
-            const int64_t whole = missing < lanesIn<T, 4> ? lanesIn<T, 4> : missing;
-            nestedWindows<Operation>(from, length, count, to, pitch, channels, end < whole ? 0 : end - whole, end, 0);
-        }
+        nestedWindows<Operation>(from, lengths.length + first, lines, to, pitch, channels, elements, ahead);
         return;
     }
     int64_t length = 1;
