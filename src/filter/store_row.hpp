@@ -12,7 +12,7 @@ template <int N, class T, class Result>
 {
     const auto cached = [=](int64_t x, auto lanes) { simd::store(row + x, result(x, lanes)); };
     if (n < N) {
-        simd::eachAtLeastOnce<simd::restLanes>(0, n, cached);
+        simd::eachAtLeastOnce<simd::shorterLanes<N>>(0, n, cached);
         return;
     }
     // what a streamed store asks for at any level

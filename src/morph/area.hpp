@@ -100,7 +100,7 @@ template <int N, class Result, class Store>
         if (x < n)
             store(n - N, last);
     } else if constexpr (N > simd::restLanes)
-        eachInPlace<simd::restLanes>(n, result, store);
+        eachInPlace<simd::shorterLanes<N>>(n, result, store);
     else
         for (int64_t x = 0; x < n; ++x)
             store(x, result(x, simd::Lanes<1>{}));

@@ -14,6 +14,10 @@ using Lanes = std::integral_constant<int, N>;
 /// The vector of the rests: the narrowest that is native for every element type at every level.
 inline constexpr int restLanes = 16;
 
+/// The vector that a row is walked in if it is too short for one of N lanes.
+template <int N>
+inline constexpr int shorterLanes = N / 4 > restLanes ? N / 4 : restLanes;
+
 /// Calls body(x, lanes) so that every element of [begin, end) belongs to exactly one call: for operations in place.
 template <int N, class Body>
 [[gnu::always_inline]] inline void eachOnce(int64_t begin, int64_t end, Body body)
@@ -40,7 +44,7 @@ template <int N, class Body>
         if (x < end)
             body(end - N, Lanes<N>{});
     } else if constexpr (N > restLanes)
-        eachAtLeastOnce<restLanes>(begin, end, body);
+        eachAtLeastOnce<shorterLanes<N>>(begin, end, body);
     else
         for (int64_t x = begin; x < end; ++x)
             body(x, Lanes<1>{});
