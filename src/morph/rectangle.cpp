@@ -23,6 +23,10 @@ constexpr int64_t leastBandBytes = 1024;
 /// Rows of the image are asked for so early: a ring is not to be driven out of the first-level cache by more of them.
 constexpr int64_t imageRowsAhead = 2;
 
+/// The elements of a cache line.
+template <class T>
+inline constexpr int lineLanes = 64 / static_cast<int>(sizeof(T));
+
 /// `count` windows at the given distances. What lies `ahead` bytes from them is asked for, if anything does.
 template <int count, bool asksAhead, class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void joinWindows(const T* from, const int64_t (&distances)[4], T* to, int64_t n,
@@ -50,7 +54,8 @@ template <int unit, class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void windowsOfEight(const T* from, T* to, int64_t n, int64_t ahead)
 {
     static_assert(std::is_integral_v<T>);
-    constexpr int N = lanesIn<T, 2>;
+    // what comes before the first whole vector and behind the last one costs as much as two or three of them
+    constexpr int N = std::min(lanesIn<T, 2>, lineLanes<T>);
     const auto pairAt = [=](int64_t x, auto lanes) {
         return Operation{}(simd::load<lanes>(from + x), simd::load<lanes>(from + x + unit));
     };
@@ -361,8 +366,7 @@ template <int rows, class Operation, class T>
     const int64_t dstStep = dst.step;
     T* const d = dst.pixels;
     // a cache line at a time: there is enough to do while the maximum of what all rows see waits for its next row
-    constexpr int line = 64 / static_cast<int>(sizeof(T));
-    simd::eachAtLeastOnce<line>(0, n, [=, &seenAt](int64_t x, auto lanes) {
+    simd::eachAtLeastOnce<lineLanes<T>>(0, n, [=, &seenAt](int64_t x, auto lanes) {
         // two registers for each row that is looked up
         constexpr int N = lanes < 2 * simd::registerLanes<T> ? int{lanes} : 2 * simd::registerLanes<T>;
         constexpr int parts = lanes / N;
