@@ -1829,7 +1829,7 @@ LUMCV_API LumStatus lumiFilterGaussianBorder_32f_C3R(const Lum32f* pSrc, Lum32s 
  * - #lumBorderConstant: `borderValue`. A row above or below consists of it over its whole length, its ends included.
  *
  * **Large images** are written past the caches: those with at least half (8u; lowpass: more than half) or an eighth
- * (32f) as many pixels as the largest cache has bytes, but none of less than 2097152 (8u) or 524288 (32f) pixels.
+ * (32f) as many pixels as the largest cache has bytes.
  *
  * **Scratch**, in bytes, with `w` the width, `k` 3 or 5, `h = 2 k + 15`, and `W4` the width rounded up to a multiple of
  * 4:

@@ -3,6 +3,7 @@
 
 #include <cpuid.h>
 #include <limits.h>
+#include <stdatomic.h>
 
 enum
 {
@@ -46,15 +47,33 @@ static unsigned long long largestCacheOfLeaf(unsigned leaf)
     return largest;
 }
 
-int lumGetMaxCacheSizeB(int* pSizeByte)
+/* In bytes; 0 if the processor does not describe its caches. */
+static int largestCache(void)
 {
-    if (!pSizeByte)
-        return statusNullPointer;
     unsigned long long largest = 0;
     for (unsigned i = 0; i < sizeof cacheLeaves / sizeof *cacheLeaves && largest == 0; ++i)
         largest = largestCacheOfLeaf(cacheLeaves[i]);
-    if (largest == 0)
+    return largest > INT_MAX ? INT_MAX : (int)largest;
+}
+
+int lumGetMaxCacheSizeB(int* pSizeByte)
+{
+    enum
+    {
+        unknown = -1
+    };
+    /* A hypervisor takes tens of microseconds for all questions together, as long as filtering a small image. Threads
+     * that come here first at the same time find out the same. */
+    static _Atomic int kept = unknown;
+    if (!pSizeByte)
+        return statusNullPointer;
+    int size = atomic_load_explicit(&kept, memory_order_relaxed);
+    if (size == unknown) {
+        size = largestCache();
+        atomic_store_explicit(&kept, size, memory_order_relaxed);
+    }
+    if (size == 0)
         return statusGeneric;
-    *pSizeByte = largest > INT_MAX ? INT_MAX : (int)largest;
+    *pSizeByte = size;
     return statusOk;
 }

@@ -5,15 +5,12 @@
 
 namespace lumcv {
 
-/// From this many pixels on an image may be a large one; smaller ones pay for no query.
+/// From this many pixels on an image may be a large one; for smaller ones the cache is not asked for.
 inline constexpr int64_t smallestLargeImage = 0x80000;
 
 /// Whether an image of so many pixels is written past the caches: its pixel count is not below the size in bytes of the
 /// largest cache. Where that size is not known, it is not.
 bool isLargeImage(int64_t pixels);
-
-/// The largest cache of a processor is taken to have this many bytes at least, so that smaller images pay for no query.
-inline constexpr int64_t smallestCache = 0x400000;
 
 /// The rule of the fixed masks: the pixel count is not below the bytes of the largest cache, shifted right.
 bool isLargeImage(int64_t pixels, int cacheShift);

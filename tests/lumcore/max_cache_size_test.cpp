@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "lumcore.h"
 
@@ -24,6 +26,26 @@ static long long largestCacheByKernel()
             bytes *= *unit == 'K' ? 1024 : *unit == 'M' ? 1024 * 1024 : 1;
             largest = bytes > largest ? bytes : largest;
         }
+    }
+}
+
+// Before any other test: these are the first calls of the process, which ask the processor.
+TEST(MaxCacheSizeThreads, AskAtTheSameTime)
+{
+    constexpr std::size_t count = 8;
+    std::vector<int> statuses(count, 1), sizes(count, -1);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < count; ++i) {
+        threads.emplace_back([&, i] { statuses[i] = lumGetMaxCacheSizeB(&sizes[i]); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    int size = -1;
+    const int status = lumGetMaxCacheSizeB(&size);
+    for (std::size_t i = 0; i < count; ++i) {
+        EXPECT_EQ(statuses[i], status);
+        EXPECT_EQ(sizes[i], size);
     }
 }
 
