@@ -48,56 +48,88 @@ template <int count, bool asksAhead, class Operation, class T>
         [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
 }
 
-/// Windows of eight pixels, `unit` elements apart, of integers: pairs are loaded, and grow by what the vector before
-/// them has of the pairs and fours that they follow.
-template <int unit, class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void windowsOfEight(const T* from, T* to, int64_t n, int64_t ahead)
+/// Windows of 5 to 16 pixels, `unit` elements apart, of integers: their last pairs are loaded, and grow by what the vector
+/// before them has of the pairs, fours and eights that they follow.
+template <int length, int unit, class Operation, class T>
+[[gnu::flatten, gnu::noinline]] void windowsInOnePass(const T* from, T* to, int64_t n, int64_t ahead)
 {
-    static_assert(std::is_integral_v<T>);
-    // what comes before the first whole vector and behind the last one costs as much as two or three of them
+    static_assert(std::is_integral_v<T> && 4 < length && length <= 16);
+    // what comes before the first whole vector and behind the last one costs as much as several of them
     constexpr int N = std::min(lanesIn<T, 2>, lineLanes<T>);
+    constexpr bool hasEight = length > 8;
+    constexpr int64_t lastPair = (length - 2) * unit;
     const auto pairAt = [=](int64_t x, auto lanes) {
         return Operation{}(simd::load<lanes>(from + x), simd::load<lanes>(from + x + unit));
     };
+    const auto fourAt = [=](int64_t x, auto lanes) {
+        return Operation{}(pairAt(x, lanes), pairAt(x + 2 * unit, lanes));
+    };
+    const auto eightAt = [=](int64_t x, auto lanes) {
+        return Operation{}(fourAt(x, lanes), fourAt(x + 4 * unit, lanes));
+    };
     const auto result = [=](int64_t x, auto lanes) {
-        const auto early = Operation{}(pairAt(x, lanes), pairAt(x + 2 * unit, lanes));
-        return Operation{}(early, Operation{}(pairAt(x + 4 * unit, lanes), pairAt(x + 6 * unit, lanes)));
+        if constexpr (hasEight)
+            return Operation{}(eightAt(x, lanes), eightAt(x + (length - 8) * unit, lanes));
+        else
+            return Operation{}(fourAt(x, lanes), fourAt(x + (length - 4) * unit, lanes));
     };
     if (n < N)
         return eachInPlace<N>(n, result, [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
 
     constexpr simd::Lanes<N> lanes;
     const auto first = result(0, lanes), last = result(n - N, lanes);
-    auto pair = pairAt(6 * unit, lanes), four = Operation{}(pairAt(4 * unit, lanes), pair);
+    auto pair = pairAt(lastPair, lanes), four = Operation{}(pairAt(lastPair - 2 * unit, lanes), pair), eight = four;
+    if constexpr (hasEight)
+        eight = Operation{}(fourAt(lastPair - 6 * unit, lanes), four);
     simd::store(to, first);
     for (int64_t x = N; x + N <= n; x += N) {
         simd::prefetch<N>(rowAt(from + x, ahead, 1));
-        const auto nextPair = pairAt(x + 6 * unit, lanes);
+        const auto nextPair = pairAt(x + lastPair, lanes);
         const auto nextFour = Operation{}(simd::movedIn<2 * unit>(pair, nextPair), nextPair);
-        simd::store(to + x, Operation{}(simd::movedIn<4 * unit>(four, nextFour), nextFour));
+        if constexpr (hasEight) {
+            const auto nextEight = Operation{}(simd::movedIn<4 * unit>(four, nextFour), nextFour);
+            simd::store(to + x, Operation{}(simd::movedIn<(length - 8) * unit>(eight, nextEight), nextEight));
+            eight = nextEight;
+        } else
+            simd::store(to + x, Operation{}(simd::movedIn<(length - 4) * unit>(four, nextFour), nextFour));
         pair = nextPair;
         four = nextFour;
     }
     simd::store(to + n - N, last);
 }
 
-/// The same where the unit is that of an image; false, and nothing done, for others and for floats, of which a
-/// not-a-number comes out by the order of operations.
-template <class Operation, class T>
-bool windowsOfEight(const T* from, T* to, int64_t unit, int64_t n, int64_t ahead)
+/// The longest windows, of at most `longest` pixels, that one pass makes; 1 if there are none of such units, and for
+/// floats, of which a not-a-number comes out by the order of operations.
+template <class T>
+int64_t lengthInOnePass(int64_t longest, int64_t unit)
 {
+    const bool isOdd = longest % 2 == 1;
+    if (!std::is_integral_v<T> || longest < 5)
+        return 1;
+    if (unit == 1)
+        return longest >= 16 ? 16 : isOdd ? longest : longest - 1;
+    if (sizeof(T) == 1 && (unit == 3 || unit == 4))
+        return longest >= 8 ? 8 : isOdd ? longest : longest - 1;
+    return 1;
+}
+
+template <class Operation, class T>
+void windowsInOnePass(const T* from, T* to, int64_t length, int64_t unit, int64_t n, int64_t ahead)
+{
+    const auto make = [&]<int count, int distance>(simd::Lanes<count>, simd::Lanes<distance>) {
+        if (length == count && unit == distance)
+            windowsInOnePass<count, distance, Operation>(from, to, n, ahead);
+    };
+    const auto makeAny = [&]<int... counts>(auto distance, simd::Lanes<counts>... lengths) {
+        (make(lengths, distance), ...);
+    };
+    using simd::Lanes;
     if constexpr (std::is_integral_v<T>)
-        if (unit == 1) {
-            windowsOfEight<1, Operation>(from, to, n, ahead);
-            return true;
-        }
-    if constexpr (sizeof(T) == 1)
-        if (unit == 3 || unit == 4) {
-            unit == 3 ? windowsOfEight<3, Operation>(from, to, n, ahead)
-                      : windowsOfEight<4, Operation>(from, to, n, ahead);
-            return true;
-        }
-    return false;
+        makeAny(Lanes<1>{}, Lanes<5>{}, Lanes<7>{}, Lanes<9>{}, Lanes<11>{}, Lanes<13>{}, Lanes<15>{}, Lanes<16>{});
+    if constexpr (sizeof(T) == 1) {
+        makeAny(Lanes<3>{}, Lanes<5>{}, Lanes<7>{}, Lanes<8>{});
+        makeAny(Lanes<4>{}, Lanes<5>{}, Lanes<7>{}, Lanes<8>{});
+    }
 }
 
 // Squares of 3x3 and 5x5, in terms of what is kept of the pixels under them: an extreme, or both for a gradient.
@@ -442,12 +474,12 @@ void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, 
             joinWindows<count, false, Operation>(from, distances, result, elements, 0);
         ahead = 0;
     };
-    if (length == 1 && longer >= 8 &&
-        windowsOfEight<Operation>(from, longer == 8 ? to : line, unit, n + (longer - 8) * unit, ahead)) {
-        if (longer == 8)
+    if (const int64_t start = length == 1 ? lengthInOnePass<T>(longer, unit) : 1; start > 1) {
+        windowsInOnePass<Operation>(from, longer == start ? to : line, start, unit, n + (longer - start) * unit, ahead);
+        if (longer == start)
             return;
         from = line;
-        length = 8;
+        length = start;
         ahead = 0;
     }
     for (; longer > 4 * length; length *= 4, from = line)
