@@ -117,61 +117,15 @@ RingLayout ringLayout(const Area<T>& area, const Element& element, const RunLeng
     return {lines, band, pitch - excess <= possible ? pitch : band + excess, slots};
 }
 
-/// Windows of several lengths, each from the one before it: all that there are in so many elements.
-template <class Operation, class T>
-[[gnu::flatten, gnu::noinline]] void nestedWindows(const T* from, const int64_t* lengths, int64_t count, T* to,
-                                                   int64_t pitch, int64_t channels, int64_t elements, int64_t ahead)
-{
-    const auto windows = [=](int64_t length) { return elements - (length - 1) * channels; };
-    // for the first ones of the lengths
-    const auto grow = [=](int64_t lines, int64_t x, auto lanes) {
-        const T* next = from + x;
-        const T* const first = next;
-        auto extreme = simd::load<lanes>(next);
-        T* line = to + x;
-        for (int64_t i = 0; i < lines; ++i, line += pitch) {
-            const T* const last = first + (lengths[i] - 1) * channels;
-            while (next != last) {
-                next += channels;
-                extreme = Operation{}(extreme, simd::load<lanes>(next));
-            }
-            simd::store(line, extreme);
-        }
-    };
-    simd::eachAtLeastOnce<lanesIn<T, 4>>(0, windows(lengths[count - 1]), [=](int64_t x, auto lanes) {
-        if constexpr (lanes > 1)
-            simd::prefetch<lanes>(rowAt(from + x, ahead, 1));
-        grow(count, x, lanes);
-    });
-    // the shorter windows go further; a vector that overlaps what is there costs less than a few elements
-    for (int64_t lines = count - 1; lines > 0; --lines) {
-        const int64_t end = windows(lengths[lines - 1]), missing = end - windows(lengths[lines]);
-        const int64_t whole = missing < simd::restLanes ? simd::restLanes : missing;
-        simd::eachAtLeastOnce<simd::restLanes>(end < whole ? 0 : end - whole, end,
-                                               [=](int64_t x, auto lanes) { grow(lines, x, lanes); });
-    }
-}
-
-/// Fills a line for each length above 1 with all its windows in so many elements.
+/// Fills a line for each length above 1 with all its windows in so many elements, each line from the one before it.
 template <class Operation, class T>
 void fillLines(const T* from, const RunLengths& lengths, T* to, int64_t pitch, int64_t channels, int64_t elements,
                int64_t ahead)
 {
-    // short windows are grown pixel by pixel, as long as that is less than a line for each doubling
-    constexpr int64_t longestNested = 12;
-    const int first = lengths.length[0] == 1;
-    const int64_t lines = lengths.count - first;
-    const auto windows = [&](int64_t length) { return elements - (length - 1) * channels; };
-    if (lines == 0)
-        return;
-    if (lengths.length[lengths.count - 1] <= longestNested) {
-        nestedWindows<Operation>(from, lengths.length + first, lines, to, pitch, channels, elements, ahead);
-        return;
-    }
     int64_t length = 1;
-    for (int i = first; i < lengths.count; ++i, to += pitch) {
-        const int64_t longer = lengths.length[i];
-        growWindows<Operation>(from, length, to, to, longer, channels, windows(longer), length == 1 ? ahead : 0);
+    for (int i = lengths.length[0] == 1; i < lengths.count; ++i, to += pitch) {
+        const int64_t longer = lengths.length[i], windows = elements - (longer - 1) * channels;
+        growWindows<Operation>(from, length, to, to, longer, channels, windows, length == 1 ? ahead : 0);
         from = to;
         length = longer;
     }
