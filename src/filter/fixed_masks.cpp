@@ -22,21 +22,23 @@ struct Laplacian3
 };
 
 /// The same for words. Of the rows above, what the next one adds to is carried on, and what the one after it will begin
-/// with: a third of what a ring would take.
+/// with: half of what their results would take.
 struct WordLaplacian3
 {
     static constexpr int size = 3;
     using RowSteps = Steps<TwofoldNeighbours3, EightfoldCentre3>;
+    static constexpr int rows = 2;
     static constexpr bool hasRing = false;
     static constexpr int kept = 2;
 
     template <class Kept, class Value>
-    [[gnu::always_inline]] static Value advance(Kept k, Value neighbours, Value centre)
+    [[gnu::always_inline]] static std::array<Value, 2> advance(Kept k, Value neighbours, Value centre,
+                                                               Value nextNeighbours, Value nextCentre)
     {
-        const Value above = k.load(0);
-        k.store(0, k.load(1) - centre);
-        k.store(1, neighbours);
-        return above + neighbours;
+        const Value above = k.load(0), below = k.load(1);
+        k.store(0, neighbours - nextCentre);
+        k.store(1, nextNeighbours);
+        return {above + neighbours, below - centre + nextNeighbours};
     }
 };
 
@@ -88,20 +90,41 @@ struct Lowpass
     }
 };
 
+/// Two neighbouring windows of three rows have two of them in common.
+struct WordLowpass3
+{
+    static constexpr int size = 3;
+    using RowSteps = Steps<Sum3>;
+    static constexpr int rows = 2;
+    static constexpr bool hasRing = false;
+    static constexpr int kept = 2;
+
+    template <class Kept, class Value>
+    [[gnu::always_inline]] static std::array<Value, 2> advance(Kept k, Value first, Value second)
+    {
+        const Value common = k.load(1) + first;
+        const Value above = k.load(0);
+        k.store(0, first);
+        k.store(1, second);
+        return {mean<size * size>(above + common), mean<size * size>(common + second)};
+    }
+};
+
 /// The sum of 25 words is cheaper kept than formed.
 struct WordLowpass5
 {
     static constexpr int size = 5;
     using RowSteps = Steps<Sum5>;
+    static constexpr int rows = 1;
     static constexpr bool hasRing = true;
     static constexpr int kept = 1;
 
     template <class Kept, class Value>
-    [[gnu::always_inline]] static Value advance(Kept k, Value entering)
+    [[gnu::always_inline]] static std::array<Value, 1> advance(Kept k, Value entering)
     {
         const Value total = k.load(0) + (entering - k.exchange(entering));
         k.store(0, total);
-        return mean<size * size>(total);
+        return {mean<size * size>(total)};
     }
 };
 
@@ -205,8 +228,9 @@ LumStatus laplacian(const MaskCall<S, D>& call, Scratch scratch)
 template <class S, class D>
 LumStatus lowpass(const MaskCall<S, D>& call, Scratch scratch)
 {
+    using Lowpass3 = std::conditional_t<std::is_same_v<S, Lum8u>, WordLowpass3, Lowpass<Sum3>>;
     using Lowpass5 = std::conditional_t<std::is_same_v<S, Lum8u>, WordLowpass5, Lowpass<Sum5>>;
-    return fixedMask<Lowpass<Sum3>, Lowpass5>(call, scratch);
+    return fixedMask<Lowpass3, Lowpass5>(call, scratch);
 }
 
 template <class S, class D>

@@ -12,12 +12,17 @@
 //   RowSteps        the steps along the row (Steps<...>); the ring keeps a result of each
 //   across(r)       combines the results: r(i, j) is that of the row step i in the row j of the mask
 // or, where integers are cheaper carried on from row to row, in place of across():
+//   rows            how many rows come in at a time: 1 or 2
 //   hasRing         whether the ring is wanted all the same
 //   kept            how many values are carried on for each pixel; they begin as zero
-//   advance(k, ...) takes what the row steps make of the row that comes in, in their order, and gives the result of the
-//                   row that is now complete (nothing of value while the first rows come in); k.load(i), k.store(i, v)
-//                   reach the values, and k.exchange(v) puts v into the ring in place of the row that leaves the mask
+//   advance(k, ...) takes what the row steps make of the rows that come in, in their order, and gives the results of the
+//                   rows that are now complete (nothing of value while the first rows come in); k.load(i),
+//                   k.store(i, v) reach the values, and k.exchange(v) puts v into the ring in place of the row that
+//                   leaves the mask
+// Masks of three rows take two at a time: what they keep is then read and written once for both.
 #pragma once
+
+#include <array>
 
 #include "filter/bands.hpp"
 #include "filter/extended_row.hpp"
@@ -142,6 +147,47 @@ constexpr bool hasRing()
         return true;
 }
 
+/// The rows that come in at a time.
+template <class Mask>
+constexpr int rowsOf()
+{
+    if constexpr (isCarriedOn<Mask>)
+        return Mask::rows;
+    else
+        return 1;
+}
+
+/// A mask of three rows, two of which come in at a time: the results of the two rows before them are carried on.
+template <class Mask>
+struct InPairs
+{
+    static constexpr int size = 3;
+    static_assert(Mask::size == size);
+    using RowSteps = typename Mask::RowSteps;
+    static constexpr int rows = 2;
+    static constexpr bool hasRing = false;
+    static constexpr int steps = RowSteps::count;
+    static constexpr int kept = 2 * steps;
+
+    template <class Kept, class Value, class... More>
+    [[gnu::always_inline]] static std::array<Value, 2> advance(Kept k, Value first, More... more)
+    {
+        const Value entering[kept] = {first, more...};
+        Value leaving[kept];
+        for (int i = 0; i < kept; ++i) {
+            leaving[i] = k.load(i);
+            k.store(i, entering[i]);
+        }
+        const auto from = [&](int row) {
+            return Mask::across([&](int i, int j) {
+                const int at = (row + j) * steps + i;
+                return at < kept ? leaving[at] : entering[at - kept];
+            });
+        };
+        return {from(0), from(1)};
+    }
+};
+
 /// The steps of a mask at one block of a row, with the rows of the ring in the order of the image: the last one takes
 /// what the row steps make of the row that comes in.
 template <class Mask, class S, class D>
@@ -151,6 +197,7 @@ struct MaskBlock
     using Element = typename Arithmetic::Element;
     using Value = typename Arithmetic::Value;
     static constexpr int lanes = Arithmetic::lanes;
+    static constexpr int rowsIn = rowsOf<Mask>();  ///< rows that come in at a time
     static constexpr int steps = hasRing<Mask>() ? Mask::RowSteps::count : 1;  ///< values of a block in a row
     static constexpr int blockElements = lanes * steps;
 
@@ -158,25 +205,28 @@ struct MaskBlock
     Element* kept;
     int64_t pitch;  ///< from one kept row to the next
 
-    /// For a row that completes no row of the destination.
-    [[gnu::always_inline]] void enter(const S* s, int64_t block) const
+    /// For rows that complete no row of the destination.
+    [[gnu::always_inline]] void enter(const S* const (&s)[rowsIn], int64_t block) const
     {
         if constexpr (isCarriedOn<Mask>)
             advance(s, block * blockElements, typename Mask::RowSteps{});
         else
-            along(s, block * blockElements, typename Mask::RowSteps{});
+            along(s[0], block * blockElements, typename Mask::RowSteps{});
     }
 
-    /// What goes to the destination.
-    [[gnu::always_inline]] auto through(const S* s, int64_t block) const
+    /// Calls put(row, vector) for what goes to each row of the destination.
+    template <class Put>
+    [[gnu::always_inline]] void through(const S* const (&s)[rowsIn], int64_t block, Put put) const
     {
         const int64_t at = block * blockElements;
-        if constexpr (isCarriedOn<Mask>)
-            return Arithmetic::template result<D>(advance(s, at, typename Mask::RowSteps{}));
-        else {
-            along(s, at, typename Mask::RowSteps{});
-            return Arithmetic::template result<D>(
-                Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); }));
+        if constexpr (isCarriedOn<Mask>) {
+            const std::array<Value, rowsIn> results = advance(s, at, typename Mask::RowSteps{});
+            for (int i = 0; i < rowsIn; ++i)
+                put(i, Arithmetic::template result<D>(results[static_cast<size_t>(i)]));
+        } else {
+            along(s[0], at, typename Mask::RowSteps{});
+            put(0, Arithmetic::template result<D>(
+                       Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); })));
         }
     }
 
@@ -213,9 +263,13 @@ struct MaskBlock
     }
 
     template <class... RowSteps>
-    [[gnu::always_inline]] Value advance(const S* s, int64_t at, Steps<RowSteps...>) const
+    [[gnu::always_inline]] auto advance(const S* const (&s)[rowsIn], int64_t at, Steps<RowSteps...>) const
     {
-        return Mask::advance(Kept{*this, at}, Arithmetic::template along<RowSteps>(s)...);
+        if constexpr (rowsIn == 1)
+            return Mask::advance(Kept{*this, at}, Arithmetic::template along<RowSteps>(s[0])...);
+        else
+            return Mask::advance(Kept{*this, at}, Arithmetic::template along<RowSteps>(s[0])...,
+                                 Arithmetic::template along<RowSteps>(s[1])...);
     }
 };
 
@@ -236,37 +290,75 @@ struct MaskDestination
     const D* ahead;
 };
 
-template <class Block, class S>
-[[gnu::flatten, gnu::noinline]] void maskIn(Block steps, MaskSource<S> src, int64_t block, int64_t end)
+/// One for each of the rows that come in at a time.
+template <class Place, int rows>
+struct MaskRows
 {
-    for (const S* s = src.first; block < end; ++block, s += src.step)
-        steps.enter(s, block);
+    Place row[rows];
+};
+
+// Arguments come by reference: copies that are passed in memory would be made of wider loads than what they consist of
+// was stored by. Copied here, they are in registers, whatever the stores of pixels may alias.
+
+template <class Block, class S, int rows>
+[[gnu::flatten, gnu::noinline]] void maskIn(const Block& block, const MaskRows<MaskSource<S>, rows>& src, int64_t first,
+                                            int64_t last)
+{
+    const Block steps = block;
+    const S* s[rows];
+    int64_t step[rows];
+    for (int i = 0; i < rows; ++i) {
+        s[i] = src.row[i].first;
+        step[i] = src.row[i].step;
+    }
+    for (; first < last; ++first) {
+        steps.enter(s, first);
+        for (int i = 0; i < rows; ++i)
+            s[i] += step[i];
+    }
 }
 
 /// The column step of each block follows its row steps, so that the loads of the one overlap with the arithmetic of the
 /// other.
-template <class Block, class S, class D>
-[[gnu::flatten, gnu::noinline]] void maskThrough(Block steps, MaskSource<S> src, MaskDestination<D> dst, int64_t block,
-                                                 int64_t end)
+template <class Block, class S, class D, int rows>
+[[gnu::flatten, gnu::noinline]] void maskThrough(const Block& block, const MaskRows<MaskSource<S>, rows>& src,
+                                                 const MaskRows<MaskDestination<D>, rows>& dst, int64_t first,
+                                                 int64_t last)
 {
     constexpr int64_t lineBytes = 64;
     constexpr int64_t blocksOfLine = lineBytes / (Block::lanes * static_cast<int64_t>(sizeof(S)));
-    const S* s = src.first;
+    const Block steps = block;
+    const S* s[rows];
+    const S* srcAhead[rows];
+    int64_t step[rows];
+    D* d[rows];
+    const D* dstAhead[rows];
+    for (int i = 0; i < rows; ++i) {
+        s[i] = src.row[i].first;
+        step[i] = src.row[i].step;
+        srcAhead[i] = src.row[i].ahead;
+        d[i] = dst.row[i].first;
+        dstAhead[i] = dst.row[i].ahead;
+    }
     const auto one = [&] {
-        simd::store(dst.first, steps.through(s, block));
-        s += src.step;
-        dst.first += Block::lanes;
-        ++block;
+        steps.through(s, first, [&](int i, auto vector) { simd::store(d[i], vector); });
+        for (int i = 0; i < rows; ++i) {
+            s[i] += step[i];
+            d[i] += Block::lanes;
+        }
+        ++first;
     };
-    while (block + blocksOfLine <= end) {
-        simd::prefetch<blocksOfLine * Block::lanes>(src.ahead);
-        simd::prefetch<blocksOfLine * Block::lanes>(dst.ahead);
-        src.ahead += blocksOfLine * Block::lanes;
-        dst.ahead += blocksOfLine * Block::lanes;
+    while (first + blocksOfLine <= last) {
+        for (int i = 0; i < rows; ++i) {
+            simd::prefetch<blocksOfLine * Block::lanes>(srcAhead[i]);
+            simd::prefetch<blocksOfLine * Block::lanes>(dstAhead[i]);
+            srcAhead[i] += blocksOfLine * Block::lanes;
+            dstAhead[i] += blocksOfLine * Block::lanes;
+        }
         for (int i = 0; i < blocksOfLine; ++i)
             one();
     }
-    while (block < end)
+    while (first < last)
         one();
 }
 
@@ -296,22 +388,26 @@ class MaskBand
     static constexpr int64_t slots = hasRing<Mask>() ? Mask::size : 0;
     static constexpr int64_t ringRows = slots + keptValues<Mask>();
 
+    static constexpr int rowsIn = Block::rowsIn;
+    static constexpr int64_t edgeElements =
+        roundedUp((shortRow + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64) / static_cast<int64_t>(sizeof(S));
+
   public:
     /// Bytes of space for each block of the band.
     static constexpr int64_t blockBytes =
-        lanes * static_cast<int64_t>(ringRows * Block::steps * sizeof(Element) + sizeof(D));
+        lanes * static_cast<int64_t>(ringRows * Block::steps * sizeof(Element) + rowsIn * sizeof(D));
 
     /// Bytes of space beside the blocks.
-    static constexpr int64_t edgeBytes = roundedUp((shortRow + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64);
+    static constexpr int64_t edgeBytes = rowsIn * edgeElements * static_cast<int64_t>(sizeof(S));
 
     MaskBand(const MaskImages<S, D>& images, int64_t begin, int64_t end, Lum8u* space)
         : images_(images),
           begin_(begin),
           end_(end),
           blocks_((end - begin + lanes - 1) / lanes),
-          edge_(reinterpret_cast<S*>(space)),
+          edges_(reinterpret_cast<S*>(space)),
           ring_{reinterpret_cast<Element*>(space + edgeBytes), blocks_ * Block::blockElements, Mask::size},
-          line_(reinterpret_cast<D*>(ring_.slot(ringRows)))
+          lines_(reinterpret_cast<D*>(ring_.slot(ringRows)))
     {
         if constexpr (isCarriedOn<Mask>)
             for (Element* p = ring_.rows; p < ring_.slot(ringRows); p += lanes)
@@ -320,30 +416,21 @@ class MaskBand
 
     void run()
     {
-        walkRows(Mask::size, images_.roiSize.height, reach, images_.border, [this](const RingStep& step) {
-            Block block;
-            for (int64_t j = 0; j < Mask::size; ++j)
-                block.rows[j] = ring_.rowBehind(step.firstSlot, j);
-            block.kept = ring_.slot(slots);
-            block.pitch = ring_.pitch;
-            if (step.output < 0) {
-                eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t) {
-                    maskIn(block, src, first, last);
-                });
-                return;
+        RingStep steps[rowsIn];
+        int count = 0;
+        walkRows(Mask::size, images_.roiSize.height, reach, images_.border, [&](const RingStep& step) {
+            steps[count++] = step;
+            if (count == rowsIn) {
+                advance(steps);
+                count = 0;
             }
-            D* const row = images_.dst.row(step.output) + begin_;
-            const bool isAside = images_.isLarge || end_ - begin_ < lanes;
-            D* const out = isAside ? line_ : row;
-            const int64_t next = step.output + 1 < images_.roiSize.height ? step.output + 1 : step.output;
-            const D* const ahead = isShort() ? line_ : images_.dst.row(next) + begin_;
-            eachRun(step, [&](MaskSource<S> src, int64_t first, int64_t last, int64_t x) {
-                maskThrough(block, src, MaskDestination<D>{out + x, ahead + x}, first, last);
-            });
-            if (isAside)
-                storeRow<lanes>(row, end_ - begin_, images_.isLarge,
-                                [this](int64_t x, auto n) { return simd::load<n>(line_ + x); });
         });
+        if (count > 0) {
+            // one row is left, which comes twice
+            steps[rowsIn - 1] = steps[0];
+            steps[rowsIn - 1].output = -1;
+            advance(steps);
+        }
     }
 
   private:
@@ -361,71 +448,130 @@ class MaskBand
         return i * lanes <= last || last < 0 ? i * lanes : last;
     }
 
-    /// Calls run(source, first, last, x) for the blocks [first, last) of the row that comes in; x is where the first of
-    /// them begins within the band.
-    template <class Run>
-    void eachRun(const RingStep& step, Run run)
+    D* line(int i) const
     {
-        const int64_t height = images_.roiSize.height;
-        const int64_t next = step.row.index + 1 < 0 ? 0 : step.row.index + 1 < height ? step.row.index + 1 : height - 1;
-        const S* const ahead = isShort() ? edge_ : images_.src.row(next) + begin_;
-        if (step.row.isConstant) {
+        return lines_ + i * blocks_ * lanes;
+    }
+
+    ExtendedRow<S, 1> extended(const S* row) const
+    {
+        return {row, images_.roiSize.width, images_.border, &images_.borderValue};
+    }
+
+    /// A row that comes in.
+    struct Entering
+    {
+        const S* row;
+        bool isConstant;
+        S* edge;         ///< where blocks are laid out; a constant or a short row lies there as a whole
+        const S* ahead;  ///< the row that will be wanted next
+    };
+
+    Entering entering(const SourceRow& source, int i) const
+    {
+        const int64_t next = source.index + rowsIn, lastRow = images_.roiSize.height - 1;
+        S* const edge = edges_ + i * edgeElements;
+        const S* const row = images_.src.row(source.index);
+        if (source.isConstant) {
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
-                edge_[x] = images_.borderValue;
-            const MaskSource<S> constant{edge_ + reach, 0, ahead};
-            if (blocks_ > 1)
-                run(constant, 0, blocks_ - 1, 0);
-            run(constant, blocks_ - 1, blocks_, offset(blocks_ - 1));
-            return;
-        }
-        const ExtendedRow<S, 1> row{images_.src.row(step.row.index), images_.roiSize.width, images_.border,
-                                    &images_.borderValue};
-        const auto single = [&](int64_t i) {
-            const int64_t x = begin_ + offset(i);
-            if (row.isInMemory(x - reach, x + lanes + reach)) {
-                run(MaskSource<S>{row.row + x, lanes, ahead + offset(i)}, i, i + 1, offset(i));
-                return;
-            }
-            row.read(x - reach, x + lanes + reach, edge_);
-            run(MaskSource<S>{edge_ + reach, lanes, ahead + offset(i)}, i, i + 1, offset(i));
-        };
-        if (isShort()) {
+                edge[x] = images_.borderValue;
+        } else if (isShort()) {
             const int64_t n = end_ - begin_;
-            row.read(begin_ - reach, end_ + reach, edge_);
+            extended(row).read(begin_ - reach, end_ + reach, edge);
             for (int64_t x = n + 2 * reach; x < lanes + 2 * reach; ++x)
-                edge_[x] = S{};
-            const int64_t full = n < lanes ? 1 : n / lanes;
-            run(MaskSource<S>{edge_ + reach, lanes, ahead}, 0, full, 0);
+                edge[x] = S{};
+        }
+        return {row, source.isConstant, edge,
+                isShort() ? edge : images_.src.row(next < 0 ? 0 : next < lastRow ? next : lastRow) + begin_};
+    }
+
+    /// Where so many blocks from x on are read.
+    MaskSource<S> sourceAt(const Entering& entering, int64_t x, int64_t blocks) const
+    {
+        const S* const ahead = entering.ahead + x;
+        if (entering.isConstant)
+            return {entering.edge + reach, 0, ahead};
+        if (isShort())
+            return {entering.edge + reach + x, lanes, ahead};
+        const int64_t first = begin_ + x - reach, last = begin_ + x + blocks * lanes + reach;
+        if (extended(entering.row).isInMemory(first, last))
+            return {entering.row + begin_ + x, lanes, ahead};
+        extended(entering.row).read(first, last, entering.edge);
+        return {entering.edge + reach, lanes, ahead};
+    }
+
+    void advance(const RingStep (&steps)[rowsIn])
+    {
+        Block block;
+        for (int64_t j = 0; j < Mask::size; ++j)
+            block.rows[j] = ring_.rowBehind(steps[0].firstSlot, j);
+        block.kept = ring_.slot(slots);
+        block.pitch = ring_.pitch;
+        const bool isAside = images_.isLarge || end_ - begin_ < lanes;
+        Entering in[rowsIn];
+        MaskDestination<D> out[rowsIn];
+        for (int i = 0; i < rowsIn; ++i) {
+            in[i] = entering(steps[i].row, i);
+            const int64_t y = steps[i].output;
+            const int64_t next = y + rowsIn < images_.roiSize.height ? y + rowsIn : y;
+            out[i].first = isAside || y < 0 ? line(i) : images_.dst.row(y) + begin_;
+            out[i].ahead = isShort() || y < 0 ? line(i) : images_.dst.row(next) + begin_;
+        }
+        eachRun([&](int64_t first, int64_t last, int64_t x) {
+            MaskRows<MaskSource<S>, rowsIn> src;
+            MaskRows<MaskDestination<D>, rowsIn> dst;
+            for (int i = 0; i < rowsIn; ++i) {
+                src.row[i] = sourceAt(in[i], x, last - first);
+                dst.row[i] = {out[i].first + x, out[i].ahead + x};
+            }
+            if (steps[0].output < 0)
+                maskIn(block, src, first, last);
+            else
+                maskThrough(block, src, dst, first, last);
+        });
+        for (int i = 0; isAside && i < rowsIn; ++i)
+            if (steps[i].output >= 0)
+                storeRow<lanes>(images_.dst.row(steps[i].output) + begin_, end_ - begin_, images_.isLarge,
+                                [from = line(i)](int64_t x, auto n) { return simd::load<n>(from + x); });
+    }
+
+    /// Calls run(first, last, x) for the blocks [first, last) of a row; x is where the first of them begins within the
+    /// band. Runs of more than one block can be read in place, unless the row is laid out as a whole.
+    template <class Run>
+    void eachRun(Run run) const
+    {
+        if (isShort()) {
+            const int64_t n = end_ - begin_, full = n < lanes ? 1 : n / lanes;
+            run(0, full, 0);
             if (full < blocks_)
-                run(MaskSource<S>{edge_ + reach + offset(full), lanes, ahead}, full, blocks_, offset(full));
+                run(full, blocks_, offset(full));
             return;
         }
-        // the blocks [first, last) can be read in place
-        const int64_t first = row.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
-        const int64_t readable = row.readableTo(end_ + reach) - reach - begin_;
+        const ExtendedRow<S, 1> any = extended(nullptr);
+        const int64_t first = any.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
+        const int64_t readable = any.readableTo(end_ + reach) - reach - begin_;
         const int64_t last = readable < 0 ? 0 : readable / lanes;
         if (first == 1)
-            single(0);
+            run(0, 1, 0);
         if (first < last)
-            run(MaskSource<S>{row.row + begin_ + first * lanes, lanes, ahead + first * lanes}, first, last,
-                first * lanes);
+            run(first, last, first * lanes);
         for (int64_t i = first < last ? last : first; i < blocks_; ++i)
-            single(i);
+            run(i, i + 1, offset(i));
     }
 
     const MaskImages<S, D>& images_;
     int64_t begin_, end_;
     int64_t blocks_;
-    S* edge_;  ///< a block and its neighbours, laid out, or a short row
+    S* edges_;  ///< for each row that comes in, a block and its neighbours, laid out, or a short row
     RingOf<Element> ring_;
-    D* line_;  ///< a row of results that is not stored at once
+    D* lines_;  ///< rows of results that are not stored at once
 };
 
 /// `space` has room for a block at least.
 template <class Mask, class S, class D>
 void filterByMask(const MaskImages<S, D>& images, LineSpace<Lum8u>& space)
 {
-    using Band = MaskBand<Mask, S, D>;
+    using Band = MaskBand<std::conditional_t<Mask::size == 3 && !isCarriedOn<Mask>, InPairs<Mask>, Mask>, S, D>;
     constexpr int64_t lanes = MaskArithmetic<S>::lanes;
     const int64_t bytes = space.size() < bandBytes ? space.size() : bandBytes;
     const int64_t widest = (bytes - Band::edgeBytes) / Band::blockBytes * lanes;
