@@ -15,13 +15,14 @@
 //   rows            how many rows come in at a time: 1 or 2
 //   hasRing         whether the ring is wanted all the same
 //   kept            how many values are carried on for each pixel; they begin as zero
-//   advance(k, ...) takes what the row steps make of the rows that come in, in their order, and gives the results of the
-//                   rows that are now complete (nothing of value while the first rows come in); k.load(i),
+//   advance(k, ...) takes what the row steps make of the rows that come in, in their order, and gives the results of
+//                   the rows that are now complete (nothing of value while the first rows come in); k.load(i),
 //                   k.store(i, v) reach the values, and k.exchange(v) puts v into the ring in place of the row that
 //                   leaves the mask
 // Masks of three rows take two at a time: what they keep is then read and written once for both.
 #pragma once
 
+#include <algorithm>
 #include <array>
 
 #include "filter/bands.hpp"
@@ -197,7 +198,7 @@ struct MaskBlock
     using Element = typename Arithmetic::Element;
     using Value = typename Arithmetic::Value;
     static constexpr int lanes = Arithmetic::lanes;
-    static constexpr int rowsIn = rowsOf<Mask>();  ///< rows that come in at a time
+    static constexpr int rowsIn = rowsOf<Mask>();
     static constexpr int steps = hasRing<Mask>() ? Mask::RowSteps::count : 1;  ///< values of a block in a row
     static constexpr int blockElements = lanes * steps;
 
@@ -469,9 +470,10 @@ class MaskBand
 
     Entering entering(const SourceRow& source, int i) const
     {
-        const int64_t next = source.index + rowsIn, lastRow = images_.roiSize.height - 1;
-        S* const edge = edges_ + i * edgeElements;
         const S* const row = images_.src.row(source.index);
+        const S* const next =
+            images_.src.row(std::clamp<int64_t>(source.index + rowsIn, 0, images_.roiSize.height - 1));
+        S* const edge = edges_ + i * edgeElements;
         if (source.isConstant) {
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
                 edge[x] = images_.borderValue;
@@ -481,8 +483,7 @@ class MaskBand
             for (int64_t x = n + 2 * reach; x < lanes + 2 * reach; ++x)
                 edge[x] = S{};
         }
-        return {row, source.isConstant, edge,
-                isShort() ? edge : images_.src.row(next < 0 ? 0 : next < lastRow ? next : lastRow) + begin_};
+        return {row, source.isConstant, edge, isShort() ? edge : next + begin_};
     }
 
     /// Where so many blocks from x on are read.

@@ -48,8 +48,8 @@ template <int count, bool asksAhead, class Operation, class T>
         [=](int64_t x, auto extreme) { simd::store(to + x, extreme); });
 }
 
-/// Windows of 5 to 16 pixels, `unit` elements apart, of integers: their last pairs are loaded, and grow by what the vector
-/// before them has of the pairs, fours and eights that they follow.
+/// Windows of 5 to 16 pixels, `unit` elements apart, of integers: their last pairs are loaded, and grow by what the
+/// vector before them has of the pairs, fours and eights that they follow.
 template <int length, int unit, class Operation, class T>
 [[gnu::flatten, gnu::noinline]] void windowsInOnePass(const T* from, T* to, int64_t n, int64_t ahead)
 {
@@ -103,32 +103,30 @@ template <int length, int unit, class Operation, class T>
 template <class T>
 int64_t lengthInOnePass(int64_t longest, int64_t unit)
 {
-    const bool isOdd = longest % 2 == 1;
-    if (!std::is_integral_v<T> || longest < 5)
+    const int64_t most = unit == 1 ? 16 : sizeof(T) == 1 && (unit == 3 || unit == 4) ? 8 : 1;
+    if (!std::is_integral_v<T> || most == 1 || longest < 5)
         return 1;
-    if (unit == 1)
-        return longest >= 16 ? 16 : isOdd ? longest : longest - 1;
-    if (sizeof(T) == 1 && (unit == 3 || unit == 4))
-        return longest >= 8 ? 8 : isOdd ? longest : longest - 1;
-    return 1;
+    return longest >= most ? most : longest - (longest % 2 == 0);
 }
 
-template <class Operation, class T>
-void windowsInOnePass(const T* from, T* to, int64_t length, int64_t unit, int64_t n, int64_t ahead)
+template <class Operation, int unit, int... lengths, class T>
+void windowsOfOneOf(int64_t length, const T* from, T* to, int64_t n, int64_t ahead)
 {
-    const auto make = [&]<int count, int distance>(simd::Lanes<count>, simd::Lanes<distance>) {
-        if (length == count && unit == distance)
-            windowsInOnePass<count, distance, Operation>(from, to, n, ahead);
-    };
-    const auto makeAny = [&]<int... counts>(auto distance, simd::Lanes<counts>... lengths) {
-        (make(lengths, distance), ...);
-    };
-    using simd::Lanes;
+    ((length == lengths ? windowsInOnePass<lengths, unit, Operation>(from, to, n, ahead) : void()), ...);
+}
+
+/// Windows of a length that lengthInOnePass() gives.
+template <class Operation, class T>
+void windowsInOnePass(int64_t length, int64_t unit, const T* from, T* to, int64_t n, int64_t ahead)
+{
     if constexpr (std::is_integral_v<T>)
-        makeAny(Lanes<1>{}, Lanes<5>{}, Lanes<7>{}, Lanes<9>{}, Lanes<11>{}, Lanes<13>{}, Lanes<15>{}, Lanes<16>{});
+        if (unit == 1)
+            windowsOfOneOf<Operation, 1, 5, 7, 9, 11, 13, 15, 16>(length, from, to, n, ahead);
     if constexpr (sizeof(T) == 1) {
-        makeAny(Lanes<3>{}, Lanes<5>{}, Lanes<7>{}, Lanes<8>{});
-        makeAny(Lanes<4>{}, Lanes<5>{}, Lanes<7>{}, Lanes<8>{});
+        if (unit == 3)
+            windowsOfOneOf<Operation, 3, 5, 7, 8>(length, from, to, n, ahead);
+        if (unit == 4)
+            windowsOfOneOf<Operation, 4, 5, 7, 8>(length, from, to, n, ahead);
     }
 }
 
@@ -475,7 +473,7 @@ void growWindows(const T* from, int64_t length, T* line, T* to, int64_t longer, 
         ahead = 0;
     };
     if (const int64_t start = length == 1 ? lengthInOnePass<T>(longer, unit) : 1; start > 1) {
-        windowsInOnePass<Operation>(from, longer == start ? to : line, start, unit, n + (longer - start) * unit, ahead);
+        windowsInOnePass<Operation>(start, unit, from, longer == start ? to : line, n + (longer - start) * unit, ahead);
         if (longer == start)
             return;
         from = line;

@@ -89,12 +89,12 @@ std::vector<int64_t> countsAroundRegisters(int elementBytes)
     return counts;
 }
 
-// From windows of eight pixels on, integers grow within registers, where the pixels of an image are 1 element or, of
-// bytes, 3 or 4. A unit of 2 is none of an image.
+// Integers grow within registers up to windows of 16 pixels, where the pixels of an image are 1 element, or up to 8
+// where they are, of bytes, 3 or 4. A unit of 2 is none of an image.
 template <class T>
-void expectWindowsAroundEight()
+void expectWindows()
 {
-    for (const int64_t length : {7, 8, 9, 15, 16, 17})
+    for (const int64_t length : {2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 31, 32, 33, 64, 65})
         for (const int64_t unit : {1, 2, 3, 4})
             for (const int64_t n : countsAroundRegisters(sizeof(T))) {
                 expectGrownWindows<Maximum, T>(length, unit, n, n % 2 == 0);
@@ -104,12 +104,12 @@ void expectWindowsAroundEight()
             }
 }
 
-TEST(SharedWindows, RowsOfSevenEightAndNinePixels)
+TEST(SharedWindows, RowsOfEveryShortLengthAndSomeLongOnes)
 {
-    expectWindowsAroundEight<Lum8u>();
-    expectWindowsAroundEight<Lum16u>();
-    expectWindowsAroundEight<Lum16s>();
-    expectWindowsAroundEight<Lum32f>();
+    expectWindows<Lum8u>();
+    expectWindows<Lum16u>();
+    expectWindows<Lum16s>();
+    expectWindows<Lum32f>();
 }
 
 /// An image with everything under an element, and what a kernel makes of it.
