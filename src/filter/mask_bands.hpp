@@ -462,19 +462,17 @@ class MaskBand
     /// A row that comes in.
     struct Entering
     {
-        const S* row;
-        bool isConstant;
+        const S* row;    ///< null if it is constant
         S* edge;         ///< where blocks are laid out; a constant or a short row lies there as a whole
         const S* ahead;  ///< the row that will be wanted next
     };
 
     Entering entering(const SourceRow& source, int i) const
     {
-        const S* const row = images_.src.row(source.index);
-        const S* const next =
-            images_.src.row(std::clamp<int64_t>(source.index + rowsIn, 0, images_.roiSize.height - 1));
+        const int64_t next = std::clamp<int64_t>(source.index + rowsIn, 0, images_.roiSize.height - 1);
         S* const edge = edges_ + i * edgeElements;
-        if (source.isConstant) {
+        const S* const row = source.isConstant ? nullptr : images_.src.row(source.index);
+        if (!row) {
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
                 edge[x] = images_.borderValue;
         } else if (isShort()) {
@@ -483,22 +481,22 @@ class MaskBand
             for (int64_t x = n + 2 * reach; x < lanes + 2 * reach; ++x)
                 edge[x] = S{};
         }
-        return {row, source.isConstant, edge, isShort() ? edge : next + begin_};
+        return {row, edge, isShort() ? edge : images_.src.row(next) + begin_};
     }
 
     /// Where so many blocks from x on are read.
-    MaskSource<S> sourceAt(const Entering& entering, int64_t x, int64_t blocks) const
+    MaskSource<S> sourceAt(const Entering& in, int64_t x, int64_t blocks) const
     {
-        const S* const ahead = entering.ahead + x;
-        if (entering.isConstant)
-            return {entering.edge + reach, 0, ahead};
+        const S* const ahead = in.ahead + x;
+        if (!in.row)
+            return {in.edge + reach, 0, ahead};
         if (isShort())
-            return {entering.edge + reach + x, lanes, ahead};
+            return {in.edge + reach + x, lanes, ahead};
         const int64_t first = begin_ + x - reach, last = begin_ + x + blocks * lanes + reach;
-        if (extended(entering.row).isInMemory(first, last))
-            return {entering.row + begin_ + x, lanes, ahead};
-        extended(entering.row).read(first, last, entering.edge);
-        return {entering.edge + reach, lanes, ahead};
+        if (extended(in.row).isInMemory(first, last))
+            return {in.row + begin_ + x, lanes, ahead};
+        extended(in.row).read(first, last, in.edge);
+        return {in.edge + reach, lanes, ahead};
     }
 
     void advance(const RingStep (&steps)[rowsIn])
