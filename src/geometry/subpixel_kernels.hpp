@@ -83,9 +83,7 @@ struct ToWords
     template <int N>
     [[gnu::always_inline]] simd::Vec<Lum16u, N> operator()(simd::NeighbourSums<N> sum) const
     {
-        const auto shifted =
-            eachSum([]<int M>(simd::Vec<Lum32s, M> x) { return x + simd::broadcast<M>(Lum32s{offset}); }, sum);
-        return simd::wordsOf<fractionBits>(shifted);
+        return simd::wordsOf<fractionBits>(sum + offset);
     }
 };
 

@@ -131,9 +131,7 @@ class WordPatches : public FlowPatchPlanes<Lum16s>
             const auto below = neighbours();
             const auto sum = simd::products(above_, w.nearest, w.right) + simd::products(below, w.below, w.both);
             above_ = below;
-            return simd::saturated(simd::eachSum(
-                []<int M>(simd::Vec<Lum32s, M> s) { return (s + simd::broadcast<M>(1 << (shift - 1))) >> shift; },
-                sum));
+            return simd::saturated((sum + (1 << (shift - 1))) >> shift);
         }
 
       private:

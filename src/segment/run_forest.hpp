@@ -10,6 +10,7 @@ namespace lumcv {
 
 inline constexpr int wordBits = 64;
 
+/// The words of a row of so many pixels.
 constexpr int64_t wordsOf(int64_t width)
 {
     return (width + wordBits - 1) / wordBits;

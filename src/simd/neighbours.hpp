@@ -5,6 +5,7 @@
 
 #include "simd/gather.hpp"
 #include "simd/pairs.hpp"
+#include "simd/wide_sums.hpp"
 
 namespace lumcv::simd {
 
@@ -65,26 +66,8 @@ template <int N>
     return {centred(load<N>(p)), centred(load<N>(p + 1))};
 }
 
-template <int N, Kind kind = kindOf<Lum16s, N>>
-struct NeighbourSums;
-
-template <>
-struct NeighbourSums<1, Kind::scalar>
-{
-    Vec<Lum32s, 1> sum;
-};
-
 template <int N>
-struct NeighbourSums<N, Kind::native>
-{
-    Vec<Lum32s, N / 2> even, odd;
-};
-
-template <int N>
-struct NeighbourSums<N, Kind::pair>
-{
-    NeighbourSums<N / 2> lo, hi;
-};
+using NeighbourSums = WideSums<ByParity, N>;
 
 /// p[i] * first + p[i + 1] * second for each of N places, modulo 2^32.
 template <int N>
@@ -96,42 +79,9 @@ template <int N>
     else if constexpr (N == 1)
         return {Vec<Lum32s, 1>{p.at.raw} * Vec<Lum32s, 1>{first} + Vec<Lum32s, 1>{p.next.raw} * Vec<Lum32s, 1>{second}};
     else {
-        using Half = Vec<Lum32s, N / 2>;
-        const auto both =
-            static_cast<Lum32s>(static_cast<Lum16u>(first) | static_cast<Lum32u>(static_cast<Lum16u>(second)) << 16);
-        const auto factors = bits(broadcast<N / 2>(both).raw);
-        const auto sums = [&](auto words) {
-            if constexpr (sizeof(Half) == 16)
-                return Half{(typename Half::Raw)_mm_madd_epi16(bits(words.raw), factors)};
-#if defined(__AVX2__)
-            else if constexpr (sizeof(Half) == 32)
-                return Half{(typename Half::Raw)_mm256_madd_epi16(bits(words.raw), factors)};
-#endif
-#if defined(__AVX512BW__)
-            else
-                return Half{(typename Half::Raw)_mm512_madd_epi16(bits(words.raw), factors)};
-#endif
-        };
-        return {sums(p.at), sums(p.next)};
+        const auto factors = inTurn<N>(first, second);
+        return {neighbourProducts(p.at, factors), neighbourProducts(p.next, factors)};
     }
-}
-
-/// Applies an operation of 32-bit lanes.
-template <int N, class Operation, class... Sums>
-[[gnu::always_inline]] inline NeighbourSums<N> eachSum(Operation operation, NeighbourSums<N> a, Sums... rest)
-{
-    if constexpr (kindOf<Lum16s, N> == Kind::pair)
-        return {eachSum(operation, a.lo, rest.lo...), eachSum(operation, a.hi, rest.hi...)};
-    else if constexpr (N == 1)
-        return {operation(a.sum, rest.sum...)};
-    else
-        return {operation(a.even, rest.even...), operation(a.odd, rest.odd...)};
-}
-
-template <int N>
-[[gnu::always_inline]] inline NeighbourSums<N> operator+(NeighbourSums<N> a, NeighbourSums<N> b)
-{
-    return eachSum([](auto x, auto y) { return x + y; }, a, b);
 }
 
 /// The bits from `lowest` on, 16 of them, of each sum, in the order of the places.
@@ -145,8 +95,8 @@ template <int lowest, int N>
     else if constexpr (N == 1)
         return {static_cast<Lum16u>(a.sum.raw >> lowest)};
     else {
-        const auto even = bits(a.even.raw >> lowest);
-        const auto odd = bits(wrapping(a.odd) << (16 - lowest));
+        const auto even = bits(a.first.raw >> lowest);
+        const auto odd = bits(wrapping(a.second) << (16 - lowest));
         if constexpr (sizeof(V) == 16)
             return {(typename V::Raw)_mm_blend_epi16(even, odd, 0xAA)};
 #if defined(__AVX2__)

@@ -21,4 +21,5 @@
 #include "simd/sums.hpp"
 #include "simd/transpose.hpp"
 #include "simd/vec.hpp"
+#include "simd/wide_sums.hpp"
 #include "simd/word_sums.hpp"

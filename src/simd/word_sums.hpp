@@ -4,30 +4,12 @@
 
 #include "simd/convert.hpp"
 #include "simd/halves.hpp"
-#include "simd/sums.hpp"
+#include "simd/wide_sums.hpp"
 
 namespace lumcv::simd {
 
-template <int N, Kind kind = kindOf<Lum16s, N>>
-struct WordSums;
-
-template <>
-struct WordSums<1, Kind::scalar>
-{
-    Vec<Lum32s, 1> sum;
-};
-
 template <int N>
-struct WordSums<N, Kind::native>
-{
-    Vec<Lum32s, N / 2> low, high;  ///< of the lower and the upper words of each 16-byte group
-};
-
-template <int N>
-struct WordSums<N, Kind::pair>
-{
-    WordSums<N / 2> lo, hi;
-};
+using WordSums = WideSums<ByHalves, N>;
 
 /// The lanes of two vectors side by side, in the order of the sums that they go into.
 template <int N, Kind kind = kindOf<Lum16s, N>>
@@ -83,23 +65,8 @@ template <int N>
     else if constexpr (N == 1)
         return {Vec<Lum32s, 1>{p.first.raw} * Vec<Lum32s, 1>{ka} + Vec<Lum32s, 1>{p.second.raw} * Vec<Lum32s, 1>{kb}};
     else {
-        using Half = Vec<Lum32s, N / 2>;
-        const auto taps = bits(broadcast<N / 2>(static_cast<Lum32s>(static_cast<Lum16u>(ka) |
-                                                                    static_cast<Lum32u>(static_cast<Lum16u>(kb)) << 16))
-                                   .raw);
-        const auto half = [&](auto interleaved) {
-            if constexpr (sizeof(Half) == 16)
-                return Half{(typename Half::Raw)_mm_madd_epi16(bits(interleaved.raw), taps)};
-#if defined(__AVX2__)
-            else if constexpr (sizeof(Half) == 32)
-                return Half{(typename Half::Raw)_mm256_madd_epi16(bits(interleaved.raw), taps)};
-#endif
-#if defined(__AVX512BW__)
-            else
-                return Half{(typename Half::Raw)_mm512_madd_epi16(bits(interleaved.raw), taps)};
-#endif
-        };
-        return {half(p.low), half(p.high)};
+        const auto factors = inTurn<N>(ka, kb);
+        return {neighbourProducts(p.low, factors), neighbourProducts(p.high, factors)};
     }
 }
 
@@ -144,44 +111,6 @@ template <int N>
     }
 }
 
-/// Applies an operation of 32-bit lanes.
-template <int N, class Operation, class... Sums>
-[[gnu::always_inline]] inline WordSums<N> eachSum(Operation operation, WordSums<N> a, Sums... rest)
-{
-    if constexpr (kindOf<Lum16s, N> == Kind::pair)
-        return {eachSum(operation, a.lo, rest.lo...), eachSum(operation, a.hi, rest.hi...)};
-    else if constexpr (N == 1)
-        return {operation(a.sum, rest.sum...)};
-    else
-        return {operation(a.low, rest.low...), operation(a.high, rest.high...)};
-}
-
-template <int N>
-[[gnu::always_inline]] inline WordSums<N> operator+(WordSums<N> a, WordSums<N> b)
-{
-    return eachSum([](auto x, auto y) { return x + y; }, a, b);
-}
-
-/// The sums modulo 2^32, each plus a value.
-template <int N>
-[[gnu::always_inline]] inline WordSums<N> operator+(WordSums<N> a, Lum32s value)
-{
-    return eachSum([value]<int M>(Vec<Lum32s, M> x) { return x + broadcast<M>(value); }, a);
-}
-
-/// The product modulo 2^32.
-template <int N>
-[[gnu::always_inline]] inline WordSums<N> operator*(WordSums<N> a, Lum32s scale)
-{
-    return eachSum([scale]<int M>(Vec<Lum32s, M> x) { return x * broadcast<M>(scale); }, a);
-}
-
-template <int N>
-[[gnu::always_inline]] inline WordSums<N> operator>>(WordSums<N> a, int places)
-{
-    return eachSum([places](auto x) { return x >> places; }, a);
-}
-
 /// The sums as words, saturated.
 template <int N>
 [[gnu::always_inline]] inline Vec<Lum16s, N> saturated(WordSums<N> a)
@@ -192,9 +121,9 @@ template <int N>
     else if constexpr (N == 1)
         return {clampTo<Lum16s>(a.sum.raw)};
     else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)_mm_packs_epi32(bits(a.low.raw), bits(a.high.raw))};
+        return {(typename V::Raw)_mm_packs_epi32(bits(a.first.raw), bits(a.second.raw))};
     else
-        return {(typename V::Raw)grouped<Lum16s>(bits(a.low.raw), bits(a.high.raw))};
+        return {(typename V::Raw)grouped<Lum16s>(bits(a.first.raw), bits(a.second.raw))};
 }
 
 /// The sums in the order of their words.
@@ -205,20 +134,20 @@ template <int N>
         return {inOrder(a.lo), inOrder(a.hi)};
     else if constexpr (N == 1)
         return a.sum;
-    else if constexpr (sizeof a.low == 16)
-        return joined(a.low, a.high);
+    else if constexpr (sizeof a.first == 16)
+        return joined(a.first, a.second);
     else {
         using Half = Vec<Lum32s, N / 2>;
         [[maybe_unused]] const auto half = [](auto raw) { return Half{(typename Half::Raw)raw}; };
-        [[maybe_unused]] const auto low = bits(a.low.raw);
-        [[maybe_unused]] const auto high = bits(a.high.raw);
+        [[maybe_unused]] const auto low = bits(a.first.raw);
+        [[maybe_unused]] const auto high = bits(a.second.raw);
 #if defined(__AVX2__)
-        if constexpr (sizeof a.low == 32)
+        if constexpr (sizeof a.first == 32)
             return joined(half(_mm256_permute2x128_si256(low, high, 0x20)),
                           half(_mm256_permute2x128_si256(low, high, 0x31)));
 #endif
 #if defined(__AVX512BW__)
-        if constexpr (sizeof a.low == 64) {
+        if constexpr (sizeof a.first == 64) {
             const auto first = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);
             const auto second = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);
             return joined(half(_mm512_permutex2var_epi64(low, first, high)),
