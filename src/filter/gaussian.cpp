@@ -1,11 +1,23 @@
 // The Gaussian filter. Both passes fold the symmetric kernel: centre * t[h], then for d = 1..h the weight at distance d
 // times the sum of the two pixels at that distance; each operation rounds to single precision.
+#include "filter/byte_kernels.hpp"
 #include "filter/gaussian_record.hpp"
 #include "filter/separable_bands.hpp"
 #include "frame/checks.hpp"
 
 namespace lumcv {
 namespace {
+
+/// Folds what at(i) gives for the distances i from the centre.
+template <int lanes, class Taps, class At>
+[[gnu::always_inline]] inline auto folded(const Taps& taps, At at)
+{
+    const int64_t h = taps.count() - 1;
+    auto sum = at(0) * simd::broadcast<lanes>(taps.t[h]);
+    for (int64_t d = 1; d <= h; ++d)
+        sum = sum + (at(-d) + at(d)) * simd::broadcast<lanes>(taps.t[h - d]);
+    return sum;
+}
 
 /// A row of floats, folded along itself.
 template <class Taps, class Channels>
@@ -18,14 +30,7 @@ struct RowFold
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
     {
-        const int64_t h = taps.count() - 1;
-        const Lum32f* s = line + x;
-        auto sum = simd::load<lanes>(s) * simd::broadcast<lanes>(taps.t[h]);
-        for (int64_t d = 1; d <= h; ++d) {
-            const auto pair = simd::load<lanes>(s - d * channels) + simd::load<lanes>(s + d * channels);
-            sum = sum + pair * simd::broadcast<lanes>(taps.t[h - d]);
-        }
-        return sum;
+        return folded<lanes>(taps, [=, this](int64_t i) { return simd::load<lanes>(line + x + i * channels); });
     }
 };
 
@@ -53,12 +58,7 @@ struct ColumnFold<FixedTaps<count>>
     template <class Lanes>
     [[gnu::always_inline]] auto operator()(int64_t x, Lanes lanes) const
     {
-        auto sum = simd::load<lanes>(rows[h] + x) * simd::broadcast<lanes>(taps.t[h]);
-        for (int d = 1; d <= h; ++d) {
-            const auto pair = simd::load<lanes>(rows[h - d] + x) + simd::load<lanes>(rows[h + d] + x);
-            sum = sum + pair * simd::broadcast<lanes>(taps.t[h - d]);
-        }
-        return sum;
+        return folded<lanes>(taps, [=, this](int64_t i) { return simd::load<lanes>(rows[h + i] + x); });
     }
 };
 
@@ -137,6 +137,39 @@ struct GaussianFolds
     }
 };
 
+/// Both folds of bytes, in a single pass.
+template <int count>
+struct GaussianMask
+{
+    static constexpr int h = count - 1;
+    static constexpr int size = 2 * h + 1;
+    using RowSteps = Steps<WeightedStep>;
+
+    FixedTaps<count> taps;
+    Lum32f constant;  ///< the taps sum to one
+
+    template <class Pixels>
+    [[gnu::always_inline]] auto along(Pixels at) const
+    {
+        return folded<WeightedBytes::lanes>(taps, at);
+    }
+
+    template <class Results>
+    [[gnu::always_inline]] auto across(Results r) const
+    {
+        return folded<WeightedBytes::lanes>(taps, [r](int64_t i) { return r(0, h + i); });
+    }
+};
+
+template <int count>
+void filterImage(const SeparableImages<Lum8u, Lum8u, 1>& images, const FixedTaps<count>& taps, Lum8u* buffer)
+{
+    using Mask = GaussianMask<count>;
+    filterBytes(images, buffer, gaussianScratch(images.roiSize.width, Mask::size, 1), [&](Lum32f borderValue) {
+        return Mask{taps, borderValue};
+    });
+}
+
 template <class T, int channels, class Taps>
 void filterImage(const SeparableImages<T, T, channels>& images, const Taps& taps, Lum8u* buffer)
 {
@@ -171,7 +204,7 @@ LumStatus filter(Checks checks, Plane<const T> src, Plane<T> dst, LumiSizeL roiS
     if (!isGaussianKernelSize(kernel.header.kernelSize))
         return lumErrArgument;
     const auto run = [&](auto taps) {
-        filterImage<T, channels>({src, dst, roiSize, Border(borderType), borderValue}, taps, buffer);
+        filterImage(SeparableImages<T, T, channels>{src, dst, roiSize, Border(borderType), borderValue}, taps, buffer);
     };
     switch (kernel.header.kernelSize) {
         case 3:

@@ -28,11 +28,10 @@ constexpr int64_t firstRecordSize(int64_t kernelSize, LumDataType dataType)
     return dataType == lumType32f ? 32 * kernelSize + 32 : 16 * kernelSize + 36;
 }
 
-/// A ring of kernelSize rows of floats and one more row, which holds a source row with its borders.
 int64_t ringSize(LumiSizeL roiSize, int64_t kernelSize, int channels)
 {
     const int64_t pitch = gaussianRingPitch(roiSize.width, channels);
-    return pitch > largestSize ? pitch : (kernelSize + 1) * pitch + 12 * kernelSize + 64;
+    return pitch > largestSize ? pitch : gaussianScratch(roiSize.width, kernelSize, channels);
 }
 
 /// What a pair of row and column pipelines would need for the same filter.

@@ -43,4 +43,11 @@ constexpr int64_t gaussianRingPitch(int64_t width, int channels)
     return roundedUp(4 * width * channels, 64);
 }
 
+/// Bytes that apply works in: a ring of kernelSize rows of floats and one more row, which has room for a source row
+/// with its borders.
+constexpr int64_t gaussianScratch(int64_t width, int64_t kernelSize, int channels)
+{
+    return (kernelSize + 1) * gaussianRingPitch(width, channels) + 12 * kernelSize + 64;
+}
+
 }  // namespace lumcv

@@ -1,11 +1,11 @@
-// The driver of the fixed masks: each source row goes once through the row steps, on its way into a ring of rows, and
-// the ring is combined into one destination row at a time. The image is worked through in bands of columns narrow
-// enough for the ring to stay in the first-level cache.
+// The driver of the fixed masks, and of small kernels over bytes: each source row goes once through the row steps, on
+// its way into a ring of rows, and the ring is combined into one destination row at a time. The image is worked through
+// in bands of columns narrow enough for the ring to stay in the first-level cache.
 //
 // A row of a band is a sequence of blocks of `lanes` pixels; the last one ends where the band ends, and overlaps the
 // one before it. The ring holds for each block what the row steps made of it, in whatever order suits the arithmetic.
-// Source rows are read in place, but for the blocks that need pixels beyond the ends of the row: these are first laid
-// out.
+// Source rows are read in place, but for the blocks that need pixels beyond the ends of the row, which are laid out
+// before.
 //
 // A filter comes as a Mask:
 //   size            its rows and columns
@@ -19,7 +19,11 @@
 //                   the rows that are now complete (nothing of value while the first rows come in); k.load(i),
 //                   k.store(i, v) reach the values, and k.exchange(v) puts v into the ring in place of the row that
 //                   leaves the mask
-// Masks of three rows take two at a time: what they keep is then read and written once for both.
+// A kernel whose weights come at run time works in single precision. It has
+//   RowSteps        Steps<WeightedStep>
+//   along(at)       what a row becomes; at(i) are the pixels at the distance i from the centre
+//   constant        what becomes of a row that is constant
+// Fixed masks of three rows take two at a time: what they keep is then read and written once for both.
 #pragma once
 
 #include <algorithm>
@@ -65,6 +69,7 @@ struct MaskArithmetic<Lum8u>
 {
     using Element = Lum16s;
     static constexpr int lanes = simd::registerLanes<Lum8u>;
+    static constexpr int64_t beyond = 0;  ///< what along() reads behind the last tap of the last pixel
     using Value = simd::SplitWords<lanes>;
 
     template <class Step>
@@ -99,6 +104,7 @@ struct MaskArithmetic<Lum32f>
 {
     using Element = Lum32f;
     static constexpr int lanes = 16;
+    static constexpr int64_t beyond = 0;
     using Value = simd::Vec<Lum32f, lanes>;
 
     template <class Step>
@@ -123,6 +129,46 @@ struct MaskArithmetic<Lum32f>
         return v;
     }
 };
+
+/// Bytes in single precision, for weights that come at run time.
+struct WeightedBytes
+{
+    using Element = Lum32f;
+    static constexpr int lanes = simd::phasedLanes;
+    static constexpr int64_t beyond = 3;
+    using Value = simd::Vec<Lum32f, lanes>;  ///< in phases
+
+    template <class Mask>
+    [[gnu::always_inline]] static Value along(const Mask& mask, const Lum8u* s)
+    {
+        return mask.along([s](int i) { return simd::loadPhases<lanes>(s + i); });
+    }
+
+    [[gnu::always_inline]] static Value load(const Element* p)
+    {
+        return simd::load<lanes>(p);
+    }
+
+    [[gnu::always_inline]] static void store(Element* p, Value v)
+    {
+        simd::store(p, v);
+    }
+
+    template <class D>
+    [[gnu::always_inline]] static auto result(Value v)
+    {
+        return simd::roundPhasesTo<D>(v);
+    }
+};
+
+/// The row step of a weighted mask.
+struct WeightedStep;
+
+template <class Mask>
+inline constexpr bool isWeighted = std::is_same_v<typename Mask::RowSteps, Steps<WeightedStep>>;
+
+template <class Mask, class S>
+using ArithmeticOf = std::conditional_t<isWeighted<Mask>, WeightedBytes, MaskArithmetic<S>>;
 
 template <class Mask>
 inline constexpr bool isCarriedOn = requires
@@ -160,18 +206,16 @@ constexpr int rowsOf()
 
 /// A mask of three rows, two of which come in at a time: the results of the two rows before them are carried on.
 template <class Mask>
-struct InPairs
+struct InPairs : Mask
 {
-    static constexpr int size = 3;
-    static_assert(Mask::size == size);
-    using RowSteps = typename Mask::RowSteps;
+    static_assert(Mask::size == 3);
     static constexpr int rows = 2;
     static constexpr bool hasRing = false;
-    static constexpr int steps = RowSteps::count;
+    static constexpr int steps = Mask::RowSteps::count;
     static constexpr int kept = 2 * steps;
 
     template <class Kept, class Value, class... More>
-    [[gnu::always_inline]] static std::array<Value, 2> advance(Kept k, Value first, More... more)
+    [[gnu::always_inline]] std::array<Value, 2> advance(Kept k, Value first, More... more) const
     {
         const Value entering[kept] = {first, more...};
         Value leaving[kept];
@@ -194,7 +238,7 @@ struct InPairs
 template <class Mask, class S, class D>
 struct MaskBlock
 {
-    using Arithmetic = MaskArithmetic<S>;
+    using Arithmetic = ArithmeticOf<Mask, S>;
     using Element = typename Arithmetic::Element;
     using Value = typename Arithmetic::Value;
     static constexpr int lanes = Arithmetic::lanes;
@@ -202,6 +246,7 @@ struct MaskBlock
     static constexpr int steps = hasRing<Mask>() ? Mask::RowSteps::count : 1;  ///< values of a block in a row
     static constexpr int blockElements = lanes * steps;
 
+    [[no_unique_address]] Mask mask;
     Element* rows[Mask::size];
     Element* kept;
     int64_t pitch;  ///< from one kept row to the next
@@ -227,7 +272,7 @@ struct MaskBlock
         } else {
             along(s[0], at, typename Mask::RowSteps{});
             put(0, Arithmetic::template result<D>(
-                       Mask::across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); })));
+                       mask.across([&](int i, int j) { return Arithmetic::load(rows[j] + at + i * lanes); })));
         }
     }
 
@@ -256,34 +301,70 @@ struct MaskBlock
         }
     };
 
+    template <class RowStep>
+    [[gnu::always_inline]] Value step(const S* s) const
+    {
+        if constexpr (!isWeighted<Mask>)
+            return Arithmetic::template along<RowStep>(s);
+        else
+            return s ? Arithmetic::along(mask, s) : simd::broadcast<lanes>(mask.constant);
+    }
+
     template <class... RowSteps>
     [[gnu::always_inline]] void along(const S* s, int64_t at, Steps<RowSteps...>) const
     {
         int i = 0;
-        (Arithmetic::store(rows[Mask::size - 1] + at + i++ * lanes, Arithmetic::template along<RowSteps>(s)), ...);
+        (Arithmetic::store(rows[Mask::size - 1] + at + i++ * lanes, step<RowSteps>(s)), ...);
     }
 
     template <class... RowSteps>
     [[gnu::always_inline]] auto advance(const S* const (&s)[rowsIn], int64_t at, Steps<RowSteps...>) const
     {
         if constexpr (rowsIn == 1)
-            return Mask::advance(Kept{*this, at}, Arithmetic::template along<RowSteps>(s[0])...);
+            return mask.advance(Kept{*this, at}, step<RowSteps>(s[0])...);
         else
-            return Mask::advance(Kept{*this, at}, Arithmetic::template along<RowSteps>(s[0])...,
-                                 Arithmetic::template along<RowSteps>(s[1])...);
+            return mask.advance(Kept{*this, at}, step<RowSteps>(s[0])..., step<RowSteps>(s[1])...);
     }
 };
 
-/// Where a run of blocks is read, and the row that will be wanted next.
+/// The blocks [first, last) of a row.
+struct MaskRun
+{
+    int64_t first, last;
+    bool isLaidOut;  ///< whether they are read where the row is laid out, not in the row itself
+    int64_t from;    ///< the first of their pixels, there
+    int64_t to;      ///< the same within the band
+};
+
+/// The runs of all rows of a band, in the order in which they are worked on.
+struct MaskRuns
+{
+    static constexpr int most = 4;
+    MaskRun run[most];
+    int count = 0;
+
+    void add(const MaskRun& next)
+    {
+        run[count++] = next;
+    }
+};
+
+/// Where a row is read.
 template <class S>
 struct MaskSource
 {
-    const S* first;  ///< the first pixel of the first block
-    int64_t step;    ///< from block to block: `lanes`, or 0 if all are alike
-    const S* ahead;
+    const S* inRow;    ///< the band's first pixel
+    const S* laidOut;  ///< the first pixel that is laid out; null for constant rows of weighted masks
+    int64_t step;      ///< from block to block: `lanes`, or 0 where all are alike, which are laid out
+    const S* ahead;    ///< the row that will be wanted next
+
+    const S* first(const MaskRun& run) const
+    {
+        return step == 0 ? laidOut : (run.isLaidOut ? laidOut : inRow) + run.from;
+    }
 };
 
-/// Where a run of blocks is written, and the row that will be wanted next.
+/// Where a row is written, and the row that will be wanted next.
 template <class D>
 struct MaskDestination
 {
@@ -302,65 +383,73 @@ struct MaskRows
 // was stored by. Copied here, they are in registers, whatever the stores of pixels may alias.
 
 template <class Block, class S, int rows>
-[[gnu::flatten, gnu::noinline]] void maskIn(const Block& block, const MaskRows<MaskSource<S>, rows>& src, int64_t first,
-                                            int64_t last)
+[[gnu::flatten, gnu::noinline]] void maskIn(const Block& block, const MaskRuns& runs,
+                                            const MaskRows<MaskSource<S>, rows>& src)
 {
     const Block steps = block;
-    const S* s[rows];
-    int64_t step[rows];
-    for (int i = 0; i < rows; ++i) {
-        s[i] = src.row[i].first;
-        step[i] = src.row[i].step;
-    }
-    for (; first < last; ++first) {
-        steps.enter(s, first);
-        for (int i = 0; i < rows; ++i)
-            s[i] += step[i];
+    for (int r = 0; r < runs.count; ++r) {
+        const S* s[rows];
+        int64_t step[rows];
+        for (int i = 0; i < rows; ++i) {
+            s[i] = src.row[i].first(runs.run[r]);
+            step[i] = src.row[i].step;
+        }
+        for (int64_t at = runs.run[r].first; at < runs.run[r].last; ++at) {
+            steps.enter(s, at);
+            for (int i = 0; i < rows; ++i)
+                s[i] += step[i];
+        }
     }
 }
 
 /// The column step of each block follows its row steps, so that the loads of the one overlap with the arithmetic of the
 /// other.
 template <class Block, class S, class D, int rows>
-[[gnu::flatten, gnu::noinline]] void maskThrough(const Block& block, const MaskRows<MaskSource<S>, rows>& src,
-                                                 const MaskRows<MaskDestination<D>, rows>& dst, int64_t first,
-                                                 int64_t last)
+[[gnu::flatten, gnu::noinline]] void maskThrough(const Block& block, const MaskRuns& runs,
+                                                 const MaskRows<MaskSource<S>, rows>& src,
+                                                 const MaskRows<MaskDestination<D>, rows>& dst)
 {
     constexpr int64_t lineBytes = 64;
     constexpr int64_t blocksOfLine = lineBytes / (Block::lanes * static_cast<int64_t>(sizeof(S)));
     const Block steps = block;
-    const S* s[rows];
-    const S* srcAhead[rows];
-    int64_t step[rows];
-    D* d[rows];
-    const D* dstAhead[rows];
-    for (int i = 0; i < rows; ++i) {
-        s[i] = src.row[i].first;
-        step[i] = src.row[i].step;
-        srcAhead[i] = src.row[i].ahead;
-        d[i] = dst.row[i].first;
-        dstAhead[i] = dst.row[i].ahead;
-    }
-    const auto one = [&] {
-        steps.through(s, first, [&](int i, auto vector) { simd::store(d[i], vector); });
+    const int count = runs.count;
+    for (int r = 0; r < count; ++r) {
+        const MaskRun& run = runs.run[r];
+        const S* s[rows];
+        const S* srcAhead[rows];
+        int64_t step[rows];
+        D* d[rows];
+        const D* dstAhead[rows];
         for (int i = 0; i < rows; ++i) {
-            s[i] += step[i];
-            d[i] += Block::lanes;
+            s[i] = src.row[i].first(run);
+            step[i] = src.row[i].step;
+            srcAhead[i] = src.row[i].ahead + run.to;
+            d[i] = dst.row[i].first + run.to;
+            dstAhead[i] = dst.row[i].ahead + run.to;
         }
-        ++first;
-    };
-    while (first + blocksOfLine <= last) {
-        for (int i = 0; i < rows; ++i) {
-            simd::prefetch<blocksOfLine * Block::lanes>(srcAhead[i]);
-            simd::prefetch<blocksOfLine * Block::lanes>(dstAhead[i]);
-            srcAhead[i] += blocksOfLine * Block::lanes;
-            dstAhead[i] += blocksOfLine * Block::lanes;
+        int64_t at = run.first;
+        const int64_t last = run.last;
+        const auto one = [&] {
+            steps.through(s, at, [&](int i, auto vector) { simd::store(d[i], vector); });
+            for (int i = 0; i < rows; ++i) {
+                s[i] += step[i];
+                d[i] += Block::lanes;
+            }
+            ++at;
+        };
+        while (at + blocksOfLine <= last) {
+            for (int i = 0; i < rows; ++i) {
+                simd::prefetch<blocksOfLine * Block::lanes>(srcAhead[i]);
+                simd::prefetch<blocksOfLine * Block::lanes>(dstAhead[i]);
+                srcAhead[i] += blocksOfLine * Block::lanes;
+                dstAhead[i] += blocksOfLine * Block::lanes;
+            }
+            for (int i = 0; i < blocksOfLine; ++i)
+                one();
         }
-        for (int i = 0; i < blocksOfLine; ++i)
+        while (at < last)
             one();
     }
-    while (first < last)
-        one();
 }
 
 template <class S, class D>
@@ -384,14 +473,21 @@ class MaskBand
     static constexpr int64_t reach = Mask::size / 2;
 
     static constexpr int64_t shortRow = 256 / static_cast<int64_t>(sizeof(S));
-    static_assert(shortRow >= lanes);
+    static_assert(shortRow >= 4 * lanes);
 
     static constexpr int64_t slots = hasRing<Mask>() ? Mask::size : 0;
     static constexpr int64_t ringRows = slots + keptValues<Mask>();
 
     static constexpr int rowsIn = Block::rowsIn;
+    static constexpr int64_t beyond = Block::Arithmetic::beyond;
+
+    /// What is laid out of a row: the whole of it, or the first block, and up to two blocks from here on, the last
+    /// ones.
+    static constexpr int64_t laidRight = lanes + 2 * reach + beyond;
     static constexpr int64_t edgeElements =
-        roundedUp((shortRow + 2 * reach) * static_cast<int64_t>(sizeof(S)), 64) / static_cast<int64_t>(sizeof(S));
+        roundedUp((shortRow + 2 * reach + beyond) * static_cast<int64_t>(sizeof(S)), 64) /
+        static_cast<int64_t>(sizeof(S));
+    static_assert(laidRight + 2 * lanes + 2 * reach + beyond <= edgeElements);
 
   public:
     /// Bytes of space for each block of the band.
@@ -401,8 +497,9 @@ class MaskBand
     /// Bytes of space beside the blocks.
     static constexpr int64_t edgeBytes = rowsIn * edgeElements * static_cast<int64_t>(sizeof(S));
 
-    MaskBand(const MaskImages<S, D>& images, int64_t begin, int64_t end, Lum8u* space)
-        : images_(images),
+    MaskBand(const Mask& mask, const MaskImages<S, D>& images, int64_t begin, int64_t end, Lum8u* space)
+        : mask_(mask),
+          images_(images),
           begin_(begin),
           end_(end),
           blocks_((end - begin + lanes - 1) / lanes),
@@ -410,6 +507,7 @@ class MaskBand
           ring_{reinterpret_cast<Element*>(space + edgeBytes), blocks_ * Block::blockElements, Mask::size},
           lines_(reinterpret_cast<D*>(ring_.slot(ringRows)))
     {
+        layRuns();
         if constexpr (isCarriedOn<Mask>)
             for (Element* p = ring_.rows; p < ring_.slot(ringRows); p += lanes)
                 simd::store(p, simd::broadcast<lanes>(Element{0}));
@@ -459,15 +557,32 @@ class MaskBand
         return {row, images_.roiSize.width, images_.border, &images_.borderValue};
     }
 
-    /// A row that comes in.
-    struct Entering
+    /// What can be read in place is worked on first: loads of what has just been laid out span several stores, and
+    /// would wait until these have left the core.
+    void layRuns()
     {
-        const S* row;    ///< null if it is constant
-        S* edge;         ///< where blocks are laid out; a constant or a short row lies there as a whole
-        const S* ahead;  ///< the row that will be wanted next
-    };
+        const int64_t n = end_ - begin_;
+        if (isShort()) {
+            const int64_t full = n < lanes ? 1 : n / lanes;
+            runs_.add({0, full, true, 0, 0});
+            if (full < blocks_)
+                runs_.add({full, blocks_, true, offset(full), offset(full)});
+            return;
+        }
+        const ExtendedRow<S, 1> any = extended(nullptr);
+        const int64_t readable = any.readableTo(images_.roiSize.width + reach) - beyond;
+        const int64_t first = any.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
+        const int64_t last = (std::min(readable, end_ + reach) - reach - begin_) / lanes;
+        hasLeftEdge_ = first > 0;
+        rightEdge_ = last < blocks_ ? offset(last) : n;
+        runs_.add({first, last, false, first * lanes, first * lanes});
+        if (hasLeftEdge_)
+            runs_.add({0, first, true, 0, 0});
+        for (int64_t i = last; i < blocks_; ++i)
+            runs_.add({i, i + 1, true, laidRight + offset(i) - rightEdge_, offset(i)});
+    }
 
-    Entering entering(const SourceRow& source, int i) const
+    MaskSource<S> entering(const SourceRow& source, int i) const
     {
         const int64_t next = std::clamp<int64_t>(source.index + rowsIn, 0, images_.roiSize.height - 1);
         S* const edge = edges_ + i * edgeElements;
@@ -480,98 +595,64 @@ class MaskBand
             extended(row).read(begin_ - reach, end_ + reach, edge);
             for (int64_t x = n + 2 * reach; x < lanes + 2 * reach; ++x)
                 edge[x] = S{};
+        } else {
+            if (hasLeftEdge_)
+                extended(row).read(begin_ - reach, begin_ + lanes + reach, edge);
+            if (rightEdge_ < end_ - begin_)
+                extended(row).read(begin_ + rightEdge_ - reach, end_ + reach, edge + laidRight);
         }
-        return {row, edge, isShort() ? edge : images_.src.row(next) + begin_};
-    }
-
-    /// Where so many blocks from x on are read.
-    MaskSource<S> sourceAt(const Entering& in, int64_t x, int64_t blocks) const
-    {
-        const S* const ahead = in.ahead + x;
-        if (!in.row)
-            return {in.edge + reach, 0, ahead};
-        if (isShort())
-            return {in.edge + reach + x, lanes, ahead};
-        const int64_t first = begin_ + x - reach, last = begin_ + x + blocks * lanes + reach;
-        if (extended(in.row).isInMemory(first, last))
-            return {in.row + begin_ + x, lanes, ahead};
-        extended(in.row).read(first, last, in.edge);
-        return {in.edge + reach, lanes, ahead};
+        const S* const laidOut = !row && isWeighted<Mask> ? nullptr : edge + reach;
+        return {row ? row + begin_ : nullptr, laidOut, row ? lanes : 0,
+                isShort() ? edge : images_.src.row(next) + begin_};
     }
 
     void advance(const RingStep (&steps)[rowsIn])
     {
-        Block block;
+        Block block{mask_, {}, ring_.slot(slots), ring_.pitch};
         for (int64_t j = 0; j < Mask::size; ++j)
             block.rows[j] = ring_.rowBehind(steps[0].firstSlot, j);
-        block.kept = ring_.slot(slots);
-        block.pitch = ring_.pitch;
         const bool isAside = images_.isLarge || end_ - begin_ < lanes;
-        Entering in[rowsIn];
-        MaskDestination<D> out[rowsIn];
+        MaskRows<MaskSource<S>, rowsIn> src;
+        MaskRows<MaskDestination<D>, rowsIn> dst;
         for (int i = 0; i < rowsIn; ++i) {
-            in[i] = entering(steps[i].row, i);
+            src.row[i] = entering(steps[i].row, i);
             const int64_t y = steps[i].output;
             const int64_t next = y + rowsIn < images_.roiSize.height ? y + rowsIn : y;
-            out[i].first = isAside || y < 0 ? line(i) : images_.dst.row(y) + begin_;
-            out[i].ahead = isShort() || y < 0 ? line(i) : images_.dst.row(next) + begin_;
+            dst.row[i].first = isAside || y < 0 ? line(i) : images_.dst.row(y) + begin_;
+            dst.row[i].ahead = isShort() || y < 0 ? line(i) : images_.dst.row(next) + begin_;
         }
-        eachRun([&](int64_t first, int64_t last, int64_t x) {
-            MaskRows<MaskSource<S>, rowsIn> src;
-            MaskRows<MaskDestination<D>, rowsIn> dst;
-            for (int i = 0; i < rowsIn; ++i) {
-                src.row[i] = sourceAt(in[i], x, last - first);
-                dst.row[i] = {out[i].first + x, out[i].ahead + x};
-            }
-            if (steps[0].output < 0)
-                maskIn(block, src, first, last);
-            else
-                maskThrough(block, src, dst, first, last);
-        });
+        if (steps[0].output < 0)
+            maskIn(block, runs_, src);
+        else
+            maskThrough(block, runs_, src, dst);
         for (int i = 0; isAside && i < rowsIn; ++i)
             if (steps[i].output >= 0)
                 storeRow<lanes>(images_.dst.row(steps[i].output) + begin_, end_ - begin_, images_.isLarge,
                                 [from = line(i)](int64_t x, auto n) { return simd::load<n>(from + x); });
     }
 
-    /// Calls run(first, last, x) for the blocks [first, last) of a row; x is where the first of them begins within the
-    /// band. Runs of more than one block can be read in place, unless the row is laid out as a whole.
-    template <class Run>
-    void eachRun(Run run) const
-    {
-        if (isShort()) {
-            const int64_t n = end_ - begin_, full = n < lanes ? 1 : n / lanes;
-            run(0, full, 0);
-            if (full < blocks_)
-                run(full, blocks_, offset(full));
-            return;
-        }
-        const ExtendedRow<S, 1> any = extended(nullptr);
-        const int64_t first = any.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
-        const int64_t readable = any.readableTo(end_ + reach) - reach - begin_;
-        const int64_t last = readable < 0 ? 0 : readable / lanes;
-        if (first == 1)
-            run(0, 1, 0);
-        if (first < last)
-            run(first, last, first * lanes);
-        for (int64_t i = first < last ? last : first; i < blocks_; ++i)
-            run(i, i + 1, offset(i));
-    }
-
+    [[no_unique_address]] Mask mask_;
     const MaskImages<S, D>& images_;
     int64_t begin_, end_;
     int64_t blocks_;
-    S* edges_;  ///< for each row that comes in, a block and its neighbours, laid out, or a short row
+    S* edges_;  ///< for each row that comes in, what is laid out of it
     RingOf<Element> ring_;
     D* lines_;  ///< rows of results that are not stored at once
+    MaskRuns runs_;
+
+    // Of rows that are not short.
+    bool hasLeftEdge_ = false;
+    int64_t rightEdge_ = 0;  ///< where the blocks begin that reach beyond the right end
 };
 
 /// `space` has room for a block at least.
 template <class Mask, class S, class D>
-void filterByMask(const MaskImages<S, D>& images, LineSpace<Lum8u>& space)
+void filterByMask(const MaskImages<S, D>& images, LineSpace<Lum8u>& space, const Mask& mask = {})
 {
-    using Band = MaskBand<std::conditional_t<Mask::size == 3 && !isCarriedOn<Mask>, InPairs<Mask>, Mask>, S, D>;
-    constexpr int64_t lanes = MaskArithmetic<S>::lanes;
+    using BandMask =
+        std::conditional_t<Mask::size == 3 && !isCarriedOn<Mask> && !isWeighted<Mask>, InPairs<Mask>, Mask>;
+    using Band = MaskBand<BandMask, S, D>;
+    constexpr int64_t lanes = ArithmeticOf<Mask, S>::lanes;
     const int64_t bytes = space.size() < bandBytes ? space.size() : bandBytes;
     const int64_t widest = (bytes - Band::edgeBytes) / Band::blockBytes * lanes;
     const int64_t width = images.roiSize.width;
@@ -579,7 +660,7 @@ void filterByMask(const MaskImages<S, D>& images, LineSpace<Lum8u>& space)
     for (int64_t begin = 0; begin < width; begin += columns) {
         // a band has a block at least, so the last one may begin within the one before it
         const int64_t end = begin + columns < width ? begin + columns : width;
-        Band(images, end - begin < lanes && end > lanes ? end - lanes : begin, end, space.data()).run();
+        Band(BandMask{mask}, images, end - begin < lanes && end > lanes ? end - lanes : begin, end, space.data()).run();
     }
     if (images.isLarge)
         simd::fence();

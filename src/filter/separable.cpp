@@ -1,6 +1,7 @@
 // The separable filter: two convolutions in single precision, by kernels of the caller.
 #include <cstring>
 
+#include "filter/byte_kernels.hpp"
 #include "filter/convolution.hpp"
 #include "filter/separable_bands.hpp"
 #include "filter/separable_record.hpp"
@@ -63,6 +64,12 @@ struct Coefficients
     int64_t height;
     Lum32f sumX;  ///< without the scale
     Lum32f scale;
+
+    /// What becomes of a row that is constant.
+    Lum32f constant(Lum32f value) const
+    {
+        return sumX * value * scale;
+    }
 };
 
 template <class ConvolutionTaps, class Channels>
@@ -71,7 +78,7 @@ struct Convolutions
     using Taps = ConvolutionTaps;
     Taps x, y;
     Channels channels;
-    Lum32f sumX, scale;
+    Coefficients coefficients;
 
     int64_t width() const
     {
@@ -95,13 +102,36 @@ struct Convolutions
 
     Lum32f constant(Lum32f value) const
     {
-        return sumX * value * scale;
+        return coefficients.constant(value);
     }
 
     template <class D, class Sums>
     [[gnu::always_inline]] static auto stored(Sums sums)
     {
         return simd::saturateTo<D>(sums);
+    }
+};
+
+/// Both convolutions of bytes by kernels of so many taps, in a single pass.
+template <int k, class D>
+struct ConvolutionMask
+{
+    static constexpr int size = k;
+    using RowSteps = Steps<WeightedStep>;
+
+    FixedTaps<k> x, y;
+    Lum32f constant;
+
+    template <class Pixels>
+    [[gnu::always_inline]] auto along(Pixels at) const
+    {
+        return sumOfProducts<WeightedBytes::lanes>(x, [at](int64_t i) { return at(i - k / 2); });
+    }
+
+    template <class Results>
+    [[gnu::always_inline]] auto across(Results r) const
+    {
+        return simd::clampedAbove<D>(sumOfProducts<WeightedBytes::lanes>(y, [r](int64_t j) { return r(0, j); }));
     }
 };
 
@@ -139,6 +169,25 @@ Coefficients readKernels(const SeparableHeader& header, Lum32f* to)
     return {to, width, to + width, height, sumX, scale};
 }
 
+/// The scratch of apply, which works in a block of the queried size: an address can count it.
+int64_t scratchOf(const SeparableHeader& header, int64_t width, int channels)
+{
+    const int64_t elementSize = header.kernelType == kernelOfWords ? sizeof(Lum16s) : sizeof(Lum32f);
+    return static_cast<int64_t>(
+        separableScratch(width, {header.kernelWidth, header.kernelHeight}, elementSize, channels));
+}
+
+template <int k, class D>
+[[gnu::noinline]] void filterImage(const SeparableImages<Lum8u, D, 1>& images, const SeparableHeader& header,
+                                   Lum8u* buffer)
+{
+    Lum32f coefficients[2 * k];
+    const Coefficients c = readKernels(header, coefficients);
+    filterBytes(images, buffer, scratchOf(header, images.roiSize.width, 1), [&](Lum32f borderValue) {
+        return ConvolutionMask<k, D>{FixedTaps<k>(c.x), FixedTaps<k>(c.y), c.constant(borderValue)};
+    });
+}
+
 /// The scratch, in this order: ring and line of a band, coefficients. The formula gives the ring the width of the whole
 /// image and no room of its own to the line; so bands may have to be narrower than the first-level cache would allow,
 /// but a column of pixels always fits.
@@ -152,12 +201,8 @@ template <class S, class D, int channels>
     const int64_t width = images.roiSize.width;
     const int64_t rows = header.kernelHeight;
     const int64_t neighbours = int64_t{header.kernelWidth - 1} * channels;
-    const int64_t elementSize = header.kernelType == kernelOfWords ? sizeof(Lum16s) : sizeof(Lum32f);
     Lum8u* const aligned = alignedUp(buffer, alignment);
-    // apply works in a block of the queried size, which an address can count
-    const auto bytes =
-        static_cast<int64_t>(separableScratch(width, {header.kernelWidth, header.kernelHeight}, elementSize, channels));
-    const int64_t floats = (bytes - (aligned - buffer)) / floatSize;
+    const int64_t floats = (scratchOf(header, width, channels) - (aligned - buffer)) / floatSize;
 
     int64_t room = (floats - neighbours - header.kernelWidth - rows) / (rows + 1);  // of a row
     if (room > lineFloats)
@@ -171,8 +216,7 @@ template <class S, class D, int channels>
     const Coefficients k = readKernels(header, line + columns * channels + neighbours);
 
     const auto run = [&](auto x, auto y) {
-        filterBands(images,
-                    Convolutions<decltype(x), ChannelCount<channels>>{x, y, channelCount<channels>(), k.sumX, k.scale},
+        filterBands(images, Convolutions<decltype(x), ChannelCount<channels>>{x, y, channelCount<channels>(), k},
                     space);
     };
     if (k.width == 3 && k.height == 3)
@@ -198,7 +242,22 @@ LumStatus filter(Checks checks, Plane<const S> src, Plane<D> dst, LumiSizeL roiS
         .alignment(dst);
     if (checks.failed())
         return checks.status();
-    filterImage<S, D, channels>({src, dst, roiSize, Border(borderType), borderValue}, header, buffer);
+    const SeparableImages<S, D, channels> images{src, dst, roiSize, Border(borderType), borderValue};
+    // one pass pays where a register is as wide as a line of the cache, and loads of neighbours always cross two lines
+    constexpr bool isWide = simd::registerBytes<Lum32f> == 64;
+    if constexpr (isWide && std::is_same_v<S, Lum8u> && channels == 1) {
+        switch (header.kernelWidth == header.kernelHeight ? header.kernelWidth : 0) {
+            case 3:
+                filterImage<3>(images, header, buffer);
+                return lumOk;
+            case 5:
+                filterImage<5>(images, header, buffer);
+                return lumOk;
+            default:
+                break;
+        }
+    }
+    filterImage(images, header, buffer);
     return lumOk;
 }
 

@@ -199,6 +199,12 @@ template <class T>
         return _mm_packs_epi16(a, b);
 }
 
+template <class T>
+[[gnu::always_inline]] inline __m128i grouped(__m128i a, __m128i b)
+{
+    return packed<T>(a, b);
+}
+
 #if defined(__AVX2__)
 template <class T>
 [[gnu::always_inline]] inline __m256i grouped(__m256i a, __m256i b)
@@ -325,15 +331,22 @@ template <class T, int N>
         return narrow<T>(toNearest(v));
 }
 
-/// The same for numbers of any size. Beyond 32 bits a conversion gives the smallest integer, which is right at the
-/// lower end; so only the upper one is clamped before.
+/// What makes numbers of any size fit for it. Beyond 32 bits a conversion gives the smallest integer, which is right at
+/// the lower end; so only the upper one is clamped.
+template <class T, int N>
+[[gnu::always_inline]] inline Vec<Lum32f, N> clampedAbove(Vec<Lum32f, N> v)
+{
+    return min(v, broadcast<N>(static_cast<Lum32f>(std::numeric_limits<T>::max())));
+}
+
+/// The same for numbers of any size.
 template <class T, int N>
 [[gnu::always_inline]] inline Vec<T, N> saturateTo(Vec<Lum32f, N> v)
 {
     if constexpr (std::is_same_v<T, Lum32f>)
         return v;
     else
-        return roundTo<T>(min(v, broadcast<N>(static_cast<Lum32f>(std::numeric_limits<T>::max()))));
+        return roundTo<T>(clampedAbove<T>(v));
 }
 
 /// The same numbers in double precision.

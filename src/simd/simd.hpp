@@ -13,6 +13,7 @@
 #include "simd/lanes.hpp"
 #include "simd/masks.hpp"
 #include "simd/pairs.hpp"
+#include "simd/phases.hpp"
 #include "simd/pixels.hpp"
 #include "simd/planes.hpp"
 #include "simd/prefix.hpp"

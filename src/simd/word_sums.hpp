@@ -120,8 +120,6 @@ template <int N>
         return {saturated(a.lo), saturated(a.hi)};
     else if constexpr (N == 1)
         return {clampTo<Lum16s>(a.sum.raw)};
-    else if constexpr (sizeof(V) == 16)
-        return {(typename V::Raw)_mm_packs_epi32(bits(a.first.raw), bits(a.second.raw))};
     else
         return {(typename V::Raw)grouped<Lum16s>(bits(a.first.raw), bits(a.second.raw))};
 }

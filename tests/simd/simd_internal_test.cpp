@@ -402,6 +402,47 @@ TEST(Simd, SumsOfNeighbouringBytesComeBackInOrder)
     checkBoth(simd::Lanes<4 * simd::registerLanes<Lum8u>>{});
 }
 
+/// The place that lane i of phases belongs to.
+constexpr int placeOf(int i)
+{
+    constexpr int ofPhase = simd::phasedLanes / 4;
+    return i % ofPhase * 4 + i / ofPhase;
+}
+
+TEST(Simd, PhasesAreBytesOfEveryFourthPlace)
+{
+    constexpr int N = simd::phasedLanes;
+    for (unsigned seed = 0; seed < draws; ++seed) {
+        GuardedBlock block(N + 3, seed % 2 ? Guard::Before : Guard::After);
+        const auto bytes = drawn<Lum8u, N + 3>(seed);
+        std::memcpy(block.data(), bytes.data(), bytes.size());
+        expectLanes<Lum32f, N>(simd::loadPhases<N>(block.as<Lum8u>()),
+                               [&](int i) { return static_cast<Lum32f>(bytes[placeOf(i)]); });
+    }
+}
+
+TEST(Simd, PhasesComeBackInOrderRoundedAndSaturated)
+{
+    constexpr int N = simd::phasedLanes;
+    const auto check = [](Lum32f step, Lum32f offset, auto to) {
+        using T = decltype(to);
+        Lanes<Lum32f, N> phases;
+        const auto number = [=](int place) { return static_cast<Lum32f>(place) * step + offset; };
+        for (int i = 0; i < N; ++i)
+            phases[i] = number(placeOf(i));
+        constexpr auto lowest = static_cast<Lum32f>(std::numeric_limits<T>::min());
+        constexpr auto highest = static_cast<Lum32f>(std::numeric_limits<T>::max());
+        expectLanes<T, N>(simd::roundPhasesTo<T>(vectorOf<N>(phases)), [=](int i) {
+            return static_cast<T>(std::nearbyint(std::clamp(number(i), lowest, highest)));
+        });
+    };
+    for (const Lum32f offset : {-40.0f, -0.5f, 0.0f, 0.25f, 100.0f, 230.5f})
+        for (const Lum32f step : {0.5f, 1.0f, 3.25f, -1.0f}) {
+            check(step, offset, Lum8u{});
+            check(1000 * step, 100 * offset, Lum16s{});
+        }
+}
+
 TEST(Simd, SplitWordsAreWords)
 {
     const auto check = []<int N>(simd::Lanes<N>) {
