@@ -99,28 +99,34 @@ struct MaskArithmetic<Lum8u>
     }
 };
 
-template <>
-struct MaskArithmetic<Lum32f>
+/// Floats stand in the ring as they are.
+template <int n>
+struct FloatsInRing
 {
     using Element = Lum32f;
-    static constexpr int lanes = 16;
-    static constexpr int64_t beyond = 0;
-    using Value = simd::Vec<Lum32f, lanes>;
-
-    template <class Step>
-    [[gnu::always_inline]] static Value along(const Lum32f* s)
-    {
-        return Step::of([&](int i) { return simd::load<lanes>(s + i - Step::size / 2); });
-    }
+    static constexpr int lanes = n;
+    using Value = simd::Vec<Lum32f, n>;
 
     [[gnu::always_inline]] static Value load(const Element* p)
     {
-        return simd::load<lanes>(p);
+        return simd::load<n>(p);
     }
 
     [[gnu::always_inline]] static void store(Element* p, Value v)
     {
         simd::store(p, v);
+    }
+};
+
+template <>
+struct MaskArithmetic<Lum32f> : FloatsInRing<16>
+{
+    static constexpr int64_t beyond = 0;
+
+    template <class Step>
+    [[gnu::always_inline]] static Value along(const Lum32f* s)
+    {
+        return Step::of([&](int i) { return simd::load<lanes>(s + i - Step::size / 2); });
     }
 
     template <class D>
@@ -130,28 +136,15 @@ struct MaskArithmetic<Lum32f>
     }
 };
 
-/// Bytes in single precision, for weights that come at run time.
-struct WeightedBytes
+/// Bytes in single precision and in phases, for weights that come at run time.
+struct WeightedBytes : FloatsInRing<simd::phasedLanes>
 {
-    using Element = Lum32f;
-    static constexpr int lanes = simd::phasedLanes;
     static constexpr int64_t beyond = 3;
-    using Value = simd::Vec<Lum32f, lanes>;  ///< in phases
 
     template <class Mask>
     [[gnu::always_inline]] static Value along(const Mask& mask, const Lum8u* s)
     {
         return mask.along([s](int i) { return simd::loadPhases<lanes>(s + i); });
-    }
-
-    [[gnu::always_inline]] static Value load(const Element* p)
-    {
-        return simd::load<lanes>(p);
-    }
-
-    [[gnu::always_inline]] static void store(Element* p, Value v)
-    {
-        simd::store(p, v);
     }
 
     template <class D>
