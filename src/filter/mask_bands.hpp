@@ -357,7 +357,7 @@ struct MaskSource
     }
 };
 
-/// Where a row is written, and the row that will be wanted next.
+/// Where a row is written, and the row that will be wanted in the caches next.
 template <class D>
 struct MaskDestination
 {
@@ -612,7 +612,7 @@ class MaskBand
             const int64_t y = steps[i].output;
             const int64_t next = y + rowsIn < images_.roiSize.height ? y + rowsIn : y;
             dst.row[i].first = isAside || y < 0 ? line(i) : images_.dst.row(y) + begin_;
-            dst.row[i].ahead = isShort() || y < 0 ? line(i) : images_.dst.row(next) + begin_;
+            dst.row[i].ahead = isAside || isShort() || y < 0 ? line(i) : images_.dst.row(next) + begin_;
         }
         if (steps[0].output < 0)
             maskIn(block, runs_, src);

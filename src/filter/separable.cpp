@@ -208,7 +208,7 @@ template <class S, class D, int channels>
     if (room > lineFloats)
         room -= room % lineFloats;
     const int64_t cached = cachedColumns(rows, channels);
-    const int64_t columns = evenBands(width, cached < room / channels ? cached : room / channels);
+    const int64_t columns = evenBandsOfSteps(width, cached < room / channels ? cached : room / channels);
     const int64_t rounded = roundedUp(columns * channels, lineFloats);
     const RowRing ring{reinterpret_cast<Lum32f*>(aligned), rounded < room ? rounded : room, rows};
     Lum32f* const line = ring.slot(rows);

@@ -68,7 +68,7 @@ template <class Kernel, class D, class Across>
 }
 
 /// Rows of source and destination that will be wanted soon. The bands are too narrow for the processor to see them
-/// coming.
+/// coming. A destination that is written past the caches is not wanted there.
 template <class S, class D>
 struct Upcoming
 {
@@ -84,7 +84,8 @@ template <class Kernel, class S, class D, class Along, class Across>
     Lum32f* const slot = across.newest();
     storeRow<bandLanes<Kernel, D>>(dst, n, isLarge, [=](int64_t x, auto lanes) {
         simd::prefetch<lanes>(upcoming.src + x);
-        simd::prefetch<lanes>(upcoming.dst + x);
+        if (!isLarge)
+            simd::prefetch<lanes>(upcoming.dst + x);
         simd::store(slot + x, along(x, lanes));
         return Kernel::template stored<D>(across(x, lanes));
     });

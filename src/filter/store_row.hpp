@@ -1,6 +1,9 @@
 // Storing a row of results through the caches or past them.
 #pragma once
 
+#include <array>
+#include <cstring>
+
 #include "simd/simd.hpp"
 
 namespace lumcv {
@@ -20,13 +23,25 @@ template <int N, class T, class Result>
     const auto address = reinterpret_cast<uintptr_t>(row);
     int64_t x = 0;
     if (isLarge && address % sizeof(T) == 0) {
-        cached(0, simd::Lanes<N>{});
-        x = static_cast<int64_t>(-address % alignment / sizeof(T));
-        for (; x + N <= n; x += N)
+        const auto begin = static_cast<int64_t>(-address % alignment / sizeof(T));
+        for (x = begin; x + N <= n; x += N)
             simd::stream(row + x, result(x, simd::Lanes<N>{}));
-    } else
-        for (; x + N <= n; x += N)
-            cached(x, simd::Lanes<N>{});
+        // a line that is written both ways costs much, so the ends stop short of what has been streamed
+        struct End
+        {
+            int64_t from, to, at;  ///< where it begins and ends, and where the step is that yields it
+        };
+        for (const auto [from, to, at] : {End{0, begin, 0}, End{x, n, n - N}}) {
+            if (from == to)
+                continue;
+            std::array<T, N> step;
+            simd::store(step.data(), result(at, simd::Lanes<N>{}));
+            std::memcpy(row + from, step.data() + (from - at), static_cast<size_t>(to - from) * sizeof(T));
+        }
+        return;
+    }
+    for (; x + N <= n; x += N)
+        cached(x, simd::Lanes<N>{});
     if (x < n)
         cached(n - N, simd::Lanes<N>{});
 }
