@@ -64,7 +64,7 @@ Run flow(LumDataType type, Init init, Apply apply)
         call.ignoresStep = true;
         call.violations = {
             {"no point", {lumErrSize}, [](Arguments& b) { b.channels = 0; }},
-            {"another window", {lumErrSize}, [](Arguments& b) { ++b.kernelSize; }},
+            {"another window", {lumErrSize}, [other = a.kernelSize + 1](Arguments& b) { b.kernelSize = other; }},
             {"no window", {lumErrSize}, [](Arguments& b) { b.kernelSize = 0; }},
             {"negative level", {lumErrArgument}, [](Arguments& b) { b.anchor = -1; }},
             {"level beyond the last", {lumErrArgument}, [](Arguments& b) { b.anchor = 2; }},
