@@ -153,7 +153,7 @@ void shortWindowMeans(const TensorImage<S>& image, const Last& last, Lum32f fact
     while (Band::bytes(widest + productLanes, reach) <= bytes)
         widest += productLanes;
     const int64_t width = image.roiSize.width;
-    const int64_t columns = width <= widest ? width : roundedUp(evenBands(width, widest), productLanes);
+    const int64_t columns = evenBands(width, widest, productLanes);
     for (int64_t begin = 0; begin < width; begin += columns) {
         // a band is wide enough to hold what continues it beyond the edge, so the last one may begin within the one
         // before it

@@ -182,7 +182,7 @@ void filterImage(const SeparableImages<T, T, channels>& images, const Taps& taps
     filterBands(images, kernel,
                 {{rows, pitch, kernel.height()},
                  rows + kernel.height() * pitch,
-                 evenBandsOfSteps(width, cachedColumns(kernel.height(), channels))});
+                 separableBands(width, cachedColumns(kernel.height(), channels))});
 }
 
 /// The checks that the 32-bit and the 64-bit entries share, and the choice of the kernel's class.

@@ -566,37 +566,41 @@ class MaskBand
         const int64_t readable = any.readableTo(images_.roiSize.width + reach) - beyond;
         const int64_t first = any.readableFrom(begin_ - reach) == begin_ - reach ? 0 : 1;
         const int64_t last = (std::min(readable, end_ + reach) - reach - begin_) / lanes;
-        hasLeftEdge_ = first > 0;
-        rightEdge_ = last < blocks_ ? offset(last) : n;
         runs_.add({first, last, false, first * lanes, first * lanes});
-        if (hasLeftEdge_)
+        if (first > 0)
             runs_.add({0, first, true, 0, 0});
-        for (int64_t i = last; i < blocks_; ++i)
-            runs_.add({i, i + 1, true, laidRight + offset(i) - rightEdge_, offset(i)});
+        // no more than two are left, as what is read beyond the end is less than a block
+        for (const int64_t i : {last, last + 1})
+            if (i < blocks_)
+                runs_.add({i, i + 1, true, laidRight + offset(i) - offset(last), offset(i)});
     }
 
     MaskSource<S> entering(const SourceRow& source, int i) const
     {
         const int64_t next = std::clamp<int64_t>(source.index + rowsIn, 0, images_.roiSize.height - 1);
         S* const edge = edges_ + i * edgeElements;
-        const S* const row = source.isConstant ? nullptr : images_.src.row(source.index);
-        if (!row) {
+        const S* const ahead = isShort() ? edge : images_.src.row(next) + begin_;
+        if (source.isConstant) {
+            if (isWeighted<Mask>)
+                return {nullptr, nullptr, 0, ahead};
             for (int64_t x = 0; x < lanes + 2 * reach; ++x)
                 edge[x] = images_.borderValue;
-        } else if (isShort()) {
+            return {nullptr, edge + reach, 0, ahead};
+        }
+        const S* const row = images_.src.row(source.index);
+        if (isShort()) {
             const int64_t n = end_ - begin_;
             extended(row).read(begin_ - reach, end_ + reach, edge);
             for (int64_t x = n + 2 * reach; x < lanes + 2 * reach; ++x)
                 edge[x] = S{};
         } else {
-            if (hasLeftEdge_)
+            const MaskRun& inPlace = runs_.run[0];
+            if (inPlace.first > 0)
                 extended(row).read(begin_ - reach, begin_ + lanes + reach, edge);
-            if (rightEdge_ < end_ - begin_)
-                extended(row).read(begin_ + rightEdge_ - reach, end_ + reach, edge + laidRight);
+            if (inPlace.last < blocks_)
+                extended(row).read(begin_ + offset(inPlace.last) - reach, end_ + reach, edge + laidRight);
         }
-        const S* const laidOut = !row && isWeighted<Mask> ? nullptr : edge + reach;
-        return {row ? row + begin_ : nullptr, laidOut, row ? lanes : 0,
-                isShort() ? edge : images_.src.row(next) + begin_};
+        return {row + begin_, edge + reach, lanes, ahead};
     }
 
     void advance(const RingStep (&steps)[rowsIn])
@@ -632,10 +636,6 @@ class MaskBand
     RingOf<Element> ring_;
     D* lines_;  ///< rows of results that are not stored at once
     MaskRuns runs_;
-
-    // Of rows that are not short.
-    bool hasLeftEdge_ = false;
-    int64_t rightEdge_ = 0;  ///< where the blocks begin that reach beyond the right end
 };
 
 /// `space` has room for a block at least.
@@ -649,7 +649,7 @@ void filterByMask(const MaskImages<S, D>& images, LineSpace<Lum8u>& space, const
     const int64_t bytes = space.size() < bandBytes ? space.size() : bandBytes;
     const int64_t widest = (bytes - Band::edgeBytes) / Band::blockBytes * lanes;
     const int64_t width = images.roiSize.width;
-    const int64_t columns = width <= widest ? width : roundedUp(evenBands(width, widest), lanes);
+    const int64_t columns = evenBands(width, widest, lanes);
     for (int64_t begin = 0; begin < width; begin += columns) {
         // a band has a block at least, so the last one may begin within the one before it
         const int64_t end = begin + columns < width ? begin + columns : width;

@@ -177,6 +177,11 @@ int64_t scratchOf(const SeparableHeader& header, int64_t width, int channels)
         separableScratch(width, {header.kernelWidth, header.kernelHeight}, elementSize, channels));
 }
 
+/// Whether kernels of 3x3 and 5x5 work in a single pass. It pays where a register is as wide as a line of the cache,
+/// and loads of neighbours always cross two lines.
+template <class S, int channels>
+inline constexpr bool isInOnePass = simd::registerBytes<Lum32f> == 64 && std::is_same_v<S, Lum8u>&& channels == 1;
+
 template <int k, class D>
 [[gnu::noinline]] void filterImage(const SeparableImages<Lum8u, D, 1>& images, const SeparableHeader& header,
                                    Lum8u* buffer)
@@ -208,7 +213,7 @@ template <class S, class D, int channels>
     if (room > lineFloats)
         room -= room % lineFloats;
     const int64_t cached = cachedColumns(rows, channels);
-    const int64_t columns = evenBandsOfSteps(width, cached < room / channels ? cached : room / channels);
+    const int64_t columns = separableBands(width, cached < room / channels ? cached : room / channels);
     const int64_t rounded = roundedUp(columns * channels, lineFloats);
     const RowRing ring{reinterpret_cast<Lum32f*>(aligned), rounded < room ? rounded : room, rows};
     Lum32f* const line = ring.slot(rows);
@@ -219,12 +224,13 @@ template <class S, class D, int channels>
         filterBands(images, Convolutions<decltype(x), ChannelCount<channels>>{x, y, channelCount<channels>(), k},
                     space);
     };
-    if (k.width == 3 && k.height == 3)
-        run(FixedTaps<3>(k.x), FixedTaps<3>(k.y));
-    else if (k.width == 5 && k.height == 5)
-        run(FixedTaps<5>(k.x), FixedTaps<5>(k.y));
-    else
-        run(AnyTaps{k.x, k.width}, AnyTaps{k.y, k.height});
+    if constexpr (!isInOnePass<S, channels>) {
+        if (k.width == 3 && k.height == 3)
+            return run(FixedTaps<3>(k.x), FixedTaps<3>(k.y));
+        if (k.width == 5 && k.height == 5)
+            return run(FixedTaps<5>(k.x), FixedTaps<5>(k.y));
+    }
+    run(AnyTaps{k.x, k.width}, AnyTaps{k.y, k.height});
 }
 
 /// The checks that follow those of the sizes, which are not the same in the ordinary and the 64-bit entries.
@@ -243,9 +249,7 @@ LumStatus filter(Checks checks, Plane<const S> src, Plane<D> dst, LumiSizeL roiS
     if (checks.failed())
         return checks.status();
     const SeparableImages<S, D, channels> images{src, dst, roiSize, Border(borderType), borderValue};
-    // one pass pays where a register is as wide as a line of the cache, and loads of neighbours always cross two lines
-    constexpr bool isWide = simd::registerBytes<Lum32f> == 64;
-    if constexpr (isWide && std::is_same_v<S, Lum8u> && channels == 1) {
+    if constexpr (isInOnePass<S, channels>) {
         switch (header.kernelWidth == header.kernelHeight ? header.kernelWidth : 0) {
             case 3:
                 filterImage<3>(images, header, buffer);

@@ -51,6 +51,12 @@ inline int64_t cachedColumns(int64_t rows, int channels)
 template <class Kernel, class D>
 constexpr int bandLanes = stepLanes<D, typename Kernel::Taps>();
 
+/// The width of bands, in whole steps of the widest loops.
+inline int64_t separableBands(int64_t width, int64_t widest)
+{
+    return evenBands(width, widest, 128);
+}
+
 /// Along the row alone, while the ring fills.
 template <class Kernel, class D, class Along>
 [[gnu::flatten, gnu::noinline]] void filterIn(Along along, Lum32f* slot, int64_t n)

@@ -68,15 +68,10 @@ struct Area
     int64_t channels;
 };
 
-/// The width of bands of columns, at most `widest`: all nearly as wide as the others, and whole cache lines if
-/// possible.
+/// The width of bands of columns, whole cache lines if possible, and not wider than the area.
 inline int64_t bandElements(int64_t elements, int64_t widest)
 {
-    if (elements <= widest)
-        return elements;
-    const int64_t even = evenBands(elements, widest);
-    const int64_t whole = roundedUp(even, 64);
-    return whole < widest ? whole : even;
+    return elements <= widest ? elements : evenBands(elements, widest, 64);
 }
 
 /// Memory for rows, aligned to 32 bytes.
