@@ -1,51 +1,31 @@
 // Dilation and erosion of 1-bit images, in vectors of bits.
 //
-// A source row is brought into a line of scratch byte by byte as it lies in memory, and the bits of its border are
-// written beside it. What the element sees of the row is then the line, moved by some bits; the last move brings the
-// result to the destination's bit offset. Of a rectangle the rows are combined first and the columns once for all rows.
-// A 3x3 square between equal bit offsets needs no line.
+// Source rows are brought into lines of scratch byte by byte, as they lie in memory, and the bits of their borders are
+// written beside them. The element is taken as runs. What a run sees of a line is combined for all bits of a vector at
+// once, by shifts that also bring it to the destination's bit offset, and written in strips of bytes that go down the
+// image, one for each group of runs that are treated alike. Of a rectangle the rows are combined as the lines are laid,
+// so that one run remains. A 3x3 square or cross needs no lines.
 #include "morph/bit_pass.hpp"
 
+#include <algorithm>
 #include <cstring>
 
-#include "morph/morph_sizes.hpp"
+#include "morph/bit_small.hpp"
+#include "morph/bit_window.hpp"
 #include "simd/simd.hpp"
 
 namespace lumcv {
 namespace {
 
-/// Bytes that a line is worked on in at a time, beyond the end of what counts as well.
-constexpr int lineLanes = simd::registerLanes<Lum8u>;
+/// Bytes that are read into a line at a time.
+constexpr int readLanes = 2 * simd::registerLanes<Lum8u>;
 
-/// Bytes of a row of an image at a time.
-constexpr int rowLanes = 64;
-
-template <BitOperation operation, class V>
-[[gnu::always_inline]] inline V combined(V a, V b)
-{
-    if constexpr (operation == BitOperation::dilation)
-        return a | b;
-    else
-        return a & b;
-}
-
-/// The bit that decides a pixel whatever the others are.
-constexpr bool decisive(BitOperation operation)
-{
-    return operation == BitOperation::dilation;
-}
+/// Bytes of a strip of the result.
+constexpr int stripLanes = readLanes < 64 ? 64 : readLanes;
 
 bool bitAt(const Lum8u* line, int64_t bit)
 {
     return line[bit >> 3] >> (bit & 7) & 1;
-}
-
-/// The bits of a byte in [begin, end), of which some lie in it.
-Lum8u maskOf(int64_t byte, int64_t begin, int64_t end)
-{
-    const int64_t first = begin > 8 * byte ? begin - 8 * byte : 0;
-    const int64_t last = end < 8 * byte + 8 ? end - 8 * byte : 8;
-    return static_cast<Lum8u>((0xFF << first) & (0xFF >> (8 - last)));
 }
 
 void mergeByte(Lum8u* byte, Lum8u value, Lum8u mask)
@@ -66,104 +46,260 @@ void setBits(Lum8u* line, int64_t begin, int64_t end, bool value)
     mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
 }
 
-/// The same, quickly where few bits are concerned: single bytes are loaded at once from a vector that has just been
-/// stored.
-[[gnu::always_inline]] inline void setFew(Lum8u* line, int64_t begin, int64_t end, bool value)
+/// Bits of lines that are set for each line anew.
+class Filled
 {
-    const int64_t firstByte = begin >> 3, lastByte = (end - 1) >> 3;
-    if (begin >= end || lastByte - firstByte > 1) {
-        setBits(line, begin, end, value);
-        return;
+  public:
+    Filled(int64_t begin, int64_t end)
+        : begin_(begin),
+          end_(end),
+          byte_(begin >> 3),
+          first_(maskOf(byte_, begin, end)),
+          second_(maskOf(byte_ + 1, begin, end)),
+          isLong_(end > 8 * byte_ + 16)
+    {
     }
-    const auto bits = static_cast<Lum8u>(value ? 0xFF : 0);
-    mergeByte(line + firstByte, bits, maskOf(firstByte, begin, end));
-    if (lastByte > firstByte)
-        mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
+
+    void fill(Lum8u* line, bool value) const
+    {
+        if (isLong_) {
+            setBits(line, begin_, end_, value);
+            return;
+        }
+        const auto bits = static_cast<Lum8u>(value ? 0xFF : 0);
+        mergeByte(line + byte_, bits, first_);
+        mergeByte(line + byte_ + 1, bits, second_);
+    }
+
+  private:
+    int64_t begin_, end_;
+    int64_t byte_;
+    Lum8u first_, second_;
+    bool isLong_;
+};
+
+/// Where the bits of a result lie in its rows.
+struct BitSpan
+{
+    int64_t begin, end;
+
+    int64_t bytes() const
+    {
+        return (end + 7) >> 3;
+    }
+
+    Lum8u mask(int64_t byte) const
+    {
+        return maskOf(byte, begin, end);
+    }
+};
+
+/// Writes bytes [k, k + lanes) of some rows: seen(y, k, lanes) are those of row y, and written(there, seen) is what
+/// becomes of what is there. Of a partial strip the bits beside the span stay, in its first and its last byte.
+template <int lanes, bool isPartial, class Seen, class Written>
+[[gnu::flatten, gnu::noinline]] void writeStrip(Plane<Lum8u> dst, int64_t rows, int64_t k, BitSpan span,
+                                                const Seen& given, Written written)
+{
+    const Seen seen = given;  // a store to the image cannot change a copy
+    [[maybe_unused]] simd::Vec<Lum8u, lanes> inside;
+    if constexpr (isPartial) {
+        Lum8u mask[lanes];
+        std::memset(mask, 0xFF, lanes);
+        mask[0] = span.mask(k);
+        mask[lanes - 1] = span.mask(k + lanes - 1);
+        inside = simd::load<lanes>(mask);
+    }
+    Lum8u* to = dst.pixels + k;
+    for (int64_t y = 0; y < rows; ++y) {
+        const auto there = simd::load<lanes>(to);
+        auto result = written(there, seen(y, k, simd::Lanes<lanes>{}));
+        if constexpr (isPartial)
+            result = (result & inside) | (there & ~inside);
+        simd::store(to, result);
+        to = rowAt(to, dst.step, 1);
+    }
 }
 
-/// Writes bits [begin, begin + count) of a row, begin being 0 to 7: bytes(k, lanes) are its bytes from k on. The other
-/// bits of the bytes at the ends stay.
-template <class Bytes>
-[[gnu::always_inline]] inline void writeRow(Lum8u* row, int64_t begin, int64_t count, Bytes bytes)
+/// The same with whole rows that are shorter than the shortest vector.
+template <class Seen, class Written>
+[[gnu::flatten, gnu::noinline]] void writeShortRows(Plane<Lum8u> dst, int64_t rows, BitSpan span, const Seen& seen,
+                                                    Written written)
 {
-    const int64_t end = begin + count;
-    const int64_t last = (end - 1) >> 3;
-    const auto merge = [=](int64_t k) { mergeByte(row + k, bytes(k, simd::Lanes<1>{}).raw, maskOf(k, begin, end)); };
-    if (begin > 0 || end < 8)
-        merge(0);
-    if (last > 0 && end % 8 != 0)
-        merge(last);
-    simd::eachAtLeastOnce<rowLanes>(begin > 0, end >> 3,
-                                    [=](int64_t k, auto lanes) { simd::store(row + k, bytes(k, lanes)); });
+    Lum8u mask[simd::restLanes] = {};
+    for (int64_t k = 0; k < span.bytes(); ++k)
+        mask[k] = span.mask(k);
+    for (int64_t y = 0; y < rows; ++y) {
+        Lum8u* const row = dst.row(y);
+        Lum8u there[simd::restLanes], result[simd::restLanes];
+        simd::eachPiece<simd::restLanes>(0, span.bytes(), [&](int64_t k, auto lanes) {
+            simd::storePiece<lanes>(there + k, simd::loadPiece<lanes>(row + k));
+        });
+        simd::store(result, seen(y, 0, simd::Lanes<simd::restLanes>{}));
+        simd::eachPiece<simd::restLanes>(0, span.bytes(), [&](int64_t k, auto lanes) {
+            const auto before = simd::loadPiece<lanes>(there + k), inside = simd::loadPiece<lanes>(mask + k);
+            const auto after = written(before, simd::loadPiece<lanes>(result + k));
+            simd::storePiece<lanes>(row + k, (after & inside) | (before & ~inside));
+        });
+    }
 }
 
-/// The same of bits that stand in a line from some bit on.
-[[gnu::flatten]] void writeLine(Lum8u* row, int64_t begin, int64_t count, const Lum8u* line, int64_t lineBit)
+/// The same with whole rows.
+template <class Seen, class Written>
+void writeRows(Plane<Lum8u> dst, int64_t rows, BitSpan span, const Seen& seen, Written written)
 {
-    const int64_t origin = lineBit - begin;
-    const Lum8u* const bytes = line + (origin >> 3);
-    const int shift = static_cast<int>(origin & 7);
-    if (shift == 0)
-        writeRow(row, begin, count, [=](int64_t k, auto lanes) { return simd::load<lanes>(bytes + k); });
+    const int64_t bytes = span.bytes();
+    const auto inStrips = [&](auto lanes) {
+        const auto strip = [&](int64_t k) {
+            if (span.mask(k) == 0xFF && span.mask(k + lanes - 1) == 0xFF)
+                writeStrip<lanes, false>(dst, rows, k, span, seen, written);
+            else
+                writeStrip<lanes, true>(dst, rows, k, span, seen, written);
+        };
+        int64_t k = 0;
+        for (; k + lanes <= bytes; k += lanes)
+            strip(k);
+        if (k < bytes)
+            strip(bytes - lanes);
+    };
+    if (bytes < simd::restLanes)
+        writeShortRows(dst, rows, span, seen, written);
+    else if (bytes < stripLanes)
+        inStrips(simd::Lanes<simd::restLanes>{});
     else
-        writeRow(row, begin, count, [=](int64_t k, auto lanes) { return simd::loadBits<lanes>(bytes + k, shift); });
+        inStrips(simd::Lanes<stripLanes>{});
 }
 
-/// Writes each bit of a line combined with the one before and the one behind it; the line has the bit offset of the
-/// row.
-template <BitOperation operation>
-[[gnu::flatten]] void writeTriples(Lum8u* row, int64_t begin, int64_t count, const Lum8u* line)
+/// Set positions of an element, side by side in a row.
+struct Run
 {
-    writeRow(row, begin, count, [=](int64_t k, auto lanes) {
-        const auto sides =
-            combined<operation>(simd::loadBits<lanes>(line + k - 1, 7), simd::loadBits<lanes>(line + k, 1));
-        return combined<operation>(sides, simd::load<lanes>(line + k));
-    });
-}
+    int64_t row, first;
+    int length;
+};
 
-/// Combines each bit of a line of n bytes with the bits that lie `moves` behind it, all less than 8.
-template <BitOperation operation, int... moves>
-[[gnu::flatten, gnu::noinline]] void combineNear(Lum8u* line, int64_t n)
+/// Goes through the runs of an element, row by row. A long run comes in pieces that overlap, a whole number of bytes
+/// from each other.
+class Runs
 {
-    for (int64_t k = 0; k < n; k += lineLanes) {
-        auto result = simd::load<lineLanes>(line + k);
-        ((result = combined<operation>(result, simd::loadBits<lineLanes>(line + k, moves))), ...);
-        simd::store(line + k, result);
+  public:
+    Runs(const Lum8u* set, int64_t width, int64_t height) : set_(set), width_(width), height_(height)
+    {
+        findSet();
     }
-}
 
-template <BitOperation operation>
-[[gnu::flatten, gnu::noinline]] void combineFar(Lum8u* line, int64_t n, int64_t move)
+    bool isAtEnd() const
+    {
+        return row_ == height_;
+    }
+
+    Run next()
+    {
+        Run run{row_, first_, 0};
+        const Lum8u* const set = set_ + row_ * width_;
+        while (run.length <= longestWindow && first_ + run.length < width_ && set[first_ + run.length] != 0)
+            ++run.length;
+        if (run.length > longestWindow) {
+            run.length = longestWindow;
+            first_ += longestWindow / 8 * 8;
+        } else
+            first_ += run.length;
+        findSet();
+        return run;
+    }
+
+  private:
+    void findSet()
+    {
+        for (; row_ < height_; ++row_, first_ = 0)
+            for (; first_ < width_; ++first_)
+                if (set_[row_ * width_ + first_] != 0)
+                    return;
+    }
+
+    const Lum8u* set_;
+    int64_t width_, height_;
+    int64_t row_ = 0, first_ = 0;
+};
+
+/// Runs that are treated alike: of equal lengths, and shifted equally far. They are combined before that.
+struct RunGroup
 {
-    const Lum8u* const far = line + (move >> 3);
-    const int shift = static_cast<int>(move & 7);
-    for (int64_t k = 0; k < n; k += lineLanes)
-        simd::store(line + k,
-                    combined<operation>(simd::load<lineLanes>(line + k), simd::loadBits<lineLanes>(far + k, shift)));
-}
+    BitWindows windows;  ///< of the first run, counted from the line of the element's first row
+    int length;
+    const int64_t* others;  ///< how many bytes further the windows of the other runs lie
+    const int64_t* othersEnd;
 
-/// Makes each bit of a line the combination of `length` bits from it on.
-template <BitOperation operation>
-void growRuns(Lum8u* line, int64_t n, int64_t length)
+    /// What an element of these runs sees for the bits of N bytes.
+    template <BitOperation operation, int N>
+    [[gnu::always_inline]] simd::Vec<Lum8u, N> under(const Lum8u* line) const
+    {
+        const Lum8u* const lower = line + windows.lower;
+        const Lum8u* const upper = line + windows.upper;
+        auto low = simd::reinterpreted<uint64_t>(simd::load<N>(lower));
+        auto high = simd::reinterpreted<uint64_t>(simd::load<N>(upper));
+        for (const int64_t* other = others; other != othersEnd; ++other) {
+            low = combined<operation>(low, simd::reinterpreted<uint64_t>(simd::load<N>(lower + *other)));
+            high = combined<operation>(high, simd::reinterpreted<uint64_t>(simd::load<N>(upper + *other)));
+        }
+        return simd::reinterpreted<Lum8u>(seenThrough<operation>(windows, length, low, high));
+    }
+};
+
+/// As many of an element's runs as are worked on at a time, in groups.
+class Pattern
 {
-    if (length == 3) {
-        combineNear<operation, 1, 2>(line, n);
-        return;
+  public:
+    /// Takes runs. Lines lie `step` bytes apart; a run from the element's first column on has its first window at bit
+    /// `origin`.
+    Pattern(Runs& runs, int64_t step, int64_t origin)
+    {
+        Run rest[mostRuns];
+        int count = 0;
+        while (count < mostRuns && !runs.isAtEnd())
+            rest[count++] = runs.next();
+        for (int sorted = 0; sorted < count; ++groupCount_) {
+            RunGroup& group = groups_[groupCount_];
+            const Run first = rest[sorted++];
+            group.length = first.length;
+            group.windows = windowsOf(first, step, origin);
+            group.others = others_ + sorted;
+            for (int i = sorted; i < count; ++i) {
+                const BitWindows windows = windowsOf(rest[i], step, origin);
+                if (rest[i].length == first.length && windows.down == group.windows.down) {
+                    others_[sorted] = windows.lower - group.windows.lower;
+                    rest[i] = rest[sorted++];
+                }
+            }
+            group.othersEnd = others_ + sorted;
+        }
     }
-    if (length == 5) {
-        combineNear<operation, 1, 2, 3, 4>(line, n);
-        return;
-    }
-    for (int64_t grown = 1; grown < length;) {
-        const int64_t move = 2 * grown <= length ? grown : length - grown;
-        if (move == 1)
-            combineNear<operation, 1>(line, n);
-        else
-            combineFar<operation>(line, n, move);
-        grown += move;
-    }
-}
 
+    Pattern(const Pattern&) = delete;
+    Pattern& operator=(const Pattern&) = delete;
+
+    const RunGroup* begin() const
+    {
+        return groups_;
+    }
+
+    const RunGroup* end() const
+    {
+        return groups_ + groupCount_;
+    }
+
+  private:
+    static constexpr int mostRuns = 64;
+
+    static BitWindows windowsOf(const Run& run, int64_t step, int64_t origin)
+    {
+        return {8 * run.row * step + origin + run.first, run.length};
+    }
+
+    RunGroup groups_[mostRuns];
+    int groupCount_ = 0;
+    int64_t others_[mostRuns];
+};
+
+/// Lines are laid and seen in batches: what has just been stored is better not loaded again at once.
 template <BitOperation operation>
 class Pass
 {
@@ -179,160 +315,141 @@ class Pass
           lastByte_((src.offset + size.width - 1 + (border.sides.right ? right_ : 0)) >> 3),
           padding_((left_ + 14) >> 3),
           origin_(8 * padding_ + src.offset),
-          lineBytes_(((origin_ + size.width + right_) >> 3) + 1),
-          line_(scratch),
-          result_(scratch + lineBytes_ + (element.maskWidth >> 3) + lineLanes + 2)
+          lineBytes_(((origin_ + size.width + right_) >> 3) + 2),
+          leftBorder_(origin_ - left_, origin_),
+          rightBorder_(origin_ + size.width, origin_ + size.width + right_),
+          lines_(scratch)
     {
     }
 
-    void copy(BitPlane<Lum8u> dst)
+    /// Combines `shared` rows in each line, as many as the element has, or one; `set` is what remains of it to be seen.
+    void run(BitPlane<Lum8u> dst, const Lum8u* set, int64_t shared)
     {
-        for (int64_t y = 0; y < size_.height; ++y) {
-            readRows(src_.bytes.row(y), 1);
-            writeLine(dst.bytes.row(y), dst.offset, size_.width, line_, origin_);
-        }
-    }
-
-    /// Rows go through in batches: what has just been stored in a line is better not loaded again at once.
-    void rectangle(BitPlane<Lum8u> dst)
-    {
-        constexpr int64_t longestBatch = 16;
-        const int64_t lineStep = result_ - line_;
-        const int64_t fitting =
-            static_cast<int64_t>(bitScratchBytes(size_, {element_.maskWidth, element_.maskHeight}) / lineStep);
-        const int64_t batch = fitting < longestBatch ? fitting : longestBatch;
-        Lum8u* const lines = line_;
-        const bool isNarrow = element_.maskWidth == 3 && dst.offset == src_.offset;
-        for (int64_t begin = 0; begin < size_.height; begin += batch) {
-            const int64_t end = begin + batch < size_.height ? begin + batch : size_.height;
-            bool isDecided[longestBatch];
-            for (int64_t y = begin; y < end; ++y) {
-                line_ = lines + (y - begin) * lineStep;
-                isDecided[y - begin] = !readRowsUnder(y);
-                if (!isDecided[y - begin] && !isNarrow)
-                    growRuns<operation>(line_, lineBytes_, element_.maskWidth);
-            }
-            for (int64_t y = begin; y < end; ++y) {
-                line_ = lines + (y - begin) * lineStep;
-                Lum8u* const row = dst.bytes.row(y);
-                if (isDecided[y - begin])
-                    setBits(row, dst.offset, dst.offset + size_.width, border_.value);
-                else if (isNarrow)
-                    writeTriples<operation>(row, dst.offset, size_.width, line_ + padding_);
-                else
-                    writeLine(row, dst.offset, size_.width, line_, origin_ - left_);
-            }
-        }
-        line_ = lines;
-    }
-
-    void anyShape(BitPlane<Lum8u> dst)
-    {
-        const int64_t bytes = (dst.offset + size_.width + 7) >> 3;
-        const Lum8u neutral = operation == BitOperation::dilation ? 0 : 0xFF;
-        for (int64_t y = 0; y < size_.height; ++y) {
-            std::memset(result_, neutral, static_cast<size_t>(bytes));
-            for (int64_t j = 0; j < element_.maskHeight; ++j)
-                meetRow(element_.pSetMask + j * element_.maskWidth, y + j - element_.anchorY, dst.offset, bytes);
-            writeLine(dst.bytes.row(y), dst.offset, size_.width, result_, dst.offset);
+        const int64_t rows = element_.maskHeight - shared + 1;
+        Runs runs(set, element_.maskWidth, rows);
+        for (bool isFirst = true; !runs.isAtEnd(); isFirst = false) {
+            const Pattern pattern(runs, lineBytes_, origin_ - left_ - dst.offset);
+            run(dst, pattern, shared, rows, isFirst);
         }
     }
 
   private:
-    /// Combines the rows under the element, with their borders, into the line; false if a border row decides all
-    /// pixels.
-    bool readRowsUnder(int64_t y)
+    void run(BitPlane<Lum8u> dst, const Pattern& pattern, int64_t shared, int64_t rows, bool isFirst)
     {
-        int64_t first = y - element_.anchorY, last = y + element_.bottomRadius;
-        const bool above = first < 0 && !border_.sides.top, below = last >= size_.height && !border_.sides.bottom;
-        if ((above || below) && border_.isConstant && border_.value == decisive(operation))
-            return false;
-        first = above ? 0 : first;
-        last = below ? size_.height - 1 : last;
-        readRows(src_.bytes.row(first), last - first + 1);
-        extend();
-        return true;
+        // whatever the sizes, the scratch has room for more than the lines of a batch, and what is read behind the last
+        const int64_t batch = rows + 15;
+        const BitSpan span{dst.offset, dst.offset + size_.width};
+        int64_t laid = 0;
+        for (int64_t begin = 0; begin < size_.height; begin += batch) {
+            const int64_t end = std::min(begin + batch, size_.height);
+            if (begin > 0)  // the rows that go on being seen
+                std::memmove(lines_, lines_ + batch * lineBytes_, static_cast<size_t>((rows - 1) * lineBytes_));
+            layLines(laid - begin, end + rows - 1 - begin, begin - element_.anchorY, shared);
+            laid = end + rows - 1;
+            const Plane<Lum8u> to{dst.bytes.row(begin), dst.bytes.step};
+            bool isAlone = isFirst;
+            for (const RunGroup& group : pattern) {
+                const auto seen = [group, lines = lines_, step = lineBytes_](int64_t y, int64_t k, auto lanes) {
+                    return group.under<operation, lanes>(lines + y * step + k);
+                };
+                if (isAlone)
+                    writeRows(to, end - begin, span, seen, [](auto, auto now) { return now; });
+                else
+                    writeRows(to, end - begin, span, seen,
+                              [](auto there, auto now) { return combined<operation>(there, now); });
+                isAlone = false;
+            }
+        }
     }
 
-    /// Combines rows, as they lie in memory, into the line.
-    [[gnu::flatten]] void readRows(const Lum8u* row, int64_t count)
+    /// Lays lines [begin, end); `first` is the row from which on line 0 combines some.
+    void layLines(int64_t begin, int64_t end, int64_t first, int64_t rows) const
     {
-        Lum8u* const to = line_ + padding_;
+        for (int64_t i = begin; i < end;) {
+            const int64_t y = first + i;
+            Lum8u* const line = lines_ + i * lineBytes_;
+            const bool areInside =
+                (y >= 0 || border_.sides.top) && (y + rows + 3 <= size_.height || border_.sides.bottom);
+            if (i + 4 <= end && areInside) {
+                readFourTimes(line + padding_, src_.bytes.row(y), rows);
+                for (int k = 0; k < 4; ++k, ++i)
+                    extend(line + k * lineBytes_);
+            } else {
+                layLine(line, y, rows);
+                ++i;
+            }
+        }
+    }
+
+    /// Combines rows from y on, with their borders, in a line.
+    void layLine(Lum8u* line, int64_t y, int64_t rows) const
+    {
+        const int64_t end = y + rows, height = size_.height;
+        const bool above = y < 0 && !border_.sides.top, below = end > height && !border_.sides.bottom;
+        if ((above || below) && border_.isConstant && (rows == 1 || border_.value == decisive(operation))) {
+            std::memset(line, border_.value ? 0xFF : 0, static_cast<size_t>(lineBytes_));
+            return;
+        }
+        const int64_t first = above ? 0 : below && y >= height ? height - 1 : y;
+        const int64_t last = below ? height - 1 : above && end <= 0 ? 0 : end - 1;
+        readRows(line + padding_, src_.bytes.row(first), last - first + 1);
+        extend(line);
+    }
+
+    /// Combines rows as they lie in memory.
+    [[gnu::flatten]] void readRows(Lum8u* to, const Lum8u* row, int64_t count) const
+    {
         const int64_t step = src_.bytes.step;
-        const Lum8u* const second = row + step;
-        const Lum8u* const third = second + step;
-        const auto each = [=, this](auto bytes) {
-            simd::eachAtLeastOnce<rowLanes>(firstByte_, lastByte_ + 1,
-                                            [=](int64_t k, auto lanes) { simd::store(to + k, bytes(k, lanes)); });
+        simd::eachPiece<readLanes>(firstByte_, lastByte_ + 1, [=](int64_t k, auto lanes) {
+            auto result = simd::loadPiece<lanes>(row + k);
+            for (int64_t i = 1; i < count; ++i)
+                result = combined<operation>(result, simd::loadPiece<lanes>(row + i * step + k));
+            simd::storePiece<lanes>(to + k, result);
+        });
+    }
+
+    /// The same for four lines, each a row further down.
+    [[gnu::flatten]] void readFourTimes(Lum8u* to, const Lum8u* row, int64_t count) const
+    {
+        const int64_t step = src_.bytes.step, lineBytes = lineBytes_;
+        const auto each = [=, this](auto read) {
+            simd::eachPiece<readLanes>(firstByte_, lastByte_ + 1, [=](int64_t k, auto lanes) {
+                read(to + k, lanes, [=](int64_t i) { return simd::loadPiece<lanes>(row + i * step + k); });
+            });
         };
-        const auto two = [=](int64_t k, auto lanes) {
-            return combined<operation>(simd::load<lanes>(row + k), simd::load<lanes>(second + k));
-        };
-        const auto three = [=](int64_t k, auto lanes) {
-            return combined<operation>(two(k, lanes), simd::load<lanes>(third + k));
-        };
-        if (count == 1)
-            each([=](int64_t k, auto lanes) { return simd::load<lanes>(row + k); });
-        else if (count == 2)
-            each(two);
-        else
-            each([=](int64_t k, auto lanes) {
-                auto result = three(k, lanes);
-                for (int64_t i = 3; i < count; ++i)
-                    result = combined<operation>(result, simd::load<lanes>(row + i * step + k));
-                return result;
+        if (count < 4)
+            each([=](Lum8u* line, auto lanes, auto rowOf) {
+                for (int64_t first = 0; first < 4; ++first) {
+                    auto result = rowOf(first);
+                    for (int64_t i = first + 1; i < first + count; ++i)
+                        result = combined<operation>(result, rowOf(i));
+                    simd::storePiece<lanes>(line + first * lineBytes, result);
+                }
+            });
+        else  // they share most of them
+            each([=](Lum8u* line, auto lanes, auto rowOf) {
+                auto all = rowOf(3);
+                for (int64_t i = 4; i < count; ++i)
+                    all = combined<operation>(all, rowOf(i));
+                const auto third = combined<operation>(all, rowOf(2));
+                const auto second = combined<operation>(third, rowOf(1));
+                simd::storePiece<lanes>(line, combined<operation>(second, rowOf(0)));
+                auto below = rowOf(count);
+                simd::storePiece<lanes>(line + lineBytes, combined<operation>(second, below));
+                below = combined<operation>(below, rowOf(count + 1));
+                simd::storePiece<lanes>(line + 2 * lineBytes, combined<operation>(third, below));
+                below = combined<operation>(below, rowOf(count + 2));
+                simd::storePiece<lanes>(line + 3 * lineBytes, combined<operation>(all, below));
             });
     }
 
-    /// Writes the bits of the border beside the pixels in the line.
-    void extend()
+    /// Writes the bits of the border beside the pixels of a line.
+    void extend(Lum8u* line) const
     {
-        const int64_t end = origin_ + size_.width;
         if (!border_.sides.left)
-            setFew(line_, origin_ - left_, origin_, border_.isConstant ? border_.value : bitAt(line_, origin_));
+            leftBorder_.fill(line, border_.isConstant ? border_.value : bitAt(line, origin_));
         if (!border_.sides.right)
-            setFew(line_, end, end + right_, border_.isConstant ? border_.value : bitAt(line_, end - 1));
-    }
-
-    /// Combines the result with what one row of the element sees.
-    void meetRow(const Lum8u* set, int64_t y, int64_t dstOffset, int64_t bytes)
-    {
-        int64_t first = 0, last = element_.maskWidth - 1;
-        while (first <= last && set[first] == 0)
-            ++first;
-        if (first > last)
-            return;
-        while (set[last] == 0)
-            --last;
-        const bool isOutside = (y < 0 && !border_.sides.top) || (y >= size_.height && !border_.sides.bottom);
-        if (isOutside && border_.isConstant) {
-            if (border_.value == decisive(operation))
-                std::memset(result_, border_.value ? 0xFF : 0, static_cast<size_t>(bytes));
-            return;
-        }
-        readRows(src_.bytes.row(!isOutside ? y : y < 0 ? 0 : size_.height - 1), 1);
-        extend();
-        int64_t count = 0;
-        for (int64_t i = first; i <= last; ++i)
-            count += set[i] != 0;
-        const int64_t origin = origin_ - left_ - dstOffset;
-        if (count == last - first + 1) {
-            growRuns<operation>(line_, lineBytes_, count);
-            meet(origin + first, bytes);
-        } else
-            for (int64_t i = first; i <= last; ++i)
-                if (set[i])
-                    meet(origin + i, bytes);
-    }
-
-    /// Combines the result with the line from some bit on.
-    [[gnu::flatten, gnu::noinline]] void meet(int64_t bit, int64_t bytes)
-    {
-        const Lum8u* const from = line_ + (bit >> 3);
-        const int shift = static_cast<int>(bit & 7);
-        for (int64_t k = 0; k < bytes; k += lineLanes)
-            simd::store(result_ + k, combined<operation>(simd::load<lineLanes>(result_ + k),
-                                                         simd::loadBits<lineLanes>(from + k, shift)));
+            rightBorder_.fill(line, border_.isConstant ? border_.value : bitAt(line, origin_ + size_.width - 1));
     }
 
     const LumiMorphBitRecord& element_;
@@ -341,156 +458,11 @@ class Pass
     BitBorder border_;
     int64_t left_, right_;          ///< the element's reach
     int64_t firstByte_, lastByte_;  ///< of a source row, with what lies in memory beside it
-    int64_t padding_;               ///< the source row's first byte in the line
-    int64_t origin_;                ///< its first pixel's bit in the line
+    int64_t padding_;               ///< the source row's first byte in a line
+    int64_t origin_;                ///< its first pixel's bit in a line
     int64_t lineBytes_;
-    Lum8u* line_;
-    Lum8u* result_;
-};
-
-/// A 3x3 rectangle over images of equal bit offsets, in strips of bytes that go down the image. What replicate puts
-/// beside the image lies under the element anyway; so every border is a constant, or in memory.
-template <BitOperation operation>
-class Square
-{
-  public:
-    static bool fits(const LumiMorphBitRecord& element, int64_t srcOffset, int64_t dstOffset, LumiSizeL size)
-    {
-        return element.maskWidth == 3 && element.maskHeight == 3 && srcOffset == dstOffset &&
-               dstOffset + size.width > 8 * endLanes;
-    }
-
-    Square(BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
-        : src_(src.bytes),
-          dst_(dst.bytes),
-          height_(size.height),
-          begin_(dst.offset),
-          end_(dst.offset + size.width),
-          sides_(border.sides),
-          border_((border.isConstant ? border.value : !decisive(operation)) ? 0xFF : 0)
-    {
-    }
-
-    void run() const
-    {
-        const int64_t lastStrip = ((end_ - 1) >> 3) + 1 - endLanes;
-        for (int64_t y = 0; y < height_; y += bandRows) {
-            const Rows rows{y, y + bandRows < height_ ? y + bandRows : height_};
-            if (begin_ > 0)
-                strip<Part::partialFirst, endLanes>(0, rows);
-            else if (sides_.left)
-                strip<Part::middle, endLanes>(0, rows);
-            else
-                strip<Part::first, endLanes>(0, rows);
-            int64_t k = endLanes;
-            for (; k + rowLanes <= lastStrip; k += rowLanes)
-                strip<Part::middle, rowLanes>(k, rows);
-            for (; k < lastStrip; k += endLanes)
-                strip<Part::middle, endLanes>(k, rows);
-            if (end_ % 8 != 0)
-                strip<Part::partialLast, endLanes>(lastStrip, rows);
-            else if (sides_.right)
-                strip<Part::middle, endLanes>(lastStrip, rows);
-            else
-                strip<Part::last, endLanes>(lastStrip, rows);
-        }
-    }
-
-  private:
-    static constexpr int endLanes = 16;
-    static constexpr int64_t bandRows = 32;  ///< they stay in the first-level cache from strip to strip
-
-    /// Where in a row a strip lies: at an end no byte beyond it is read. A partial byte there holds other bits as well.
-    enum class Part
-    {
-        partialFirst,
-        first,
-        middle,
-        last,
-        partialLast
-    };
-
-    struct Rows
-    {
-        int64_t begin, end;
-    };
-
-    template <Part part, int lanes>
-    [[gnu::flatten, gnu::noinline]] void strip(int64_t k, Rows rows) const
-    {
-        constexpr bool isFirst = part == Part::first || part == Part::partialFirst;
-        constexpr bool isLast = part == Part::last || part == Part::partialLast;
-        constexpr bool isPartial = part == Part::partialFirst || part == Part::partialLast;
-        const auto border = simd::broadcast<lanes>(border_);
-        auto inside = border, known = border, beside = border;  // of a partial byte's row: masks, and border bits
-        if constexpr (isPartial) {
-            Lum8u mask[lanes];
-            std::memset(mask, 0xFF, lanes);
-            const int at = isFirst ? 0 : lanes - 1;
-            mask[at] = maskOf(k + at, begin_, end_);
-            inside = simd::load<lanes>(mask);
-            known = (isFirst ? sides_.left : sides_.right) ? simd::broadcast<lanes>(Lum8u{0xFF}) : inside;
-            beside = border & ~known;
-        }
-        const auto triples = [=](const Lum8u* from) {
-            auto pixels = simd::load<lanes>(from);
-            if constexpr (isPartial)
-                pixels = (pixels & known) | beside;
-            simd::Vec<Lum8u, lanes> lower, upper;
-            if constexpr (isFirst)
-                lower = simd::movedUp<1>(pixels, border);
-            else
-                lower = simd::load<lanes>(from - 1);
-            if constexpr (isLast)
-                upper = simd::movedDown<1>(pixels, border);
-            else
-                upper = simd::load<lanes>(from + 1);
-            return combined<operation>(combined<operation>(simd::betweenBytes(lower, pixels, 7), pixels),
-                                       simd::betweenBytes(pixels, upper, 1));
-        };
-        const auto write = [=](Lum8u* to, simd::Vec<Lum8u, lanes> result) {
-            if constexpr (isPartial)
-                result = (result & inside) | (simd::load<lanes>(to) & ~inside);
-            simd::store(to, result);
-        };
-        const int64_t srcStep = src_.step, dstStep = dst_.step;
-        const Lum8u* from = src_.row(rows.begin) + k;
-        Lum8u* to = dst_.row(rows.begin) + k;
-        const int64_t lastRead = rows.end < height_ || sides_.bottom ? rows.end : height_ - 1;
-        const int64_t ahead = rows.end + bandRows <= height_ ? bandRows : 0;
-        int64_t y = rows.begin;
-        auto above = y > 0 || sides_.top ? triples(rowAt(from, srcStep, -1)) : border, here = triples(from);
-        for (; y + 2 <= lastRead; y += 2) {  // two rows share what lies under both
-            for (int i = 0; i < 2; ++i) {
-                simd::prefetch<lanes>(rowAt(from, srcStep, ahead + i));
-                simd::prefetch<lanes>(static_cast<const Lum8u*>(rowAt(to, dstStep, ahead + i)));
-            }
-            const auto next = triples(rowAt(from, srcStep, 1));
-            from = rowAt(from, srcStep, 2);
-            const auto afterNext = triples(from);
-            const auto shared = combined<operation>(here, next);
-            write(to, combined<operation>(above, shared));
-            write(rowAt(to, dstStep, 1), combined<operation>(shared, afterNext));
-            to = rowAt(to, dstStep, 2);
-            above = next;
-            here = afterNext;
-        }
-        for (; y < rows.end; ++y) {
-            from = rowAt(from, srcStep, 1);
-            const auto below = y < lastRead ? triples(from) : border;
-            write(to, combined<operation>(combined<operation>(above, here), below));
-            to = rowAt(to, dstStep, 1);
-            above = here;
-            here = below;
-        }
-    }
-
-    Plane<const Lum8u> src_;
-    Plane<Lum8u> dst_;
-    int64_t height_;
-    int64_t begin_, end_;  ///< bits of a row
-    Border sides_;
-    Lum8u border_;  ///< eight pixels of it
+    Filled leftBorder_, rightBorder_;
+    Lum8u* lines_;
 };
 
 bool isRectangle(const LumiMorphBitRecord& element)
@@ -506,21 +478,19 @@ template <BitOperation operation>
 void work(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size,
           BitBorder border, Lum8u* scratch)
 {
-    if (element.mode == bitModeEmpty || (element.maskWidth == 1 && element.maskHeight == 1)) {
-        border.sides = Border(lumBorderReplicate);  // nothing beside the ROI is looked at
-        Pass<operation>(element, src, size, border, scratch).copy(dst);
+    if (element.mode == bitModeEmpty) {
+        const Lum8u set = 0xFF;
+        LumiMorphBitRecord pixel{};
+        pixel.maskWidth = pixel.maskHeight = 1;
+        Pass<operation>(pixel, src, size, border, scratch).run(dst, &set, 1);
         return;
     }
-    const bool isRectangular = isRectangle(element);
-    if (isRectangular && Square<operation>::fits(element, src.offset, dst.offset, size)) {
-        Square<operation>(src, dst, size, border).run();
-        return;
-    }
-    Pass<operation> pass(element, src, size, border, scratch);
-    if (isRectangular)
-        pass.rectangle(dst);
+    const auto small = smallElement(element);
+    if (small && isWideEnough(dst.offset, size))
+        smallBitPass(operation, *small, src, dst, size, border);
     else
-        pass.anyShape(dst);
+        Pass<operation>(element, src, size, border, scratch)
+            .run(dst, element.pSetMask, isRectangle(element) ? element.maskHeight : 1);
 }
 
 }  // namespace
@@ -534,11 +504,11 @@ void bitPass(BitOperation operation, const LumiMorphBitRecord& element, BitPlane
         work<BitOperation::erosion>(element, src, dst, size, border, scratch);
 }
 
-[[gnu::flatten]] void subtractBits(BitPlane<const Lum8u> minuend, BitPlane<const Lum8u> subtrahend, BitPlane<Lum8u> dst,
-                                   LumiSizeL size, Lum8u* scratch)
+void subtractBits(BitPlane<const Lum8u> minuend, BitPlane<const Lum8u> subtrahend, BitPlane<Lum8u> dst, LumiSizeL size,
+                  Lum8u* scratch)
 {
     // a byte ahead of each row, since the destination's offset may be the greater one
-    const int64_t lineBytes = (size.width + 14) / 8 + 1 + lineLanes;
+    const int64_t lineBytes = (size.width + 14) / 8 + 1 + simd::restLanes;
     const BitPlane<const Lum8u> operands[2] = {minuend, subtrahend};
     const Lum8u* lines[2];
     int shifts[2];
@@ -551,9 +521,11 @@ void bitPass(BitOperation operation, const LumiMorphBitRecord& element, BitPlane
         for (int i = 0; i < 2; ++i)
             std::memcpy(scratch + i * lineBytes + 1, operands[i].bytes.row(y),
                         static_cast<size_t>((operands[i].offset + size.width + 7) >> 3));
-        writeRow(dst.bytes.row(y), dst.offset, size.width, [=](int64_t k, auto lanes) {
+        const auto difference = [=](int64_t, int64_t k, auto lanes) {
             return simd::loadBits<lanes>(lines[0] + k, shifts[0]) & ~simd::loadBits<lanes>(lines[1] + k, shifts[1]);
-        });
+        };
+        writeRows({dst.bytes.row(y), dst.bytes.step}, 1, BitSpan{dst.offset, dst.offset + size.width}, difference,
+                  [](auto, auto now) { return now; });
     }
 }
 

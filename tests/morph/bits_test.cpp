@@ -58,24 +58,90 @@ TEST(MorphBits, EveryWidth)
     }
 }
 
-// A 3x3 square between equal offsets, over more rows than are worked on at a time, with each kind of row end.
+void expectBits(const StructuringElement& element, const LumiSize& size, int srcBitOffset, int dstBitOffset,
+                LumiBorderType sides, int number)
+{
+    BitSetting s = bitsInTurn(element, size.width, size.height, number);
+    s.operation = number % 5 < 2 ? Operation::Erode : Operation::Dilate;
+    s.percentSet = s.operation == Operation::Dilate ? 10 : 90;
+    s.border = sides | (number % 3 == 0 ? lumBorderConstant : lumBorderReplicate);
+    s.srcBitOffset = srcBitOffset;
+    s.dstBitOffset = dstBitOffset;
+    expectBits(s);
+}
+
+// The small elements that have a kernel of their own, between all offsets, over more rows than are worked on at a time,
+// with each kind of row end.
 TEST(MorphBits, ManyRows)
 {
     int number = 0;
-    for (const int height : {31, 32, 33, 34, 97}) {
+    for (const StructuringElement& element : {rectangle(3, 3), cross(3, 3, 1, 1)}) {
+        for (int src = 0; src < 8; ++src) {
+            for (int dst = 0; dst < 8; ++dst) {
+                for (const int height : {1, 2, 31, 32, 33, 34, 97}) {
+                    for (const int width : {128 - dst, 129 - dst, 141, 160 - dst, 384, 512 - dst, 520 - dst, 700}) {
+                        expectBits(element, {width, height}, src, dst, 16 * (number * 7 % 16), number);
+                        ++number;
+                        if (::testing::Test::HasFailure()) {
+                            return;
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+// Every side alone and with others in memory, where the offsets are equal.
+TEST(MorphBits, ManyRowsWithEverySide)
+{
+    int number = 0;
+    for (const StructuringElement& element : {rectangle(3, 3), cross(3, 3, 1, 1)}) {
         for (int offset = 0; offset < 8; ++offset) {
-            for (const int width : {128 - offset, 129 - offset, 141, 160 - offset, 384}) {
-                for (const LumiBorderType sides : {0, 16, 32, 64, 128, 48, 192, 240}) {
-                    BitSetting s = bitsInTurn(rectangle(3, 3), width, height, number);
-                    s.operation = number % 5 < 2 ? Operation::Erode : Operation::Dilate;
-                    s.border = sides | (number % 3 == 0 ? lumBorderConstant : lumBorderReplicate);
-                    s.srcBitOffset = offset;
-                    s.dstBitOffset = offset;
-                    ++number;
-                    expectBits(s);
+            for (const int width : {128 - offset, 129 - offset, 160 - offset, 384, 512 - offset, 520 - offset}) {
+                for (LumiBorderType sides = 0; sides < 256; sides += 16) {
+                    for (const int height : {1, 33, 34}) {
+                        expectBits(element, {width, height}, offset, offset, sides, number++);
+                    }
                     if (::testing::Test::HasFailure()) {
                         return;
                     }
+                }
+            }
+        }
+    }
+}
+
+// Runs of every length, which are taken in pieces where they are long, and elements of more runs than are worked on at
+// a time, over more rows than are.
+TEST(MorphBits, EveryRun)
+{
+    int number = 0;
+    for (int length = 1; length <= 90; ++length) {
+        for (const StructuringElement& element :
+             {rectangle(length, 1), rectangle(length, 5), changed(rectangle(length + 4, 3), 1, 1)}) {
+            for (const LumiSize size : {LumiSize{30, 9}, LumiSize{150, 3}, LumiSize{611, 2}}) {
+                BitSetting s = bitsInTurn(element, size.width, size.height, number);
+                s.operation = number % 3 == 0 ? Operation::Dilate : Operation::Erode;
+                s.percentSet = s.operation == Operation::Dilate ? 3 : 97;
+                ++number;
+                expectBits(s);
+                if (::testing::Test::HasFailure()) {
+                    return;
+                }
+            }
+        }
+    }
+    for (const StructuringElement& element :
+         {scattered(40, 12, 50, 1), scattered(9, 60, 40, 2), scattered(70, 5, 60, 3), scattered(31, 31, 10, 4)}) {
+        for (const LumiSize size : {LumiSize{50, 70}, LumiSize{130, 90}, LumiSize{530, 64}}) {
+            for (int i = 0; i < 6; ++i) {
+                BitSetting s = bitsInTurn(element, size.width, size.height, number++);
+                s.percentSet = i % 2 == 0 ? 1 : 99;
+                s.operation = i % 2 == 0 ? Operation::Dilate : Operation::Erode;
+                expectBits(s);
+                if (::testing::Test::HasFailure()) {
+                    return;
                 }
             }
         }

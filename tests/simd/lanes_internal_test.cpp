@@ -426,5 +426,58 @@ TEST(SimdBitRow, LoadsFromBetweenTwoBytes)
     check(simd::Lanes<128>{});
 }
 
+TEST(SimdBitRow, ShiftsOfWords)
+{
+    forWidths<uint64_t>([]<class T, int N>(T, simd::Lanes<N>) {
+        const auto a = drawnLanes<T, N>(7), b = drawnLanes<T, N>(8);
+        const auto va = simd::load<N>(a.data()), vb = simd::load<N>(b.data());
+        for (int places = 0; places < 64; ++places) {
+            expectEach<T, N>(va >> places, [&](int i) { return a[std::size_t(i)] >> places; });
+            expectEach<T, N>(va << places, [&](int i) { return a[std::size_t(i)] << places; });
+            expectEach<T, N>(simd::joined(va, places, vb, 63 - places),
+                             [&](int i) { return a[std::size_t(i)] >> places | b[std::size_t(i)] << (63 - places); });
+        }
+    });
+}
+
+// The byte that is not read lies behind a page border.
+TEST(SimdBitRow, LoadsWithoutAnEnd)
+{
+    const auto check = []<int N>(simd::Lanes<N>) {
+        for (const bool isBehind : {true, false}) {
+            const GuardedBlock block(N - 1, isBehind ? Guard::Before : Guard::After);
+            Lum8u* const bytes = block.as<Lum8u>();
+            for (int i = 0; i < N - 1; ++i)
+                bytes[i] = static_cast<Lum8u>(3 * i + 1);
+            if (isBehind)
+                expectEach<Lum8u, N>(simd::loadBehind<N>(bytes - 1, Lum8u{77}),
+                                     [&](int i) { return i == 0 ? 77 : bytes[i - 1]; });
+            else
+                expectEach<Lum8u, N>(simd::loadAhead<N>(bytes, Lum8u{78}),
+                                     [&](int i) { return i == N - 1 ? 78 : bytes[i]; });
+        }
+    };
+    check(simd::Lanes<16>{});
+    if constexpr (simd::registerLanes < Lum8u >> 16)
+        check(simd::Lanes<simd::registerLanes<Lum8u>>{});
+}
+
+TEST(SimdBitRow, PiecesCoverARow)
+{
+    for (int count = 1; count <= 200; ++count) {
+        const GuardedBlock from(std::size_t(count), Guard::After), to(std::size_t(count), Guard::Before);
+        Lum8u* const source = from.as<Lum8u>();
+        Lum8u* const target = to.as<Lum8u>();
+        for (int i = 0; i < count; ++i) {
+            source[i] = static_cast<Lum8u>(5 * i + 2);
+            target[i] = 0;
+        }
+        simd::eachPiece<64>(0, count, [&](int64_t k, auto lanes) {
+            simd::storePiece<lanes>(target + k, simd::loadPiece<lanes>(source + k));
+        });
+        EXPECT_TRUE(std::equal(source, source + count, target)) << count << " bytes";
+    }
+}
+
 }  // namespace
 }  // namespace lumcv::test
