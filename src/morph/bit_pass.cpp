@@ -478,14 +478,9 @@ template <BitOperation operation>
 void work(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size,
           BitBorder border, Lum8u* scratch)
 {
-    if (element.mode == bitModeEmpty) {
-        const Lum8u set = 0xFF;
-        LumiMorphBitRecord pixel{};
-        pixel.maskWidth = pixel.maskHeight = 1;
-        Pass<operation>(pixel, src, size, border, scratch).run(dst, &set, 1);
-        return;
-    }
     const auto small = smallElement(element);
+    if (small == SmallElement::pixel)
+        border.sides = Border(lumBorderReplicate);  // nothing beside the ROI is looked at
     if (small && isWideEnough(dst.offset, size))
         smallBitPass(operation, *small, src, dst, size, border);
     else
@@ -498,7 +493,13 @@ void work(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane
 void bitPass(BitOperation operation, const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst,
              LumiSizeL size, BitBorder border, Lum8u* scratch)
 {
-    if (operation == BitOperation::dilation)
+    if (element.mode == bitModeEmpty) {  // a copy
+        const Lum8u set = 0xFF;
+        LumiMorphBitRecord pixel{};
+        pixel.pSetMask = &set;
+        pixel.maskWidth = pixel.maskHeight = 1;
+        bitPass(operation, pixel, src, dst, size, border, scratch);
+    } else if (operation == BitOperation::dilation)
         work<BitOperation::dilation>(element, src, dst, size, border, scratch);
     else
         work<BitOperation::erosion>(element, src, dst, size, border, scratch);

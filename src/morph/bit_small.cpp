@@ -1,5 +1,5 @@
-// Dilation and erosion of 1-bit images under a 3x3 square or cross, in strips of bytes that go down the image: each
-// source row is read once, and what its neighbours above and below see of it stays in registers for them.
+// Dilation and erosion of 1-bit images under a 3x3 square or cross, and their copy, in strips of bytes that go down the
+// image: each source row is read once, and what its neighbours above and below see of it stays in registers for them.
 #include "morph/bit_small.hpp"
 
 #include <cstring>
@@ -26,10 +26,10 @@ struct Rows
 
 /// What replicate puts beside the image lies under the element anyway; so every border is a constant, or in memory.
 template <BitOperation operation, SmallElement element>
-class Pass
+class SmallPass
 {
   public:
-    Pass(BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
+    SmallPass(BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
         : src_(src.bytes),
           dst_(dst.bytes),
           height_(size.height),
@@ -77,18 +77,17 @@ class Pass
         using V = simd::Vec<Lum8u, lanes>;
 
         int64_t k;
-        bool isLowerOutside, isUpperOutside;  ///< one byte of what the windows lie in must not be read
-        V lowerKnown, upperKnown;             ///< the bits there that are pixels
-        V inside;                             ///< the bits that are written
+        bool isOutside;            ///< the outermost byte in which windows lie must not be read
+        V lowerKnown, upperKnown;  ///< the bits there that are pixels
+        V inside;                  ///< the bits that are written
 
-        End(const Pass& pass, int64_t from) : k(from)
+        End(const SmallPass& pass, int64_t from) : k(from)
         {
             const Border& sides = pass.sides_;
             const int64_t begin = pass.begin_ + pass.offset_ - sides.left;
             const int64_t end = pass.end_ + pass.offset_ + sides.right;
             const int64_t lower = k + pass.windows_.lower, upper = k + pass.windows_.upper;
-            isLowerOutside = lower < begin >> 3;
-            isUpperOutside = upper + lanes - 1 > (end - 1) >> 3;
+            isOutside = k == 0 ? lower < begin >> 3 : upper + lanes - 1 > (end - 1) >> 3;
             lowerKnown = mask(lower, begin, end);
             upperKnown = mask(upper, begin, end);
             inside = mask(k, pass.begin_, pass.end_);
@@ -110,7 +109,7 @@ class Pass
     {
         const bool isFirst = end.k == 0;
         if (offset_ != 0 || (isFirst ? begin_ : end_) % 8 != 0)
-            partialStrip(end, rows);
+            isFirst ? partialStrip<lanes, true>(end, rows) : partialStrip<lanes, false>(end, rows);
         else if (isFirst ? sides_.left : sides_.right)
             levelStrip<lanes, Beside::pixels>(end.k, rows);
         else if (isFirst)
@@ -173,7 +172,7 @@ class Pass
             [](Lum8u* to, auto result) { simd::store(to, result); });
     }
 
-    template <int lanes>
+    template <int lanes, bool isFirst>
     [[gnu::flatten, gnu::noinline]] void partialStrip(const End<lanes>& end, Rows rows) const
     {
         const BitWindows windows = windows_;
@@ -181,16 +180,16 @@ class Pass
         const auto lowerKnown = end.lowerKnown, upperKnown = end.upperKnown, inside = end.inside;
         const auto lowerBeside = simd::broadcast<lanes>(border) & ~lowerKnown;
         const auto upperBeside = simd::broadcast<lanes>(border) & ~upperKnown;
-        const bool isLowerOutside = end.isLowerOutside, isUpperOutside = end.isUpperOutside;
+        const bool isOutside = end.isOutside;
         goDown<lanes>(
             end.k, rows,
             [=](const Lum8u* from) {
                 const Lum8u* const lowerFrom = from + windows.lower;
                 const Lum8u* const upperFrom = from + windows.upper;
                 const auto lower =
-                    isLowerOutside ? simd::loadBehind<lanes>(lowerFrom, border) : simd::load<lanes>(lowerFrom);
+                    isFirst && isOutside ? simd::loadBehind<lanes>(lowerFrom, border) : simd::load<lanes>(lowerFrom);
                 const auto upper =
-                    isUpperOutside ? simd::loadAhead<lanes>(upperFrom, border) : simd::load<lanes>(upperFrom);
+                    !isFirst && isOutside ? simd::loadAhead<lanes>(upperFrom, border) : simd::load<lanes>(upperFrom);
                 return seenThrough(windows, (lower & lowerKnown) | lowerBeside, (upper & upperKnown) | upperBeside);
             },
             [=](Lum8u* to, auto result) { simd::store(to, (result & inside) | (simd::load<lanes>(to) & ~inside)); });
@@ -199,7 +198,7 @@ class Pass
     template <int lanes>
     [[gnu::always_inline]] static Seen<lanes> seen(simd::Vec<Lum8u, lanes> threes, simd::Vec<Lum8u, lanes> pixels)
     {
-        return {threes, element == SmallElement::square ? threes : pixels};
+        return {element == SmallElement::pixel ? pixels : threes, element == SmallElement::square ? threes : pixels};
     }
 
     /// The same from the lanes in which windows of three pixels lie.
@@ -262,7 +261,10 @@ class Pass
     [[gnu::always_inline]] static auto underElement(const Seen<lanes>& above, const Seen<lanes>& here,
                                                     const Seen<lanes>& below)
     {
-        return combined<operation>(combined<operation>(above.others, here.own), below.others);
+        if constexpr (element == SmallElement::pixel)
+            return here.own;
+        else
+            return combined<operation>(combined<operation>(above.others, here.own), below.others);
     }
 
     Plane<const Lum8u> src_;
@@ -279,7 +281,7 @@ class Pass
 template <BitOperation operation, SmallElement element>
 void work(BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
 {
-    const Pass<operation, element> pass(src, dst, size, border);
+    const SmallPass<operation, element> pass(src, dst, size, border);
     constexpr int wideEnd = simd::registerLanes<Lum8u>;
     if constexpr (wideEnd > simd::restLanes)
         if (dst.offset + size.width > 8 * wideEnd) {
@@ -292,19 +294,25 @@ void work(BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBor
 template <BitOperation operation>
 void work(SmallElement element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
 {
-    if (element == SmallElement::square)
-        work<operation, SmallElement::square>(src, dst, size, border);
-    else
-        work<operation, SmallElement::cross>(src, dst, size, border);
+    switch (element) {
+        case SmallElement::pixel:
+            return work<operation, SmallElement::pixel>(src, dst, size, border);
+        case SmallElement::cross:
+            return work<operation, SmallElement::cross>(src, dst, size, border);
+        case SmallElement::square:
+            return work<operation, SmallElement::square>(src, dst, size, border);
+    }
 }
 
 }  // namespace
 
 std::optional<SmallElement> smallElement(const LumiMorphBitRecord& element)
 {
+    const Lum8u* const set = element.pSetMask;
+    if (element.maskWidth == 1 && element.maskHeight == 1)
+        return SmallElement::pixel;
     if (element.maskWidth != 3 || element.maskHeight != 3)
         return {};
-    const Lum8u* const set = element.pSetMask;
     for (const int i : {1, 3, 4, 5, 7})
         if (set[i] == 0)
             return {};

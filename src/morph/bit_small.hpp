@@ -1,4 +1,4 @@
-// Dilation and erosion of 1-bit images under a 3x3 square or cross.
+// Dilation and erosion of 1-bit images under a 3x3 square or cross, and their copy.
 #pragma once
 
 #include <optional>
@@ -9,10 +9,12 @@ namespace lumcv {
 
 enum class SmallElement
 {
-    square,
-    cross
+    pixel,
+    cross,
+    square
 };
 
+/// Which of them an element is that has a position set.
 std::optional<SmallElement> smallElement(const LumiMorphBitRecord& element);
 
 /// Whether the rows of a destination are long enough.
