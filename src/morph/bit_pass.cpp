@@ -4,7 +4,8 @@
 // written beside them. The element is taken as runs. What a run sees of a line is combined for all bits of a vector at
 // once, by shifts that also bring it to the destination's bit offset, and written in strips of bytes that go down the
 // image, one for each group of runs that are treated alike. Of a rectangle the rows are combined as the lines are laid,
-// so that one run remains. A 3x3 square or cross needs no lines.
+// so that one run remains. A 3x3 square or cross of a
+// longer row needs no lines.
 #include "morph/bit_pass.hpp"
 
 #include <algorithm>
@@ -23,6 +24,10 @@ constexpr int readLanes = 2 * simd::registerLanes<Lum8u>;
 /// Bytes of a strip of the result.
 constexpr int stripLanes = readLanes < 64 ? 64 : readLanes;
 
+/// Lines are laid and seen in batches of so many at least: what has just been stored is better not loaded again at
+/// once.
+constexpr int64_t batchRows = 16;
+
 bool bitAt(const Lum8u* line, int64_t bit)
 {
     return line[bit >> 3] >> (bit & 7) & 1;
@@ -33,65 +38,30 @@ void mergeByte(Lum8u* byte, Lum8u value, Lum8u mask)
     *byte = static_cast<Lum8u>((*byte & ~mask) | (value & mask));
 }
 
-void setBits(Lum8u* line, int64_t begin, int64_t end, bool value)
-{
-    if (begin >= end)
-        return;
-    const auto bits = static_cast<Lum8u>(value ? 0xFF : 0);
-    const int64_t firstByte = begin >> 3, lastByte = (end - 1) >> 3;
-    mergeByte(line + firstByte, bits, maskOf(firstByte, begin, end));
-    if (firstByte == lastByte)
-        return;
-    std::memset(line + firstByte + 1, bits, static_cast<size_t>(lastByte - firstByte - 1));
-    mergeByte(line + lastByte, bits, maskOf(lastByte, begin, end));
-}
-
-/// Bits of lines that are set for each line anew.
+/// Bits that are filled in each line.
 class Filled
 {
   public:
-    Filled(int64_t begin, int64_t end)
-        : begin_(begin),
-          end_(end),
-          byte_(begin >> 3),
-          first_(maskOf(byte_, begin, end)),
-          second_(maskOf(byte_ + 1, begin, end)),
-          isLong_(end > 8 * byte_ + 16)
+    explicit Filled(BitSpan span)
+        : firstByte_(span.begin >> 3),
+          lastByte_((span.end - 1) >> 3),
+          first_(span.mask(firstByte_)),
+          last_(span.mask(lastByte_))
     {
     }
 
     void fill(Lum8u* line, bool value) const
     {
-        if (isLong_) {
-            setBits(line, begin_, end_, value);
-            return;
-        }
         const auto bits = static_cast<Lum8u>(value ? 0xFF : 0);
-        mergeByte(line + byte_, bits, first_);
-        mergeByte(line + byte_ + 1, bits, second_);
+        mergeByte(line + firstByte_, bits, first_);
+        if (lastByte_ > firstByte_ + 1)
+            std::memset(line + firstByte_ + 1, bits, static_cast<size_t>(lastByte_ - firstByte_ - 1));
+        mergeByte(line + lastByte_, bits, last_);
     }
 
   private:
-    int64_t begin_, end_;
-    int64_t byte_;
-    Lum8u first_, second_;
-    bool isLong_;
-};
-
-/// Where the bits of a result lie in its rows.
-struct BitSpan
-{
-    int64_t begin, end;
-
-    int64_t bytes() const
-    {
-        return (end + 7) >> 3;
-    }
-
-    Lum8u mask(int64_t byte) const
-    {
-        return maskOf(byte, begin, end);
-    }
+    int64_t firstByte_, lastByte_;
+    Lum8u first_, last_;  ///< of these bytes
 };
 
 /// Writes bytes [k, k + lanes) of some rows: seen(y, k, lanes) are those of row y, and written(there, seen) is what
@@ -102,13 +72,8 @@ template <int lanes, bool isPartial, class Seen, class Written>
 {
     const Seen seen = given;  // a store to the image cannot change a copy
     [[maybe_unused]] simd::Vec<Lum8u, lanes> inside;
-    if constexpr (isPartial) {
-        Lum8u mask[lanes];
-        std::memset(mask, 0xFF, lanes);
-        mask[0] = span.mask(k);
-        mask[lanes - 1] = span.mask(k + lanes - 1);
-        inside = simd::load<lanes>(mask);
-    }
+    if constexpr (isPartial)
+        inside = span.masks<lanes>(k);
     Lum8u* to = dst.pixels + k;
     for (int64_t y = 0; y < rows; ++y) {
         const auto there = simd::load<lanes>(to);
@@ -147,26 +112,16 @@ template <class Seen, class Written>
 template <class Seen, class Written>
 void writeRows(Plane<Lum8u> dst, int64_t rows, BitSpan span, const Seen& seen, Written written)
 {
-    const int64_t bytes = span.bytes();
-    const auto inStrips = [&](auto lanes) {
-        const auto strip = [&](int64_t k) {
+    if (span.bytes() < simd::restLanes)
+        return writeShortRows(dst, rows, span, seen, written);
+    simd::eachAtLeastOnce<stripLanes>(0, span.bytes(), [&](int64_t k, auto lanes) {
+        if constexpr (lanes >= simd::restLanes) {
             if (span.mask(k) == 0xFF && span.mask(k + lanes - 1) == 0xFF)
                 writeStrip<lanes, false>(dst, rows, k, span, seen, written);
             else
                 writeStrip<lanes, true>(dst, rows, k, span, seen, written);
-        };
-        int64_t k = 0;
-        for (; k + lanes <= bytes; k += lanes)
-            strip(k);
-        if (k < bytes)
-            strip(bytes - lanes);
-    };
-    if (bytes < simd::restLanes)
-        writeShortRows(dst, rows, span, seen, written);
-    else if (bytes < stripLanes)
-        inStrips(simd::Lanes<simd::restLanes>{});
-    else
-        inStrips(simd::Lanes<stripLanes>{});
+        }
+    });
 }
 
 /// Set positions of an element, side by side in a row.
@@ -299,7 +254,6 @@ class Pattern
     int64_t others_[mostRuns];
 };
 
-/// Lines are laid and seen in batches: what has just been stored is better not loaded again at once.
 template <BitOperation operation>
 class Pass
 {
@@ -315,9 +269,9 @@ class Pass
           lastByte_((src.offset + size.width - 1 + (border.sides.right ? right_ : 0)) >> 3),
           padding_((left_ + 14) >> 3),
           origin_(8 * padding_ + src.offset),
-          lineBytes_(((origin_ + size.width + right_) >> 3) + 2),
-          leftBorder_(origin_ - left_, origin_),
-          rightBorder_(origin_ + size.width, origin_ + size.width + right_),
+          lineBytes_(((origin_ + size.width + right_) >> 3) + 1),
+          leftBorder_({origin_ - left_, origin_}),
+          rightBorder_({origin_ + size.width, origin_ + size.width + right_}),
           lines_(scratch)
     {
     }
@@ -329,15 +283,15 @@ class Pass
         Runs runs(set, element_.maskWidth, rows);
         for (bool isFirst = true; !runs.isAtEnd(); isFirst = false) {
             const Pattern pattern(runs, lineBytes_, origin_ - left_ - dst.offset);
-            run(dst, pattern, shared, rows, isFirst);
+            runPart(dst, pattern, shared, rows, isFirst);
         }
     }
 
   private:
-    void run(BitPlane<Lum8u> dst, const Pattern& pattern, int64_t shared, int64_t rows, bool isFirst)
+    void runPart(BitPlane<Lum8u> dst, const Pattern& pattern, int64_t shared, int64_t rows, bool isFirst)
     {
         // whatever the sizes, the scratch has room for more than the lines of a batch, and what is read behind the last
-        const int64_t batch = rows + 15;
+        const int64_t batch = rows - 1 + batchRows;
         const BitSpan span{dst.offset, dst.offset + size_.width};
         int64_t laid = 0;
         for (int64_t begin = 0; begin < size_.height; begin += batch) {
@@ -347,17 +301,15 @@ class Pass
             layLines(laid - begin, end + rows - 1 - begin, begin - element_.anchorY, shared);
             laid = end + rows - 1;
             const Plane<Lum8u> to{dst.bytes.row(begin), dst.bytes.step};
-            bool isAlone = isFirst;
             for (const RunGroup& group : pattern) {
                 const auto seen = [group, lines = lines_, step = lineBytes_](int64_t y, int64_t k, auto lanes) {
                     return group.under<operation, lanes>(lines + y * step + k);
                 };
-                if (isAlone)
+                if (isFirst && &group == pattern.begin())
                     writeRows(to, end - begin, span, seen, [](auto, auto now) { return now; });
                 else
                     writeRows(to, end - begin, span, seen,
                               [](auto there, auto now) { return combined<operation>(there, now); });
-                isAlone = false;
             }
         }
     }
@@ -408,39 +360,31 @@ class Pass
         });
     }
 
-    /// The same for four lines, each a row further down.
+    /// The same for four lines, each a row further down: they share most of many rows.
     [[gnu::flatten]] void readFourTimes(Lum8u* to, const Lum8u* row, int64_t count) const
     {
         const int64_t step = src_.bytes.step, lineBytes = lineBytes_;
-        const auto each = [=, this](auto read) {
-            simd::eachPiece<readLanes>(firstByte_, lastByte_ + 1, [=](int64_t k, auto lanes) {
-                read(to + k, lanes, [=](int64_t i) { return simd::loadPiece<lanes>(row + i * step + k); });
-            });
-        };
-        if (count < 4)
-            each([=](Lum8u* line, auto lanes, auto rowOf) {
-                for (int64_t first = 0; first < 4; ++first) {
-                    auto result = rowOf(first);
-                    for (int64_t i = first + 1; i < first + count; ++i)
-                        result = combined<operation>(result, rowOf(i));
-                    simd::storePiece<lanes>(line + first * lineBytes, result);
-                }
-            });
-        else  // they share most of them
-            each([=](Lum8u* line, auto lanes, auto rowOf) {
-                auto all = rowOf(3);
-                for (int64_t i = 4; i < count; ++i)
-                    all = combined<operation>(all, rowOf(i));
-                const auto third = combined<operation>(all, rowOf(2));
-                const auto second = combined<operation>(third, rowOf(1));
-                simd::storePiece<lanes>(line, combined<operation>(second, rowOf(0)));
-                auto below = rowOf(count);
-                simd::storePiece<lanes>(line + lineBytes, combined<operation>(second, below));
-                below = combined<operation>(below, rowOf(count + 1));
-                simd::storePiece<lanes>(line + 2 * lineBytes, combined<operation>(third, below));
-                below = combined<operation>(below, rowOf(count + 2));
-                simd::storePiece<lanes>(line + 3 * lineBytes, combined<operation>(all, below));
-            });
+        if (count < 4) {
+            for (int64_t i = 0; i < 4; ++i)
+                readRows(to + i * lineBytes, row + i * step, count);
+            return;
+        }
+        simd::eachPiece<readLanes>(firstByte_, lastByte_ + 1, [=](int64_t k, auto lanes) {
+            const auto rowOf = [=](int64_t i) { return simd::loadPiece<lanes>(row + i * step + k); };
+            auto all = rowOf(3);
+            for (int64_t i = 4; i < count; ++i)
+                all = combined<operation>(all, rowOf(i));
+            const auto third = combined<operation>(all, rowOf(2));
+            const auto second = combined<operation>(third, rowOf(1));
+            Lum8u* const line = to + k;
+            simd::storePiece<lanes>(line, combined<operation>(second, rowOf(0)));
+            auto below = rowOf(count);
+            simd::storePiece<lanes>(line + lineBytes, combined<operation>(second, below));
+            below = combined<operation>(below, rowOf(count + 1));
+            simd::storePiece<lanes>(line + 2 * lineBytes, combined<operation>(third, below));
+            below = combined<operation>(below, rowOf(count + 2));
+            simd::storePiece<lanes>(line + 3 * lineBytes, combined<operation>(all, below));
+        });
     }
 
     /// Writes the bits of the border beside the pixels of a line.
@@ -478,12 +422,7 @@ template <BitOperation operation>
 void work(const LumiMorphBitRecord& element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, LumiSizeL size,
           BitBorder border, Lum8u* scratch)
 {
-    const auto small = smallElement(element);
-    if (small == SmallElement::pixel)
-        border.sides = Border(lumBorderReplicate);  // nothing beside the ROI is looked at
-    if (small && isWideEnough(dst.offset, size))
-        smallBitPass(operation, *small, src, dst, size, border);
-    else
+    if (!smallBitPass(operation, element, src, dst, size, border))
         Pass<operation>(element, src, size, border, scratch)
             .run(dst, element.pSetMask, isRectangle(element) ? element.maskHeight : 1);
 }
@@ -508,25 +447,30 @@ void bitPass(BitOperation operation, const LumiMorphBitRecord& element, BitPlane
 void subtractBits(BitPlane<const Lum8u> minuend, BitPlane<const Lum8u> subtrahend, BitPlane<Lum8u> dst, LumiSizeL size,
                   Lum8u* scratch)
 {
-    // a byte ahead of each row, since the destination's offset may be the greater one
-    const int64_t lineBytes = (size.width + 14) / 8 + 1 + simd::restLanes;
+    const int64_t lineBytes = (size.width + 14) / 8 + 1;
     const BitPlane<const Lum8u> operands[2] = {minuend, subtrahend};
-    const Lum8u* lines[2];
+    Lum8u* lines[2];
+    const Lum8u* bits[2];
     int shifts[2];
     for (int i = 0; i < 2; ++i) {
+        // a byte ahead of each row, since the destination's offset may be the greater one
         const int64_t origin = 8 + operands[i].offset - dst.offset;
-        lines[i] = scratch + i * lineBytes + (origin >> 3);
+        lines[i] = scratch + i * batchRows * lineBytes;
+        bits[i] = lines[i] + (origin >> 3);
         shifts[i] = static_cast<int>(origin & 7);
     }
-    for (int64_t y = 0; y < size.height; ++y) {
+    const auto difference = [=](int64_t y, int64_t k, auto lanes) {
+        return simd::loadBits<lanes>(bits[0] + y * lineBytes + k, shifts[0]) &
+               ~simd::loadBits<lanes>(bits[1] + y * lineBytes + k, shifts[1]);
+    };
+    for (int64_t begin = 0; begin < size.height; begin += batchRows) {
+        const int64_t rows = std::min(batchRows, size.height - begin);
         for (int i = 0; i < 2; ++i)
-            std::memcpy(scratch + i * lineBytes + 1, operands[i].bytes.row(y),
-                        static_cast<size_t>((operands[i].offset + size.width + 7) >> 3));
-        const auto difference = [=](int64_t, int64_t k, auto lanes) {
-            return simd::loadBits<lanes>(lines[0] + k, shifts[0]) & ~simd::loadBits<lanes>(lines[1] + k, shifts[1]);
-        };
-        writeRows({dst.bytes.row(y), dst.bytes.step}, 1, BitSpan{dst.offset, dst.offset + size.width}, difference,
-                  [](auto, auto now) { return now; });
+            for (int64_t y = 0; y < rows; ++y)
+                std::memcpy(lines[i] + y * lineBytes + 1, operands[i].bytes.row(begin + y),
+                            static_cast<size_t>((operands[i].offset + size.width + 7) >> 3));
+        writeRows({dst.bytes.row(begin), dst.bytes.step}, rows, BitSpan{dst.offset, dst.offset + size.width},
+                  difference, [](auto, auto now) { return now; });
     }
 }
 

@@ -2,7 +2,7 @@
 // image: each source row is read once, and what its neighbours above and below see of it stays in registers for them.
 #include "morph/bit_small.hpp"
 
-#include <cstring>
+#include <optional>
 
 #include "morph/bit_window.hpp"
 #include "simd/simd.hpp"
@@ -19,6 +19,13 @@ constexpr int64_t bandRows = 32;
 /// Bytes of a destination that stay in the second-level cache, with a source.
 constexpr int64_t nearBytes = 524288;
 
+enum class SmallElement
+{
+    pixel,
+    cross,
+    square
+};
+
 struct Rows
 {
     int64_t begin, end;
@@ -33,10 +40,9 @@ class SmallPass
         : src_(src.bytes),
           dst_(dst.bytes),
           height_(size.height),
-          begin_(dst.offset),
-          end_(dst.offset + size.width),
+          span_{dst.offset, dst.offset + size.width},
           offset_(src.offset - dst.offset),
-          sides_(border.sides),
+          sides_(element == SmallElement::pixel ? Border(lumBorderReplicate) : border.sides),
           border_((border.isConstant ? border.value : !decisive(operation)) ? 0xFF : 0),
           isFar_(size.height * dst.bytes.step > nearBytes),
           windows_(offset_ - 1, 3)
@@ -47,8 +53,7 @@ class SmallPass
     template <int endLanes>
     void run() const
     {
-        const int64_t bytes = (end_ + 7) >> 3;
-        const int64_t lastStrip = bytes - endLanes;
+        const int64_t lastStrip = span_.bytes() - endLanes;
         const End<endLanes> first(*this, 0), last(*this, lastStrip);
         for (int64_t y = 0; y < height_; y += bandRows) {
             const Rows rows{y, y + bandRows < height_ ? y + bandRows : height_};
@@ -84,22 +89,13 @@ class SmallPass
         End(const SmallPass& pass, int64_t from) : k(from)
         {
             const Border& sides = pass.sides_;
-            const int64_t begin = pass.begin_ + pass.offset_ - sides.left;
-            const int64_t end = pass.end_ + pass.offset_ + sides.right;
+            const BitSpan& span = pass.span_;
+            const BitSpan pixels{span.begin + pass.offset_ - sides.left, span.end + pass.offset_ + sides.right};
             const int64_t lower = k + pass.windows_.lower, upper = k + pass.windows_.upper;
-            isOutside = k == 0 ? lower < begin >> 3 : upper + lanes - 1 > (end - 1) >> 3;
-            lowerKnown = mask(lower, begin, end);
-            upperKnown = mask(upper, begin, end);
-            inside = mask(k, pass.begin_, pass.end_);
-        }
-
-        static V mask(int64_t byte, int64_t begin, int64_t end)
-        {
-            Lum8u bits[lanes];
-            std::memset(bits, 0xFF, lanes);
-            for (const int i : {0, 1, lanes - 2, lanes - 1})
-                bits[i] = maskOf(byte + i, begin, end);
-            return simd::load<lanes>(bits);
+            isOutside = k == 0 ? lower < pixels.begin >> 3 : upper + lanes > pixels.bytes();
+            lowerKnown = pixels.masks<lanes>(lower);
+            upperKnown = pixels.masks<lanes>(upper);
+            inside = span.masks<lanes>(k);
         }
     };
 
@@ -108,7 +104,7 @@ class SmallPass
     void endStrip(const End<lanes>& end, Rows rows) const
     {
         const bool isFirst = end.k == 0;
-        if (offset_ != 0 || (isFirst ? begin_ : end_) % 8 != 0)
+        if (offset_ != 0 || (isFirst ? span_.begin : span_.end) % 8 != 0)
             isFirst ? partialStrip<lanes, true>(end, rows) : partialStrip<lanes, false>(end, rows);
         else if (isFirst ? sides_.left : sides_.right)
             levelStrip<lanes, Beside::pixels>(end.k, rows);
@@ -270,8 +266,8 @@ class SmallPass
     Plane<const Lum8u> src_;
     Plane<Lum8u> dst_;
     int64_t height_;
-    int64_t begin_, end_;  ///< bits of a destination row
-    int64_t offset_;       ///< a pixel's bit in the source row less its bit in the destination's
+    BitSpan span_;    ///< of a destination row
+    int64_t offset_;  ///< a pixel's bit in the source row less its bit in the destination's
     Border sides_;
     Lum8u border_;  ///< eight pixels of it
     bool isFar_;    ///< the destination is not in a near cache: it is asked for ahead
@@ -304,8 +300,7 @@ void work(SmallElement element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst, 
     }
 }
 
-}  // namespace
-
+/// Which of them an element is that has a position set.
 std::optional<SmallElement> smallElement(const LumiMorphBitRecord& element)
 {
     const Lum8u* const set = element.pSetMask;
@@ -322,18 +317,19 @@ std::optional<SmallElement> smallElement(const LumiMorphBitRecord& element)
     return corners == 0 ? std::optional(SmallElement::cross) : std::nullopt;
 }
 
-bool isWideEnough(int64_t dstOffset, LumiSizeL size)
-{
-    return dstOffset + size.width > 8 * simd::restLanes;
-}
+}  // namespace
 
-void smallBitPass(BitOperation operation, SmallElement element, BitPlane<const Lum8u> src, BitPlane<Lum8u> dst,
-                  LumiSizeL size, BitBorder border)
+bool smallBitPass(BitOperation operation, const LumiMorphBitRecord& element, BitPlane<const Lum8u> src,
+                  BitPlane<Lum8u> dst, LumiSizeL size, BitBorder border)
 {
+    const auto small = smallElement(element);
+    if (!small || dst.offset + size.width <= 8 * simd::restLanes)
+        return false;
     if (operation == BitOperation::dilation)
-        work<BitOperation::dilation>(element, src, dst, size, border);
+        work<BitOperation::dilation>(*small, src, dst, size, border);
     else
-        work<BitOperation::erosion>(element, src, dst, size, border);
+        work<BitOperation::erosion>(*small, src, dst, size, border);
+    return true;
 }
 
 }  // namespace lumcv

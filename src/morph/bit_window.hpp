@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cstring>
 
 #include "morph/bit_pass.hpp"
 #include "simd/simd.hpp"
@@ -23,14 +24,37 @@ constexpr bool decisive(BitOperation operation)
     return operation == BitOperation::dilation;
 }
 
-/// The bits of a byte in [begin, end).
-constexpr Lum8u maskOf(int64_t byte, int64_t begin, int64_t end)
+/// Some bits of a row.
+struct BitSpan
 {
-    const int64_t first = begin - 8 * byte, last = 8 * byte + 8 - end;
-    const int low = first < 0 ? 0 : first > 8 ? 8 : static_cast<int>(first);
-    const int high = last < 0 ? 0 : last > 8 ? 8 : static_cast<int>(last);
-    return static_cast<Lum8u>((0xFF << low) & (0xFF >> high));
-}
+    int64_t begin, end;
+
+    int64_t bytes() const
+    {
+        return (end + 7) >> 3;
+    }
+
+    /// Those of a byte.
+    Lum8u mask(int64_t byte) const
+    {
+        const int64_t before = begin - 8 * byte, behind = 8 * byte + 8 - end;
+        const int low = before < 0 ? 0 : before > 8 ? 8 : static_cast<int>(before);
+        const int high = behind < 0 ? 0 : behind > 8 ? 8 : static_cast<int>(behind);
+        return static_cast<Lum8u>((0xFF << low) & (0xFF >> high));
+    }
+
+    /// Those of N bytes at an end of the span, all of whose bits are in it but for the first two and the last two
+    /// bytes.
+    template <int N>
+    simd::Vec<Lum8u, N> masks(int64_t byte) const
+    {
+        Lum8u all[N];
+        std::memset(all, 0xFF, N);
+        for (const int i : {0, 1, N - 2, N - 1})
+            all[i] = mask(byte + i);
+        return simd::load<N>(all);
+    }
+};
 
 /// Bits in the longest window that BitWindows serves.
 inline constexpr int longestWindow = 26;

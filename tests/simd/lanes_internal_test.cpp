@@ -458,7 +458,7 @@ TEST(SimdBitRow, LoadsWithoutAnEnd)
         }
     };
     check(simd::Lanes<16>{});
-    if constexpr (simd::registerLanes < Lum8u >> 16)
+    if constexpr (16 < simd::registerLanes<Lum8u>)
         check(simd::Lanes<simd::registerLanes<Lum8u>>{});
 }
 
